@@ -1,0 +1,5 @@
+if(BELVA_SANITIZE)
+  list(JOIN BELVA_SANITIZE "," _belva_san)
+  add_compile_options(-fsanitize=${_belva_san} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=${_belva_san})
+endif()

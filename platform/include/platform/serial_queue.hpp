@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/queue.hpp"
+
+#include <memory>
+#include <string>
+
+namespace platform {
+
+// A labelled serial queue: work runs one item at a time, in order, off the main thread.
+// Copies share the same queue.
+class SerialQueue final : public Queue {
+public:
+    explicit SerialQueue(std::string label);
+
+    const std::string& label() const;
+    void async(Work work) const override;
+    // Runs the work on the queue and waits for it. Never call from the queue itself.
+    void sync(const Work& work) const;
+    bool isCurrent() const;
+
+private:
+    struct Impl;
+    std::shared_ptr<Impl> impl_;
+};
+
+// Concurrent background work, like a global queue.
+class BackgroundQueue final : public Queue {
+public:
+    static const BackgroundQueue& shared();
+    void async(Work work) const override;
+};
+
+} // namespace platform

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace tivra {
+
+class State;
+
+// Marker of everything dispatched.
+class Action {
+public:
+    virtual ~Action() = default;
+    // Printed form for logs; the type's unqualified name unless an action says more.
+    virtual std::string description() const;
+};
+
+using GetState = std::function<State()>;
+using DispatchFunction = std::function<void(const Action&)>;
+
+// An action that carries its own work; `AsyncMiddleware` runs it instead of reducing it.
+class AsyncAction : public Action {
+public:
+    virtual void execute(const GetState& getState, const DispatchFunction& dispatch) const = 0;
+};
+
+// The action as T, or null when it is of another type.
+template <class T>
+const T* actionAs(const Action& action) {
+    return dynamic_cast<const T*>(&action);
+}
+
+} // namespace tivra

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "tivra/action.hpp"
+#include "tivra/state.hpp"
+#include "tivra/state_key.hpp"
+
+#include <any>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tivra {
+
+// A reducer with its slice type erased: the incoming value is the slice as a dynamic value.
+// An absent result means the slice did not change.
+using ReducingFunction = std::function<std::optional<std::any>(const std::any&, const Action&)>;
+
+// One slice as a reducer contributes it to a combination.
+struct ReducerEntry {
+    std::string stateKey;
+    std::any initialState;
+    ReducingFunction reduce;
+};
+
+// What every reducer is, whatever its slice type.
+class AnyReducer {
+public:
+    virtual ~AnyReducer() = default;
+    // The slices this reducer covers, in order.
+    virtual std::vector<ReducerEntry> entries() const = 0;
+    // The whole reducer, type erased, as the store calls it.
+    virtual ReducingFunction erased() const = 0;
+};
+
+template <class S>
+class Reducer : public AnyReducer, public std::enable_shared_from_this<Reducer<S>> {
+public:
+    using StateType = S;
+
+    virtual S initialState() const = 0;
+    // Defaults to the printed name of the slice type.
+    virtual std::string stateKey() const { return stateKeyOf<S>(); }
+    virtual std::optional<S> reduce(const S& state, const Action& action) const = 0;
+
+    std::vector<ReducerEntry> entries() const override {
+        return {ReducerEntry{stateKey(), std::any(initialState()), erased()}};
+    }
+
+    // A slice of another type passes through unchanged, but counts as changed.
+    ReducingFunction erased() const override {
+        return [self = this->shared_from_this()](const std::any& value, const Action& action)
+                   -> std::optional<std::any> {
+            const S* typed = std::any_cast<S>(&value);
+            if (!typed) return value;
+            std::optional<S> result = self->reduce(*typed, action);
+            if (!result) return std::nullopt;
+            return std::any(std::move(*result));
+        };
+    }
+};
+
+template <class T>
+class BlockReducer final : public Reducer<T> {
+public:
+    using ReduceFunction = std::function<std::optional<T>(const T&, const Action&)>;
+
+    BlockReducer(T initialState, ReduceFunction reduce)
+        : initialState_(std::move(initialState)), stateKey_(stateKeyOf<T>()), reduceFunction_(std::move(reduce)) {}
+    BlockReducer(T initialState, std::string stateKey, ReduceFunction reduce)
+        : initialState_(std::move(initialState)), stateKey_(std::move(stateKey)), reduceFunction_(std::move(reduce)) {}
+
+    T initialState() const override { return initialState_; }
+    std::string stateKey() const override { return stateKey_; }
+    std::optional<T> reduce(const T& state, const Action& action) const override {
+        return reduceFunction_(state, action);
+    }
+
+private:
+    T initialState_;
+    std::string stateKey_;
+    ReduceFunction reduceFunction_;
+};
+
+// Several slices under one reducer. Made only by `+`.
+class CombinedReducer final : public AnyReducer, public std::enable_shared_from_this<CombinedReducer> {
+public:
+    // What `reduce` returns inside its dynamic value: the new state and the keys that changed.
+    using Result = std::pair<State, std::vector<std::string>>;
+
+    const std::map<std::string, ReducingFunction>& reducers() const { return reducers_; }
+    const std::map<std::string, std::any>& states() const { return states_; }
+    std::any initialState() const { return states_; }
+
+    // Never absent: an action no slice cares about gives the same state and no keys.
+    std::optional<std::any> reduce(const std::any& state, const Action& action) const;
+
+    std::vector<ReducerEntry> entries() const override;
+    ReducingFunction erased() const override;
+
+    friend std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right);
+
+private:
+    CombinedReducer() = default;
+    std::map<std::string, ReducingFunction> reducers_;
+    std::map<std::string, std::any> states_;
+};
+
+// On a duplicate key the left operand wins; operands are never changed.
+std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right);
+
+template <class L, class R>
+    requires std::derived_from<L, AnyReducer> && std::derived_from<R, AnyReducer>
+std::shared_ptr<CombinedReducer> operator+(const std::shared_ptr<L>& left, const std::shared_ptr<R>& right) {
+    return *left + *right;
+}
+
+} // namespace tivra

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <any>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tivra {
+
+// The store's state: a map from state key to a dynamically typed slice. Copies share the map
+// until one of them writes, and each slice is shared too, so a copy never copies a slice.
+class State {
+public:
+    using Dictionary = std::map<std::string, std::any>;
+
+    State();
+    explicit State(const Dictionary& dictionary);
+    State(std::initializer_list<std::pair<const std::string, std::any>> pairs);
+
+    std::vector<std::string> keys() const;
+    std::size_t count() const;
+    bool contains(const std::string& key) const;
+
+    // The slice at `key`, or null.
+    const std::any* value(const std::string& key) const;
+    // The slice at `key` as T, or null when it is missing or of another type.
+    template <class T>
+    const T* value(const std::string& key) const {
+        const std::any* found = value(key);
+        return found ? std::any_cast<T>(found) : nullptr;
+    }
+    // The slice under T's own key, as T.
+    template <class T>
+    const T* valueOfType() const;
+
+    // Setting an empty value removes the key.
+    void set(const std::string& key, std::any value);
+    void remove(const std::string& key);
+
+    Dictionary dictionary() const;
+
+private:
+    using Slices = std::map<std::string, std::shared_ptr<const std::any>>;
+    Slices& mutableSlices();
+    std::shared_ptr<const Slices> slices_;
+};
+
+} // namespace tivra
+
+#include "tivra/state_key.hpp"
+
+template <class T>
+const T* tivra::State::valueOfType() const {
+    return value<T>(stateKeyOf<T>());
+}

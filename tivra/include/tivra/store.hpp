@@ -1,0 +1,142 @@
+#pragma once
+
+#include "tivra/action.hpp"
+#include "tivra/filters.hpp"
+#include "tivra/listener.hpp"
+#include "tivra/middleware.hpp"
+#include "tivra/reducer.hpp"
+#include "tivra/state.hpp"
+#include "tivra/subscription.hpp"
+
+#include <any>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tivra {
+
+template <class T>
+using Filter = std::function<bool(const T&, const T&)>;
+
+// The state container. All of its work happens on the main thread: `dispatch` from another
+// thread hands itself to the main queue and waits. There is no action queue and no
+// re-entrancy guard: an action dispatched during a dispatch runs to its end, nested.
+class Store final : public std::enable_shared_from_this<Store> {
+public:
+    using ActionListenerFunction = std::function<void(const Action&)>;
+
+    // Use the factories of `Tivra`; the middleware is optional.
+    static std::shared_ptr<Store> make(State state, ReducingFunction reducer,
+                                       std::shared_ptr<Middleware> middleware);
+
+    void dispatch(const Action& action);
+
+    ActionSubscription addActionListener(ActionListenerFunction actionListener);
+
+    // Listener on one slice. An absent key means T's own key; an absent filter means
+    // `alwaysFilter`. The callback is not called on registration.
+    template <class T>
+    Subscription<T> addListener(std::optional<std::string> stateKey, Filter<T> filter,
+                                std::function<void(const T&)> callback);
+    template <class T>
+    Subscription<T> addListener(std::function<void(const T&)> callback) {
+        return addListener<T>(std::nullopt, nullptr, std::move(callback));
+    }
+    // Listener on a value selected from the whole State; called only when the selector gives one.
+    template <class T>
+    Subscription<T> addListener(Filter<State> filter, std::function<std::optional<T>(const State&)> stateSelector,
+                                std::function<void(const T&)> callback);
+    // Listener on the whole State.
+    Subscription<State> addListener(Filter<State> filter, std::function<void(const State&)> callback);
+
+    const State& state() const { return state_; }
+    void setState(State state) { state_ = std::move(state); }
+
+    // The three resets notify nobody.
+    template <class T>
+    void reset(T state) {
+        reset(std::any(std::move(state)), stateKeyOf<T>());
+    }
+    void reset(std::any state, const std::string& forKey);
+    void resetFullState(const State::Dictionary& dictionary);
+
+    // True only while the reducer runs. A flag, never a guard.
+    bool isDispatching() const { return isDispatching_; }
+
+    const std::vector<Listener>& listeners() const { return *listeners_; }
+    std::size_t actionListenerCount() const { return actionListeners_->size(); }
+
+private:
+    friend void detail::removeListener(Store&, const std::string&);
+    friend void detail::removeActionListener(Store&, const std::string&);
+
+    explicit Store(State state, ReducingFunction reducer);
+    // Gives the listener an id, appends it and returns the stored copy.
+    Listener appendListener(Listener listener);
+    void dispatchOnMain(const Action& action);
+    void reduceAndNotify(const Action& action);
+    std::vector<std::string> apply(const Action& action);
+    void notifyListeners(const std::vector<std::string>& changedKeys, const State& oldState);
+
+    State state_;
+    ReducingFunction reducer_;
+    // Copied on write, so a notification pass or dispatch keeps its own snapshot for free.
+    std::shared_ptr<const std::vector<Listener>> listeners_;
+    std::shared_ptr<const std::map<std::string, ActionListenerFunction>> actionListeners_;
+    std::function<void(const Action&)> dispatchingFunction_;
+    bool isDispatching_ = false;
+    // What a middleware is given; they hold the store weakly.
+    GetState getState_;
+    DispatchFunction dispatch_;
+    DispatchFunction next_;
+};
+
+namespace detail {
+std::string newListenerId();
+}
+
+template <class T>
+Subscription<T> Store::addListener(std::optional<std::string> stateKey, Filter<T> filter,
+                                   std::function<void(const T&)> callback) {
+    Listener listener;
+    listener.stateKey = stateKey ? std::move(stateKey) : std::optional<std::string>(stateKeyOf<T>());
+    listener.notify = [callback = std::move(callback)](const std::any& value) {
+        if (const T* typed = std::any_cast<T>(&value)) callback(*typed);
+    };
+    if (filter) {
+        listener.filterBlock = [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
+            const T* typedOld = std::any_cast<T>(&oldValue);
+            const T* typedNew = std::any_cast<T>(&newValue);
+            return typedOld && typedNew && filter(*typedOld, *typedNew);
+        };
+    } else {
+        listener.filterBlock = alwaysFilter;
+    }
+    return Subscription<T>{shared_from_this(), appendListener(std::move(listener))};
+}
+
+template <class T>
+Subscription<T> Store::addListener(Filter<State> filter, std::function<std::optional<T>(const State&)> stateSelector,
+                                   std::function<void(const T&)> callback) {
+    Listener listener;
+    listener.notify = [selector = std::move(stateSelector), callback = std::move(callback)](const std::any& value) {
+        const State* state = std::any_cast<State>(&value);
+        if (!state) return;
+        if (std::optional<T> selected = selector(*state)) callback(*selected);
+    };
+    if (filter) {
+        listener.filterBlock = [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
+            const State* typedOld = std::any_cast<State>(&oldValue);
+            const State* typedNew = std::any_cast<State>(&newValue);
+            return typedOld && typedNew && filter(*typedOld, *typedNew);
+        };
+    } else {
+        listener.filterBlock = alwaysFilter;
+    }
+    return Subscription<T>{shared_from_this(), appendListener(std::move(listener))};
+}
+
+} // namespace tivra

@@ -1,0 +1,48 @@
+#include "tivra/reducer.hpp"
+
+namespace tivra {
+
+std::optional<std::any> CombinedReducer::reduce(const std::any& state, const Action& action) const {
+    const State* incoming = std::any_cast<State>(&state);
+    // Not a State: hand the value back with no changed keys; the store sees no known shape.
+    if (!incoming) return std::any(std::pair<std::any, std::vector<std::string>>{state, {}});
+    State working = *incoming;
+    std::vector<std::string> changed;
+    for (const auto& [key, reduceSlice] : reducers_) {
+        // A slice is never created by reducing, only by the initial state.
+        const std::any* slice = working.value(key);
+        if (!slice) continue;
+        std::optional<std::any> result = reduceSlice(*slice, action);
+        if (!result) continue;
+        working.set(key, std::move(*result));
+        changed.push_back(key);
+    }
+    return std::any(Result{std::move(working), std::move(changed)});
+}
+
+std::vector<ReducerEntry> CombinedReducer::entries() const {
+    std::vector<ReducerEntry> out;
+    for (const auto& [key, reduceSlice] : reducers_) out.push_back({key, states_.at(key), reduceSlice});
+    return out;
+}
+
+ReducingFunction CombinedReducer::erased() const {
+    return [self = shared_from_this()](const std::any& state, const Action& action) {
+        return self->reduce(state, action);
+    };
+}
+
+std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right) {
+    std::vector<ReducerEntry> entries = left.entries();
+    for (auto& entry : right.entries()) entries.push_back(std::move(entry));
+    std::shared_ptr<CombinedReducer> combined(new CombinedReducer());
+    for (auto& entry : entries) {
+        // The first operand wins on a duplicate key.
+        if (combined->reducers_.contains(entry.stateKey)) continue;
+        combined->states_.emplace(entry.stateKey, std::move(entry.initialState));
+        combined->reducers_.emplace(std::move(entry.stateKey), std::move(entry.reduce));
+    }
+    return combined;
+}
+
+} // namespace tivra

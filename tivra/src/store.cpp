@@ -1,0 +1,169 @@
+#include "tivra/store.hpp"
+
+#include "platform/main_queue.hpp"
+#include "platform/uuid.hpp"
+
+#include <algorithm>
+
+namespace tivra {
+
+namespace detail {
+
+std::string newListenerId() { return platform::uuidString(); }
+
+void removeListener(Store& store, const std::string& id) {
+    auto remaining = std::make_shared<std::vector<Listener>>();
+    std::copy_if(store.listeners_->begin(), store.listeners_->end(), std::back_inserter(*remaining),
+                 [&](const Listener& listener) { return listener.id != id; });
+    store.listeners_ = std::move(remaining);
+}
+
+void removeActionListener(Store& store, const std::string& id) {
+    if (!store.actionListeners_->contains(id)) return;
+    auto remaining = std::make_shared<std::map<std::string, Store::ActionListenerFunction>>(*store.actionListeners_);
+    remaining->erase(id);
+    store.actionListeners_ = std::move(remaining);
+}
+
+void informWithCurrentState(const Store& store, const Listener& listener,
+                            const std::any* (*valueAt)(const State&, const std::string&)) {
+    const State& state = store.state();
+    if (!listener.stateKey) {
+        listener.notify(std::any(state));
+        return;
+    }
+    if (const std::any* value = valueAt(state, *listener.stateKey)) listener.notify(*value);
+}
+
+} // namespace detail
+
+Store::Store(State state, ReducingFunction reducer)
+    : state_(std::move(state)),
+      reducer_(std::move(reducer)),
+      listeners_(std::make_shared<const std::vector<Listener>>()),
+      actionListeners_(std::make_shared<const std::map<std::string, ActionListenerFunction>>()) {}
+
+std::shared_ptr<Store> Store::make(State state, ReducingFunction reducer, std::shared_ptr<Middleware> middleware) {
+    std::shared_ptr<Store> store(new Store(std::move(state), std::move(reducer)));
+    std::weak_ptr<Store> weak = store;
+    store->getState_ = [weak] {
+        auto strong = weak.lock();
+        return strong ? strong->state_ : State();
+    };
+    store->dispatch_ = [weak](const Action& action) {
+        if (auto strong = weak.lock()) strong->dispatch(action);
+    };
+    store->next_ = [weak](const Action& action) {
+        if (auto strong = weak.lock()) strong->reduceAndNotify(action);
+    };
+    if (middleware) {
+        store->dispatchingFunction_ = [weak, middleware = std::move(middleware)](const Action& action) {
+            auto strong = weak.lock();
+            if (!strong) return;
+            middleware->onAction(action, strong->getState_, strong->dispatch_, strong->next_);
+        };
+    } else {
+        // Held weakly as well: a store nobody refers to has nothing left to dispatch.
+        store->dispatchingFunction_ = store->next_;
+    }
+    return store;
+}
+
+void Store::dispatch(const Action& action) {
+    auto& mainQueue = platform::MainQueue::shared();
+    if (mainQueue.isMainThread())
+        dispatchOnMain(action);
+    else
+        mainQueue.sync([&] { dispatchOnMain(action); });
+}
+
+void Store::dispatchOnMain(const Action& action) {
+    const auto actionListeners = actionListeners_;
+    for (const auto& entry : *actionListeners) entry.second(action);
+    if (!dispatchingFunction_) return;
+    // A nested dispatch may not replace it, but keep the call independent of this object's fields.
+    const auto dispatching = dispatchingFunction_;
+    dispatching(action);
+}
+
+void Store::reduceAndNotify(const Action& action) {
+    const State oldState = state_;
+    isDispatching_ = true;
+    const std::vector<std::string> changed = apply(action);
+    isDispatching_ = false;
+    notifyListeners(changed, oldState);
+}
+
+std::vector<std::string> Store::apply(const Action& action) {
+    if (state_.count() == 1) {
+        const std::string key = state_.keys().front();
+        std::optional<std::any> result = reducer_(*state_.value(key), action);
+        if (!result) return {};
+        state_.set(key, std::move(*result));
+        return {key};
+    }
+    std::optional<std::any> result = reducer_(std::any(state_), action);
+    if (!result) return {};
+    auto* combined = std::any_cast<CombinedReducer::Result>(&*result);
+    if (!combined) return {};
+    state_ = std::move(combined->first);
+    return std::move(combined->second);
+}
+
+void Store::notifyListeners(const std::vector<std::string>& changedKeys, const State& oldState) {
+    const auto snapshot = listeners_;
+    std::optional<std::any> oldWhole;
+    for (const Listener& listener : *snapshot) {
+        if (listener.stateKey &&
+            std::find(changedKeys.begin(), changedKeys.end(), *listener.stateKey) == changedKeys.end())
+            continue;
+        // Read afresh, since an earlier listener's nested dispatch may have changed the state;
+        // the copy keeps this listener's slices alive while it runs.
+        const State current = state_;
+        const std::any* oldValue = listener.stateKey ? oldState.value(*listener.stateKey) : nullptr;
+        const std::any* newValue = listener.stateKey ? current.value(*listener.stateKey) : nullptr;
+        std::optional<std::any> newWhole;
+        if (!oldValue) oldValue = &(oldWhole ? *oldWhole : oldWhole.emplace(oldState));
+        if (!newValue) newValue = &newWhole.emplace(current);
+        if (listener.filterBlock(*oldValue, *newValue)) listener.notify(*newValue);
+    }
+}
+
+ActionSubscription Store::addActionListener(ActionListenerFunction actionListener) {
+    std::string id = detail::newListenerId();
+    auto updated = std::make_shared<std::map<std::string, ActionListenerFunction>>(*actionListeners_);
+    updated->emplace(id, std::move(actionListener));
+    actionListeners_ = std::move(updated);
+    return ActionSubscription{shared_from_this(), std::move(id)};
+}
+
+Listener Store::appendListener(Listener listener) {
+    listener.id = detail::newListenerId();
+    auto updated = std::make_shared<std::vector<Listener>>(*listeners_);
+    updated->push_back(listener);
+    listeners_ = std::move(updated);
+    return listener;
+}
+
+Subscription<State> Store::addListener(Filter<State> filter, std::function<void(const State&)> callback) {
+    Listener listener;
+    listener.notify = [callback = std::move(callback)](const std::any& value) {
+        if (const State* state = std::any_cast<State>(&value)) callback(*state);
+    };
+    if (filter) {
+        listener.filterBlock = [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
+            const State* typedOld = std::any_cast<State>(&oldValue);
+            const State* typedNew = std::any_cast<State>(&newValue);
+            return typedOld && typedNew && filter(*typedOld, *typedNew);
+        };
+    } else {
+        listener.filterBlock = alwaysFilter;
+    }
+    return Subscription<State>{shared_from_this(), appendListener(std::move(listener))};
+}
+
+void Store::reset(std::any state, const std::string& forKey) { state_.set(forKey, std::move(state)); }
+
+void Store::resetFullState(const State::Dictionary& dictionary) { state_ = State(dictionary); }
+
+} // namespace tivra
