@@ -89,6 +89,9 @@ public:
     // What `reduce` returns inside its dynamic value: the new state and the keys that changed.
     using Result = std::pair<State, std::vector<std::string>>;
 
+    // A combination of no slices, to build a chain on with `+`.
+    static std::shared_ptr<CombinedReducer> empty() { return std::shared_ptr<CombinedReducer>(new CombinedReducer()); }
+
     const std::map<std::string, ReducingFunction>& reducers() const { return reducers_; }
     const std::map<std::string, std::any>& states() const { return states_; }
     std::any initialState() const { return states_; }

@@ -3,6 +3,7 @@
 #include "tivra/reducer.hpp"
 #include "tivra/store.hpp"
 
+#include <concepts>
 #include <memory>
 
 namespace tivra {
@@ -21,6 +22,7 @@ public:
                                               std::shared_ptr<Middleware> middleware = nullptr);
     // One slice, under the printed name of the value's type.
     template <class T>
+        requires(!std::convertible_to<T, std::shared_ptr<Middleware>> && !std::convertible_to<T, State::Dictionary>)
     static std::shared_ptr<Store> createStore(const std::shared_ptr<AnyReducer>& reducer, T state,
                                               std::shared_ptr<Middleware> middleware = nullptr) {
         State initial;

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// An extra figure with no baseline (sizes, memory), printed after the table.
+struct Fact {
+    std::string name;
+    double value = 0;
+    std::string unit;
+};
+
+// One figure of `belva-bench`: the system's operation and a baseline doing the floor of the same
+// work, both timed per iteration by Google Benchmark in the same run. ratio = value / baseline.
+struct Metric {
+    std::string name;
+    double target = 0;  // the ratio not to exceed
+    std::function<void(benchmark::State&)> measured;
+    std::function<void(benchmark::State&)> baseline;
+    std::function<std::vector<Fact>()> facts;  // optional
+};
+
+// Each subsystem's file gives its metrics; main.cpp lists the functions.
+std::vector<Metric> storeMetrics();
+
+} // namespace bench

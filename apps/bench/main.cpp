@@ -1,0 +1,90 @@
+// belva-bench: each metric against its baseline, as a readable table or, with --json, as a JSON
+// array of {"name", "value", "unit", "baseline", "ratio", "target"}.
+#include "harness.hpp"
+
+#include <boost/json.hpp>
+
+#include <cstring>
+#include <iomanip>
+#include <iostream>
+#include <map>
+
+namespace {
+
+std::vector<bench::Metric> allMetrics() {
+    std::vector<bench::Metric> all;
+    for (auto&& group : {bench::storeMetrics()})
+        for (auto& metric : group) all.push_back(metric);
+    return all;
+}
+
+// Collects the time per iteration of every run, in nanoseconds.
+class Collector final : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const auto& run : runs)
+            if (!run.error_occurred && run.run_type == Run::RT_Iteration)
+                nanos[run.benchmark_name()] = run.GetAdjustedRealTime();
+    }
+    std::map<std::string, double> nanos;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    bool json = false;
+    std::vector<char*> args;
+    for (int i = 0; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--json") == 0)
+            json = true;
+        else
+            args.push_back(argv[i]);
+    }
+    int count = static_cast<int>(args.size());
+    benchmark::Initialize(&count, args.data());
+
+    const auto metrics = allMetrics();
+    for (const auto& metric : metrics) {
+        benchmark::RegisterBenchmark((metric.name + "/baseline").c_str(), metric.baseline)->Unit(benchmark::kNanosecond);
+        benchmark::RegisterBenchmark(metric.name.c_str(), metric.measured)->Unit(benchmark::kNanosecond);
+    }
+    Collector collector;
+    benchmark::RunSpecifiedBenchmarks(&collector);
+    benchmark::Shutdown();
+
+    boost::json::array out;
+    if (!json)
+        std::cout << std::left << std::setw(24) << "metric" << std::right << std::setw(14) << "value ns"
+                  << std::setw(14) << "baseline ns" << std::setw(9) << "ratio" << std::setw(9) << "target"
+                  << "\n";
+    for (const auto& metric : metrics) {
+        const auto value = collector.nanos.find(metric.name);
+        const auto baseline = collector.nanos.find(metric.name + "/baseline");
+        if (value == collector.nanos.end() || baseline == collector.nanos.end()) continue;
+        const double ratio = value->second / baseline->second;
+        if (json) {
+            out.push_back({{"name", metric.name},
+                           {"value", value->second},
+                           {"unit", "ns"},
+                           {"baseline", baseline->second},
+                           {"ratio", ratio},
+                           {"target", metric.target}});
+        } else {
+            std::cout << std::left << std::setw(24) << metric.name << std::right << std::fixed
+                      << std::setprecision(1) << std::setw(14) << value->second << std::setw(14)
+                      << baseline->second << std::setprecision(2) << std::setw(9) << ratio << std::setw(9)
+                      << metric.target << (ratio <= metric.target ? "" : "  over target") << "\n";
+        }
+    }
+    if (json) std::cout << boost::json::serialize(out) << "\n";
+    // Facts go to standard error in JSON mode, so that standard output stays one JSON array.
+    std::ostream& factStream = json ? std::cerr : std::cout;
+    for (const auto& metric : metrics) {
+        if (!metric.facts) continue;
+        for (const auto& fact : metric.facts())
+            factStream << "  " << fact.name << ": " << std::setprecision(1) << std::fixed << fact.value << " "
+                       << fact.unit << "\n";
+    }
+    return 0;
+}

@@ -1,0 +1,24 @@
+// belva-demo: a host application on the embedded help desk.
+#include "belvakit/entry/shared_store.hpp"
+#include "belvakit/entry/support_ui.hpp"
+#include "belvakit/entry/version.hpp"
+#include "sandbox/help_desk.hpp"
+#include "tivra/logger_middleware.hpp"
+
+#include <filesystem>
+#include <iostream>
+
+int main() {
+    const auto storage = std::filesystem::temp_directory_path() / "belva-demo";
+    auto helpDesk = sandbox::HelpDesk::make({.storageDirectory = storage});
+    auto core = helpDesk->initializeCorvane(corvane::Identity::createAnonymous("Demo User", "demo@example.com"));
+
+    belvakit::SupportUI::initialize(core);
+    std::cout << "BelvaKit " << belvakit::libraryVersion() << " on the embedded help desk at "
+              << core->accountDetails().accountUrl << "\n";
+
+    const auto store = belvakit::sharedStore();
+    std::cout << "Shared store: " << tivra::describe(store->state()) << "\n";
+    for (const auto& key : store->state().keys()) std::cout << "  " << key << "\n";
+    return 0;
+}

@@ -1,0 +1,35 @@
+#include "belvakit/entry/shared_store.hpp"
+
+#include "tivra/async.hpp"
+#include "tivra/tivra.hpp"
+
+namespace belvakit {
+
+namespace {
+
+// The slices, in this order: InputFieldState, RequestTableState, RequestListState,
+// RequestContainerState, CreateRequestState. Each subsystem adds its reducer at its place.
+std::shared_ptr<tivra::CombinedReducer> makeReducer() {
+    auto reducer = tivra::CombinedReducer::empty();
+    return reducer;
+}
+
+// Every action meets the middlewares in this order: AsyncMiddleware, RequestControllerMiddleware,
+// RequestContainerMiddleware, RequestQueueMiddleWare, CreateRequestMiddleware,
+// RequestListMiddleware. Each subsystem adds its middleware at its place; the chain is built
+// from the left, so each `+` appends to the one chain.
+std::shared_ptr<tivra::Middleware> makeMiddleware() {
+    std::shared_ptr<tivra::Middleware> chain = std::make_shared<tivra::CombinedMiddleWare>();
+    chain = chain + std::make_shared<tivra::AsyncMiddleware>();
+    return chain;
+}
+
+} // namespace
+
+std::shared_ptr<tivra::Store> sharedStore() {
+    // A function-local static: made once, safely from any thread.
+    static const std::shared_ptr<tivra::Store> store = tivra::Tivra::createStore(makeReducer(), makeMiddleware());
+    return store;
+}
+
+} // namespace belvakit

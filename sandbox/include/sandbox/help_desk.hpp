@@ -1,0 +1,36 @@
+#pragma once
+
+#include "corvane/corvane.hpp"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace sandbox {
+
+// The embedded, in-process help desk: the default implementation of the providers that the
+// host-side libraries offer, for the demo and the tests.
+class HelpDesk : public std::enable_shared_from_this<HelpDesk> {
+public:
+    struct Options {
+        // Where the core keeps caches and the session store.
+        std::filesystem::path storageDirectory;
+        std::string accountUrl = "https://belva.example.com";
+        std::string appId = "belva-demo";
+        std::string clientId = "mobile_sdk_client_belva";
+    };
+
+    static std::shared_ptr<HelpDesk> make(Options options);
+
+    // A core object on this help desk, with its providers registered and the given identity,
+    // made the shared instance.
+    std::shared_ptr<corvane::Corvane> initializeCorvane(std::shared_ptr<corvane::Identity> identity);
+
+    const Options& options() const { return options_; }
+
+private:
+    explicit HelpDesk(Options options) : options_(std::move(options)) {}
+    Options options_;
+};
+
+} // namespace sandbox

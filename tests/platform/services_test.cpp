@@ -1,0 +1,83 @@
+#include "platform/files.hpp"
+#include "platform/log.hpp"
+#include "platform/object.hpp"
+#include "platform/type_name.hpp"
+#include "platform/uuid.hpp"
+#include "test_support.hpp"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+
+using namespace platform;
+
+namespace outer::inner {
+struct RequestListState {};
+template <class T>
+struct Box {};
+} // namespace outer::inner
+
+TEST(TypeName, UnqualifiedNameDropsNamespacesButKeepsTemplateArguments) {
+    EXPECT_EQ(unqualifiedName(typeid(outer::inner::RequestListState)), "RequestListState");
+    EXPECT_EQ(unqualifiedName(typeid(outer::inner::Box<int>)), "Box<int>");
+    EXPECT_EQ(unqualifiedName(typeid(outer::inner::Box<outer::inner::RequestListState>)),
+              "Box<outer::inner::RequestListState>");
+}
+
+TEST(Uuid, UpperCaseTextFormAndFreshEachTime) {
+    const auto wellFormed = [](const std::string& id) {
+        if (id.size() != 36 || id[14] != '4') return false;
+        for (std::size_t i = 0; i < id.size(); ++i) {
+            const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+            if (dash ? id[i] != '-' : !std::isxdigit(static_cast<unsigned char>(id[i])) || std::islower(id[i]))
+                return false;
+        }
+        return true;
+    };
+    std::set<std::string> seen;
+    for (int i = 0; i < 100; ++i) {
+        const std::string id = uuidString();
+        EXPECT_TRUE(wellFormed(id)) << id;
+        seen.insert(id);
+    }
+    EXPECT_EQ(seen.size(), 100u);
+}
+
+TEST(Files, AtomicWriteReplacesWholeFileAndLeavesNoTemporaries) {
+    testing_support::TemporaryDirectory dir;
+    const auto path = std::filesystem::path(dir.path()) / "nested" / "file.json";
+    ASSERT_TRUE(writeFileAtomically(path, "first"));
+    ASSERT_TRUE(writeFileAtomically(path, "second, longer"));
+    EXPECT_EQ(readFile(path), "second, longer");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(path.parent_path()), {}), 1);
+    EXPECT_EQ(readFile(std::filesystem::path(dir.path()) / "missing"), std::nullopt);
+}
+
+TEST(Files, WriteIntoUnwritablePlaceFailsWithoutThrowing) {
+    testing_support::TemporaryDirectory dir;
+    const auto blocker = std::filesystem::path(dir.path()) / "blocker";
+    ASSERT_TRUE(writeFileAtomically(blocker, "a file where a directory should be"));
+    EXPECT_FALSE(writeFileAtomically(blocker / "child.json", "x"));
+}
+
+TEST(Object, AssociatedValuesLiveAsLongAsTheObject) {
+    auto value = std::make_shared<int>(7);
+    std::weak_ptr<int> watch = value;
+    {
+        Object object;
+        object.setAssociatedObject("KEY", std::move(value));
+        EXPECT_EQ(*std::static_pointer_cast<int>(object.associatedObject("KEY")), 7);
+        EXPECT_EQ(object.associatedObject("OTHER"), nullptr);
+        EXPECT_FALSE(watch.expired());
+    }
+    EXPECT_TRUE(watch.expired());
+}
+
+TEST(Log, MemorySinkRecordsLevelsAndMessages) {
+    testing_support::CapturedLog log;
+    platform::log::write(LogLevel::warn, "careful");
+    platform::log::write(LogLevel::error, "broken");
+    EXPECT_EQ(log.messages(LogLevel::warn), std::vector<std::string>{"careful"});
+    EXPECT_EQ(log.records().size(), 2u);
+}
