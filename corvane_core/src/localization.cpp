@@ -14,6 +14,11 @@ std::map<std::string, std::string>& texts() {
 
 void CRVLocalization::registerTable(const std::map<std::string, std::string>& table) {
     std::lock_guard lock(tableMutex);
+    for (const auto& [key, text] : table) texts()[key] = text;
+}
+
+void CRVLocalization::registerDefaults(const std::map<std::string, std::string>& table) {
+    std::lock_guard lock(tableMutex);
     texts().insert(table.begin(), table.end());
 }
 

@@ -20,7 +20,7 @@ void registerShippedTable() {
         const boost::json::value parsed = boost::json::parse(belvakitLocalizableJson);
         for (const auto& [key, text] : parsed.as_object())
             if (text.is_string()) table.emplace(std::string(key), std::string(text.as_string()));
-        corvane::CRVLocalization::registerTable(table);
+        corvane::CRVLocalization::registerDefaults(table);
     });
 }
 

@@ -1,0 +1,28 @@
+#include "belvakit/entry/shared_store.hpp"
+#include "tivra/async.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+
+TEST(SharedStore, MadeOnceEvenWhenManyThreadsAskFirst) {
+    std::vector<tivra::Store*> seen(8);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < seen.size(); ++i)
+        threads.emplace_back([&seen, i] { seen[i] = belvakit::sharedStore().get(); });
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(std::set<tivra::Store*>(seen.begin(), seen.end()).size(), 1u);
+    EXPECT_EQ(seen.front(), belvakit::sharedStore().get());
+}
+
+TEST(SharedStore, RunsAsyncActionsAtTheTopOfItsChain) {
+    int executed = 0;
+    int stateListenerCalls = 0;
+    auto store = belvakit::sharedStore();
+    auto subscription = store->addListener(nullptr, [&](const tivra::State&) { ++stateListenerCalls; });
+    store->dispatch(tivra::BlockAsyncAction([&](const tivra::GetState&, const tivra::DispatchFunction&) { ++executed; }));
+    subscription.removeListener();
+    EXPECT_EQ(executed, 1);
+    EXPECT_EQ(stateListenerCalls, 0);
+}
