@@ -51,7 +51,7 @@ void onState(const tivra::State& state) { sink += static_cast<long>(state.count(
 
 template <int N>
 void listenTo(tivra::Store& store) {
-    for (int i = 0; i < 4; ++i) store.addListener<Slice<N>>(std::nullopt, tivra::EqualsFilter, &onSlice<N>);
+    for (int i = 0; i < 4; ++i) store.addListener<Slice<N>>(tivra::stateKeyOf<Slice<N>>(), tivra::EqualsFilter, &onSlice<N>);
 }
 
 void measured(benchmark::State& run) {

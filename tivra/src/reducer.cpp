@@ -8,15 +8,17 @@ std::optional<std::any> CombinedReducer::reduce(const std::any& state, const Act
     if (!incoming) return std::any(std::pair<std::any, std::vector<std::string>>{state, {}});
     State working = *incoming;
     std::vector<std::string> changed;
-    for (const auto& [key, reduceSlice] : reducers_) {
-        // A slice is never created by reducing, only by the initial state.
-        const std::any* slice = working.value(key);
-        if (!slice) continue;
-        std::optional<std::any> result = reduceSlice(*slice, action);
-        if (!result) continue;
+    // Both are in key order, so one walk pairs each slice with its reducer. A reducer whose slice
+    // is missing is not called: a slice is never created by reducing, only by the initial state.
+    auto reducer = reducers_.begin();
+    incoming->forEach([&](const std::string& key, const std::any& slice) {
+        while (reducer != reducers_.end() && reducer->first < key) ++reducer;
+        if (reducer == reducers_.end() || reducer->first != key) return;
+        std::optional<std::any> result = reducer->second(slice, action);
+        if (!result) return;
         working.set(key, std::move(*result));
         changed.push_back(key);
-    }
+    });
     return std::any(Result{std::move(working), std::move(changed)});
 }
 

@@ -1,5 +1,7 @@
 #include "tivra/store.hpp"
 
+#include "tivra/detail/store_next.hpp"
+
 #include "platform/main_queue.hpp"
 #include "platform/uuid.hpp"
 
@@ -9,12 +11,16 @@ namespace tivra {
 
 namespace detail {
 
+void StoreNext::operator()(const Action& action) const {
+    if (auto strong = store.lock()) strong->reduceAndNotify(action);
+}
+
 std::string newListenerId() { return platform::uuidString(); }
 
 void removeListener(Store& store, const std::string& id) {
-    auto remaining = std::make_shared<std::vector<Listener>>();
+    auto remaining = std::make_shared<std::vector<Store::Registered>>();
     std::copy_if(store.listeners_->begin(), store.listeners_->end(), std::back_inserter(*remaining),
-                 [&](const Listener& listener) { return listener.id != id; });
+                 [&](const Store::Registered& entry) { return entry.listener.id != id; });
     store.listeners_ = std::move(remaining);
 }
 
@@ -40,7 +46,7 @@ void informWithCurrentState(const Store& store, const Listener& listener,
 Store::Store(State state, ReducingFunction reducer)
     : state_(std::move(state)),
       reducer_(std::move(reducer)),
-      listeners_(std::make_shared<const std::vector<Listener>>()),
+      listeners_(std::make_shared<const std::vector<Registered>>()),
       actionListeners_(std::make_shared<const std::map<std::string, ActionListenerFunction>>()) {}
 
 std::shared_ptr<Store> Store::make(State state, ReducingFunction reducer, std::shared_ptr<Middleware> middleware) {
@@ -53,9 +59,7 @@ std::shared_ptr<Store> Store::make(State state, ReducingFunction reducer, std::s
     store->dispatch_ = [weak](const Action& action) {
         if (auto strong = weak.lock()) strong->dispatch(action);
     };
-    store->next_ = [weak](const Action& action) {
-        if (auto strong = weak.lock()) strong->reduceAndNotify(action);
-    };
+    store->next_ = detail::StoreNext{weak};
     if (middleware) {
         store->dispatchingFunction_ = [weak, middleware = std::move(middleware)](const Action& action) {
             auto strong = weak.lock();
@@ -80,10 +84,7 @@ void Store::dispatch(const Action& action) {
 void Store::dispatchOnMain(const Action& action) {
     const auto actionListeners = actionListeners_;
     for (const auto& entry : *actionListeners) entry.second(action);
-    if (!dispatchingFunction_) return;
-    // A nested dispatch may not replace it, but keep the call independent of this object's fields.
-    const auto dispatching = dispatchingFunction_;
-    dispatching(action);
+    if (dispatchingFunction_) dispatchingFunction_(action);
 }
 
 void Store::reduceAndNotify(const Action& action) {
@@ -96,11 +97,15 @@ void Store::reduceAndNotify(const Action& action) {
 
 std::vector<std::string> Store::apply(const Action& action) {
     if (state_.count() == 1) {
-        const std::string key = state_.keys().front();
-        std::optional<std::any> result = reducer_(*state_.value(key), action);
-        if (!result) return {};
-        state_.set(key, std::move(*result));
-        return {key};
+        const State current = state_;
+        std::vector<std::string> changed;
+        current.forEach([&](const std::string& key, const std::any& slice) {
+            std::optional<std::any> result = reducer_(slice, action);
+            if (!result) return;
+            state_.set(key, std::move(*result));
+            changed.push_back(key);
+        });
+        return changed;
     }
     std::optional<std::any> result = reducer_(std::any(state_), action);
     if (!result) return {};
@@ -111,12 +116,20 @@ std::vector<std::string> Store::apply(const Action& action) {
 }
 
 void Store::notifyListeners(const std::vector<std::string>& changedKeys, const State& oldState) {
+    std::vector<std::size_t> changedHashes;
+    changedHashes.reserve(changedKeys.size());
+    for (const auto& key : changedKeys) changedHashes.push_back(std::hash<std::string>{}(key));
+    const auto isChanged = [&](const Registered& entry) {
+        for (std::size_t i = 0; i < changedKeys.size(); ++i)
+            if (changedHashes[i] == entry.keyHash && changedKeys[i] == *entry.listener.stateKey) return true;
+        return false;
+    };
+
     const auto snapshot = listeners_;
     std::optional<std::any> oldWhole;
-    for (const Listener& listener : *snapshot) {
-        if (listener.stateKey &&
-            std::find(changedKeys.begin(), changedKeys.end(), *listener.stateKey) == changedKeys.end())
-            continue;
+    for (const Registered& entry : *snapshot) {
+        const Listener& listener = entry.listener;
+        if (listener.stateKey && !isChanged(entry)) continue;
         // Read afresh, since an earlier listener's nested dispatch may have changed the state;
         // the copy keeps this listener's slices alive while it runs.
         const State current = state_;
@@ -139,8 +152,9 @@ ActionSubscription Store::addActionListener(ActionListenerFunction actionListene
 
 Listener Store::appendListener(Listener listener) {
     listener.id = detail::newListenerId();
-    auto updated = std::make_shared<std::vector<Listener>>(*listeners_);
-    updated->push_back(listener);
+    auto updated = std::make_shared<std::vector<Registered>>(*listeners_);
+    const std::size_t keyHash = listener.stateKey ? std::hash<std::string>{}(*listener.stateKey) : 0;
+    updated->push_back({listener, keyHash});
     listeners_ = std::move(updated);
     return listener;
 }
@@ -160,6 +174,12 @@ Subscription<State> Store::addListener(Filter<State> filter, std::function<void(
         listener.filterBlock = alwaysFilter;
     }
     return Subscription<State>{shared_from_this(), appendListener(std::move(listener))};
+}
+
+std::vector<Listener> Store::listeners() const {
+    std::vector<Listener> out;
+    for (const auto& entry : *listeners_) out.push_back(entry.listener);
+    return out;
 }
 
 void Store::reset(std::any state, const std::string& forKey) { state_.set(forKey, std::move(state)); }

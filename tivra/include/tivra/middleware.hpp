@@ -44,7 +44,18 @@ public:
 
 private:
     struct Call;
+    using Continuations = std::vector<DispatchFunction>;
+    // Continuations built once for the store that last ran this chain, so that a dispatch does
+    // not allocate them anew. Each holds its Call; the Call holds the chain weakly.
+    struct Cache {
+        std::shared_ptr<const Call> call;
+        std::shared_ptr<const Continuations> continuations;
+    };
+
+    const Cache& cacheFor(const GetState& getState, const DispatchFunction& dispatch, const DispatchFunction& next);
     static void runElement(const std::shared_ptr<const Call>& call, std::size_t index, const Action& action);
+
+    Cache cache_;
 };
 
 // Builds chains. Left-built chains (the first two rows) are what the system uses:

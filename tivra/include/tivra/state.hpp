@@ -1,10 +1,12 @@
 #pragma once
 
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <boost/smart_ptr/intrusive_ref_counter.hpp>
+
 #include <any>
 #include <initializer_list>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +15,7 @@ namespace tivra {
 
 // The store's state: a map from state key to a dynamically typed slice. Copies share the map
 // until one of them writes, and each slice is shared too, so a copy never copies a slice.
+// A State is one pointer wide, so a std::any holds it without allocating.
 class State {
 public:
     using Dictionary = std::map<std::string, std::any>;
@@ -21,6 +24,7 @@ public:
     explicit State(const Dictionary& dictionary);
     State(std::initializer_list<std::pair<const std::string, std::any>> pairs);
 
+    // In key order.
     std::vector<std::string> keys() const;
     std::size_t count() const;
     bool contains(const std::string& key) const;
@@ -43,10 +47,26 @@ public:
 
     Dictionary dictionary() const;
 
+    // Calls `visit(key, value)` for every slice, in key order.
+    template <class Visit>
+    void forEach(Visit&& visit) const {
+        for (const auto& entry : slices_->entries) visit(*entry.key, *entry.value);
+    }
+
 private:
-    using Slices = std::map<std::string, std::shared_ptr<const std::any>>;
+    struct Entry {
+        std::shared_ptr<const std::string> key;
+        std::shared_ptr<const std::any> value;
+    };
+    // Few slices: a sorted vector beats a tree for lookups and for the copy on write.
+    struct Slices : boost::intrusive_ref_counter<Slices, boost::thread_safe_counter> {
+        std::vector<Entry> entries;
+    };
+
+    const Entry* find(const std::string& key) const;
     Slices& mutableSlices();
-    std::shared_ptr<const Slices> slices_;
+
+    boost::intrusive_ptr<const Slices> slices_;
 };
 
 } // namespace tivra

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tivra/action.hpp"
+#include "tivra/detail/store_next.hpp"
 #include "tivra/filters.hpp"
 #include "tivra/listener.hpp"
 #include "tivra/middleware.hpp"
@@ -66,12 +67,14 @@ public:
     // True only while the reducer runs. A flag, never a guard.
     bool isDispatching() const { return isDispatching_; }
 
-    const std::vector<Listener>& listeners() const { return *listeners_; }
+    // In order of adding.
+    std::vector<Listener> listeners() const;
     std::size_t actionListenerCount() const { return actionListeners_->size(); }
 
 private:
     friend void detail::removeListener(Store&, const std::string&);
     friend void detail::removeActionListener(Store&, const std::string&);
+    friend struct detail::StoreNext;
 
     explicit Store(State state, ReducingFunction reducer);
     // Gives the listener an id, appends it and returns the stored copy.
@@ -83,8 +86,12 @@ private:
 
     State state_;
     ReducingFunction reducer_;
+    struct Registered {
+        Listener listener;
+        std::size_t keyHash;  // lets the pass skip unchanged keys without comparing text
+    };
     // Copied on write, so a notification pass or dispatch keeps its own snapshot for free.
-    std::shared_ptr<const std::vector<Listener>> listeners_;
+    std::shared_ptr<const std::vector<Registered>> listeners_;
     std::shared_ptr<const std::map<std::string, ActionListenerFunction>> actionListeners_;
     std::function<void(const Action&)> dispatchingFunction_;
     bool isDispatching_ = false;
@@ -102,7 +109,7 @@ template <class T>
 Subscription<T> Store::addListener(std::optional<std::string> stateKey, Filter<T> filter,
                                    std::function<void(const T&)> callback) {
     Listener listener;
-    listener.stateKey = stateKey ? std::move(stateKey) : std::optional<std::string>(stateKeyOf<T>());
+    listener.stateKey = stateKey.has_value() ? *stateKey : stateKeyOf<T>();
     listener.notify = [callback = std::move(callback)](const std::any& value) {
         if (const T* typed = std::any_cast<T>(&value)) callback(*typed);
     };
