@@ -26,3 +26,16 @@ TEST(SharedStore, RunsAsyncActionsAtTheTopOfItsChain) {
     EXPECT_EQ(executed, 1);
     EXPECT_EQ(stateListenerCalls, 0);
 }
+
+#include "belvakit/Request/createrequest/create_request_actions.hpp"
+#include "belvakit/Request/createrequest/create_request_state.hpp"
+
+TEST(SharedStore, ReducesEachSliceItHolds) {
+    auto store = belvakit::sharedStore();
+    belvakit::CreateRequestActions::Edited edited;
+    edited.hasEdits = true;
+    store->dispatch(edited);
+    const auto* slice = store->state().valueOfType<belvakit::CreateRequestState>();
+    ASSERT_NE(slice, nullptr) << "the slice must keep its type after a dispatch";
+    EXPECT_TRUE(slice->hasEdits);
+}

@@ -1,5 +1,6 @@
 #include "belvakit/entry/shared_store.hpp"
 
+#include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "tivra/async.hpp"
 #include "tivra/tivra.hpp"
 
@@ -11,6 +12,7 @@ namespace {
 // RequestContainerState, CreateRequestState. Each subsystem adds its reducer at its place.
 std::shared_ptr<tivra::CombinedReducer> makeReducer() {
     auto reducer = tivra::CombinedReducer::empty();
+    reducer = reducer + std::make_shared<CreateRequestReducer>();
     return reducer;
 }
 
@@ -24,11 +26,22 @@ std::shared_ptr<tivra::Middleware> makeMiddleware() {
     return chain;
 }
 
+std::shared_ptr<tivra::Store> makeStore() {
+    const auto reducer = makeReducer();
+    // A store of one slice hands its reducer the slice itself rather than the State, so a lone
+    // slice's reducer goes in on its own instead of inside the combination.
+    if (reducer->reducers().size() == 1) {
+        const auto& sole = *reducer->reducers().begin();
+        return tivra::Store::make(tivra::State(reducer->states()), sole.second, makeMiddleware());
+    }
+    return tivra::Tivra::createStore(reducer, makeMiddleware());
+}
+
 } // namespace
 
 std::shared_ptr<tivra::Store> sharedStore() {
     // A function-local static: made once, safely from any thread.
-    static const std::shared_ptr<tivra::Store> store = tivra::Tivra::createStore(makeReducer(), makeMiddleware());
+    static const std::shared_ptr<tivra::Store> store = makeStore();
     return store;
 }
 

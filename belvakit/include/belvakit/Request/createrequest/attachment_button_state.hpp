@@ -1,0 +1,7 @@
+#pragma once
+
+namespace belvakit {
+
+enum class AttachmentButtonState { selected, normal, hidden };
+
+} // namespace belvakit

@@ -1,0 +1,205 @@
+#include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/createrequest/create_request_actions.hpp"
+#include "belvakit/Request/createrequest/create_request_reducer.hpp"
+#include "belvakit/Request/queue/request_queue_actions.hpp"
+#include "belvakit/entry/shared_store.hpp"
+#include "fenlow/common_theme.hpp"
+#include "platform/url_opener.hpp"
+#include "tivra/tivra.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace belvakit;
+using Sending = CreateRequestState::Sending;
+
+namespace {
+
+const platform::Color red = platform::Color::fromRGB(255, 0, 0);
+
+CreateRequestState stateWith(Sending sending, AttachmentButtonState button = AttachmentButtonState::hidden) {
+    CreateRequestState state = initialCreateRequestState();
+    state.sending = sending;
+    state.attachmentButtonState = button;
+    return state;
+}
+
+CreateRequestActions::InitializeCreateRequest initialize(bool requiresEmail, bool requiresName, bool logo,
+                                                         std::string referrerUrl) {
+    CreateRequestActions::InitializeCreateRequest action;
+    action.requiresEmail = requiresEmail;
+    action.requiresName = requiresName;
+    action.showCorvnaeLogo = logo;
+    action.referrerUrl = std::move(referrerUrl);
+    return action;
+}
+
+// Swaps in a recording opener for the life of the object.
+class RecordedLinks {
+public:
+    RecordedLinks() : previous_(platform::URLOpener::setShared(opener_)) {}
+    ~RecordedLinks() { platform::URLOpener::setShared(previous_); }
+    std::vector<std::string> opened() const {
+        std::vector<std::string> texts;
+        for (const auto& url : opener_->openedURLs()) texts.push_back(url.string());
+        return texts;
+    }
+
+private:
+    std::shared_ptr<platform::HeadlessURLOpener> opener_ = std::make_shared<platform::HeadlessURLOpener>();
+    std::shared_ptr<platform::URLOpener> previous_;
+};
+
+} // namespace
+
+TEST(CreateRequestState, InitialStateIsMadeOnceWithTheThemeColourOfThatMoment) {
+    const CreateRequestState& initial = initialCreateRequestState();
+    EXPECT_FALSE(initial.requiresEmail || initial.requiresName || initial.showCorvaneLogo || initial.hasEdits);
+    EXPECT_EQ(initial.referrerUrl, "");
+    EXPECT_EQ(initial.sending, Sending::unsent);
+    EXPECT_EQ(initial.attachmentButtonState, AttachmentButtonState::hidden);
+    EXPECT_EQ(initial.primaryColor, fenlow::CommonTheme::currentTheme().primaryColor);
+
+    const auto theme = fenlow::CommonTheme::currentTheme();
+    fenlow::CommonTheme::setCurrentTheme({red});
+    EXPECT_EQ(initialCreateRequestState().primaryColor, theme.primaryColor);
+    EXPECT_EQ(&initialCreateRequestState(), &initial);
+    fenlow::CommonTheme::setCurrentTheme(theme);
+}
+
+TEST(CreateRequestState, EqualityIgnoresReferrerUrlAndPrimaryColourOnly) {
+    const CreateRequestState base = initialCreateRequestState();
+    CreateRequestState cosmetic = base;
+    cosmetic.referrerUrl = "https://elsewhere.example";
+    cosmetic.primaryColor = red;
+    EXPECT_EQ(cosmetic, base);
+    EXPECT_FALSE(tivra::EqualsFilter(base, cosmetic));
+
+    const std::vector<void (*)(CreateRequestState&)> changes = {
+        [](CreateRequestState& s) { s.requiresEmail = true; },
+        [](CreateRequestState& s) { s.requiresName = true; },
+        [](CreateRequestState& s) { s.showCorvaneLogo = true; },
+        [](CreateRequestState& s) { s.hasEdits = true; },
+        [](CreateRequestState& s) { s.sending = Sending::failure; },
+        [](CreateRequestState& s) { s.attachmentButtonState = AttachmentButtonState::selected; },
+    };
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        CreateRequestState changed = base;
+        changes[i](changed);
+        EXPECT_NE(changed, base) << "field " << i;
+    }
+}
+
+TEST(CreateRequestReducer, SendingFollowsTheTransitionTable) {
+    const CreateRequestReducer reducer;
+    const RequestQueueActions::QueueCompleted queueCompleted;
+    const Actions::TicketCreated created;
+    const Actions::TicketCreationError creationError;
+    for (Sending from : {Sending::unsent, Sending::sending, Sending::sent, Sending::success, Sending::failure}) {
+        SCOPED_TRACE(static_cast<int>(from));
+        const auto button = from == Sending::sent ? AttachmentButtonState::selected : AttachmentButtonState::hidden;
+        auto state = stateWith(from, button);
+        state.hasEdits = true;
+        const auto sending = reducer.reduce(state, CreateRequestActions::SendPressed());
+        EXPECT_EQ(sending->sending, Sending::sending);
+        EXPECT_EQ(sending->attachmentButtonState, AttachmentButtonState::normal);
+        EXPECT_TRUE(sending->hasEdits);
+        EXPECT_EQ(reducer.reduce(state, created)->sending, Sending::success);
+        EXPECT_EQ(reducer.reduce(state, creationError)->sending, Sending::failure);
+        EXPECT_EQ(reducer.reduce(state, initialize(true, true, true, "x"))->sending, Sending::unsent);
+        const auto completed = reducer.reduce(state, queueCompleted);
+        if (from == Sending::failure) {
+            EXPECT_FALSE(completed);  // the failure stays on screen
+        } else {
+            ASSERT_TRUE(completed);
+            EXPECT_EQ(completed->sending, Sending::sent);
+        }
+    }
+}
+
+TEST(CreateRequestReducer, InitializeStartsAfreshFromTheReducersInitialState) {
+    CreateRequestState initial = initialCreateRequestState();
+    initial.primaryColor = red;
+    const CreateRequestReducer reducer(initial);
+
+    auto finished = stateWith(Sending::sent, AttachmentButtonState::selected);
+    finished.hasEdits = true;
+    const auto fresh = reducer.reduce(finished, initialize(true, false, true, "https://ref.example"));
+    ASSERT_TRUE(fresh);
+    EXPECT_TRUE(fresh->requiresEmail);
+    EXPECT_FALSE(fresh->requiresName);
+    EXPECT_TRUE(fresh->showCorvaneLogo);
+    EXPECT_EQ(fresh->referrerUrl, "https://ref.example");
+    EXPECT_FALSE(fresh->hasEdits);
+    EXPECT_EQ(fresh->primaryColor, red);
+    EXPECT_EQ(fresh->attachmentButtonState, AttachmentButtonState::hidden);
+    EXPECT_EQ(reducer.initialState().primaryColor, red);
+}
+
+TEST(CreateRequestReducer, EditsAttachmentButtonAndSettingsRowsAndSilenceForOthers) {
+    const CreateRequestReducer reducer;
+    const auto state = stateWith(Sending::unsent, AttachmentButtonState::normal);
+
+    CreateRequestActions::Edited edited;
+    edited.hasEdits = true;
+    EXPECT_TRUE(reducer.reduce(state, edited)->hasEdits);
+    edited.hasEdits = false;
+    EXPECT_FALSE(reducer.reduce(*reducer.reduce(state, CreateRequestActions::Edited{}), edited)->hasEdits);
+
+    Actions::AttachmentButtonStateChanged picker;
+    picker.isSelected = true;
+    EXPECT_EQ(reducer.reduce(state, picker)->attachmentButtonState, AttachmentButtonState::selected);
+    picker.isSelected = false;
+    const auto selected = stateWith(Sending::unsent, AttachmentButtonState::selected);
+    EXPECT_EQ(reducer.reduce(selected, picker)->attachmentButtonState, AttachmentButtonState::normal);
+
+    Actions::SettingsFetched settings;
+    settings.isAttachmentsEnabled = false;
+    EXPECT_EQ(reducer.reduce(state, settings)->attachmentButtonState, AttachmentButtonState::hidden);
+    settings.isAttachmentsEnabled = true;
+    EXPECT_EQ(reducer.reduce(stateWith(Sending::unsent), settings)->attachmentButtonState,
+              AttachmentButtonState::normal);
+
+    EXPECT_FALSE(reducer.reduce(state, Actions::PlaceHolderTextViewEditingBegan()));
+}
+
+TEST(CreateRequestReducer, ReferOpenOpensOnlyAParsableLinkAndNeverChangesTheState) {
+    RecordedLinks links;
+    const CreateRequestReducer reducer;
+    auto state = initialCreateRequestState();
+    for (const char* unusable : {"", "not a link", "http://bad host"}) {
+        state.referrerUrl = unusable;
+        EXPECT_FALSE(reducer.reduce(state, CreateRequestActions::ReferOpen()));
+    }
+    EXPECT_TRUE(links.opened().empty());
+
+    state.referrerUrl = "https://example.com/?ref=form";
+    EXPECT_FALSE(reducer.reduce(state, CreateRequestActions::ReferOpen()));
+    EXPECT_EQ(links.opened(), std::vector<std::string>{"https://example.com/?ref=form"});
+}
+
+TEST(CreateRequestReducer, InAStoreAFailureSurvivesTheDrainedQueueWithoutANotification) {
+    auto store = tivra::Tivra::createStore(std::make_shared<CreateRequestReducer>());
+    std::vector<Sending> seen;
+    store->addListener<CreateRequestState>(std::nullopt, tivra::EqualsFilter,
+                                           [&](const CreateRequestState& s) { seen.push_back(s.sending); });
+
+    store->dispatch(initialize(false, false, false, ""));
+    store->dispatch(CreateRequestActions::SendPressed());
+    store->dispatch(Actions::TicketCreationError());
+    store->dispatch(RequestQueueActions::QueueCompleted());
+    EXPECT_EQ(store->state().value<CreateRequestState>("CreateRequestState")->sending, Sending::failure);
+
+    store->dispatch(CreateRequestActions::SendPressed());
+    store->dispatch(Actions::TicketCreated());
+    store->dispatch(RequestQueueActions::QueueCompleted());
+    store->dispatch(RequestQueueActions::QueueCompleted());  // equal state: filtered out
+    EXPECT_EQ(seen, (std::vector<Sending>{Sending::sending, Sending::failure, Sending::sending, Sending::success,
+                                          Sending::sent}));
+}
+
+TEST(CreateRequestReducer, TheSharedStoreStartsWithTheSliceUnderItsTypeName) {
+    const auto* slice = sharedStore()->state().value<CreateRequestState>("CreateRequestState");
+    ASSERT_TRUE(slice);
+    EXPECT_EQ(*slice, initialCreateRequestState());
+    EXPECT_EQ(slice->primaryColor, initialCreateRequestState().primaryColor);
+}

@@ -1,0 +1,64 @@
+#include "platform/regular_expression.hpp"
+#include "platform/trimming.hpp"
+#include "platform/url.hpp"
+#include "platform/url_opener.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace platform;
+
+TEST(URL, ParsesAbsoluteAndRelativeReferencesAndRefusesEmptyOrMalformedText) {
+    const auto absolute = URL::parse("HTTPS://example.com/help?from=app#top");
+    ASSERT_TRUE(absolute);
+    EXPECT_EQ(absolute->string(), "HTTPS://example.com/help?from=app#top");
+    EXPECT_EQ(absolute->scheme(), "https");
+
+    const auto relative = URL::parse("help/page");
+    ASSERT_TRUE(relative);
+    EXPECT_EQ(relative->scheme(), "");
+
+    for (const char* bad : {"", "not a url", "http://exa mple.com", "100%", "http://[::1", "a\nb"})
+        EXPECT_FALSE(URL::parse(bad)) << bad;
+}
+
+TEST(URLOpener, SharedOpenerIsHeadlessUntilSwappedAndRecordsInOrder) {
+    ASSERT_NE(std::dynamic_pointer_cast<HeadlessURLOpener>(URLOpener::shared()), nullptr);
+
+    auto recorder = std::make_shared<HeadlessURLOpener>();
+    auto previous = URLOpener::setShared(recorder);
+    URLOpener::shared()->open(*URL::parse("https://a.example"));
+    URLOpener::shared()->open(*URL::parse("mailto:someone@example.com"));
+    EXPECT_EQ(recorder->openedURLs(),
+              (std::vector<URL>{*URL::parse("https://a.example"), *URL::parse("mailto:someone@example.com")}));
+
+    EXPECT_EQ(URLOpener::setShared(nullptr), recorder);
+    EXPECT_NE(URLOpener::shared(), nullptr);
+    URLOpener::setShared(previous);
+}
+
+TEST(RegularExpression, MatchesOnlyTheWholeText) {
+    const auto digits = RegularExpression::compile("[0-9]+");
+    ASSERT_TRUE(digits);
+    EXPECT_TRUE(digits->matchesWhole("2024"));
+    EXPECT_FALSE(digits->matchesWhole("x2024"));
+    EXPECT_FALSE(digits->matchesWhole("2024x"));
+    EXPECT_FALSE(digits->matchesWhole(""));
+
+    const auto accents = RegularExpression::compile("é{2}");
+    ASSERT_TRUE(accents);
+    EXPECT_TRUE(accents->matchesWhole("éé"));  // counts characters, not bytes
+    EXPECT_FALSE(accents->matchesWhole("é"));
+
+    EXPECT_FALSE(RegularExpression::compile("(unclosed"));
+    EXPECT_FALSE(RegularExpression::compile("[z-a]"));
+}
+
+TEST(Trimming, RemovesUnicodeSpaceAndLineBreaksAtBothEndsOnly) {
+    EXPECT_EQ(trimmingWhitespaceAndNewlines("  two  words \t\r\n"), "two  words");
+    EXPECT_EQ(trimmingWhitespaceAndNewlines("\xC2\xA0x\xE3\x80\x80"), "x");          // no-break and ideographic space
+    EXPECT_EQ(trimmingWhitespaceAndNewlines("\xE2\x80\xA8line\xC2\x85"), "line");    // line separator, next line
+    EXPECT_EQ(trimmingWhitespaceAndNewlines(" \n\t "), "");
+    EXPECT_EQ(trimmingWhitespaceAndNewlines(""), "");
+    EXPECT_EQ(trimmingWhitespaceAndNewlines(" \xFF "), "\xFF");  // a broken byte is kept as content
+    EXPECT_EQ(trimmingWhitespaceAndNewlines("\xE2\x80\x8B"), "\xE2\x80\x8B");  // zero-width space is no space
+}
