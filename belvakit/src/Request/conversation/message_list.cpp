@@ -1,0 +1,314 @@
+#include "belvakit/Request/conversation/message_list.hpp"
+
+#include "belvakit/attachments/cache.hpp"
+#include "platform/json.hpp"
+
+#include <boost/json/monotonic_resource.hpp>
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+
+namespace belvakit {
+
+namespace json = boost::json;
+
+namespace {
+
+// Writing: every key of a record's column, absent html body and avatar as empty strings.
+
+template <class Record>
+void writeRecord(const Record& record, json::object& out) {
+    out.reserve(20);
+    out.emplace("id", record.id);
+    if constexpr (AttachmentMessage<Record>) {
+        out.emplace("parentId", record.parentId);
+        out.emplace("filename", record.filename);
+    }
+    out.emplace("type", rawValue(Record::type));
+    if constexpr (DeliverableEvent<Record>) out.emplace("status", static_cast<std::int64_t>(record.status));
+    if constexpr (TextMessage<Record>) {
+        out.emplace("body", record.body);
+        out.emplace("html_body", record.htmlBody ? std::string_view(*record.htmlBody) : std::string_view());
+    }
+    if constexpr (ImageMessage<Record>) {
+        out.emplace("imageUrl", record.imageUrl);
+        out.emplace("thumbnailUrl", record.thumbnailUrl);
+        out.emplace("imageSize-width", record.imageSize.width);
+        out.emplace("imageSize-height", record.imageSize.height);
+    }
+    if constexpr (FileMessage<Record>) {
+        out.emplace("attachmentUrl", record.attachmentUrl);
+        out.emplace("size", record.size);
+    }
+    if constexpr (AttachmentMessage<Record>) out.emplace("fileType", static_cast<std::int64_t>(record.fileType));
+    if constexpr (FileMessage<Record>) out.emplace("downloaded", record.downloaded);
+    out.emplace("createdAt", record.createdAt);
+    if constexpr (IdentifiableUserMessage<Record>) {
+        out.emplace("userID", record.userID);
+        out.emplace("name", record.name);
+        out.emplace("avatarURL", record.avatarURL ? std::string_view(*record.avatarURL) : std::string_view());
+    }
+    out.emplace("isEndOfGroup", record.isEndOfGroup);
+}
+
+// JSON has no text for these; writing them would give a file that cannot be read back.
+bool isWritable(const Message& message) {
+    return std::visit(
+        [](const auto& record) {
+            bool finite = std::isfinite(record.createdAt);
+            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                finite = finite && std::isfinite(record.imageSize.width) && std::isfinite(record.imageSize.height);
+            return finite;
+        },
+        message);
+}
+
+json::object encodeInto(const Message& message, json::storage_ptr resource) {
+    json::object out(std::move(resource));
+    std::visit([&](const auto& record) { writeRecord(record, out); }, message);
+    return out;
+}
+
+// Reading: each requirement names a key and the exact JSON type its value must have.
+class Reader {
+public:
+    explicit Reader(const json::object& object) : object_(object) {}
+
+    bool string(std::string_view key, std::string& out) const {
+        const auto* value = object_.if_contains(key);
+        const auto* text = value ? value->if_string() : nullptr;
+        if (!text) return false;
+        out.assign(text->data(), text->size());
+        return true;
+    }
+    bool string(std::string_view key, std::optional<std::string>& out) const {
+        std::string text;
+        if (!string(key, text)) return false;
+        out = std::move(text);
+        return true;
+    }
+    bool boolean(std::string_view key, bool& out) const {
+        const auto* value = object_.if_contains(key);
+        const auto* flag = value ? value->if_bool() : nullptr;
+        if (!flag) return false;
+        out = *flag;
+        return true;
+    }
+    bool integer(std::string_view key, std::int64_t& out) const {
+        const auto* value = object_.if_contains(key);
+        if (!value) return false;
+        if (const auto* signedValue = value->if_int64()) {
+            out = *signedValue;
+            return true;
+        }
+        if (const auto* unsignedValue = value->if_uint64()) {
+            if (*unsignedValue > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) return false;
+            out = static_cast<std::int64_t>(*unsignedValue);
+            return true;
+        }
+        return false;
+    }
+    // Any JSON number, converted as the platform's number type would be.
+    bool number(std::string_view key, std::int64_t& out) const {
+        const auto* value = object_.if_contains(key);
+        if (!value) return false;
+        if (integer(key, out)) return true;
+        const auto* real = value->if_double();
+        if (!real || !std::isfinite(*real) || std::fabs(*real) >= 9.2e18) return false;
+        out = static_cast<std::int64_t>(*real);
+        return true;
+    }
+    bool floating(std::string_view key, double& out) const {
+        const auto* value = object_.if_contains(key);
+        if (!value || !value->is_number()) return false;
+        out = value->is_double() ? value->get_double()
+              : value->is_int64() ? static_cast<double>(value->get_int64())
+                                  : static_cast<double>(value->get_uint64());
+        return true;
+    }
+    bool status(std::string_view key, DeliveryStatus& out) const {
+        std::int64_t raw = 0;
+        if (!integer(key, raw)) return false;
+        const auto status = deliveryStatusFromRawValue(raw);
+        if (!status) return false;
+        out = *status;
+        return true;
+    }
+    bool fileType(std::string_view key, FileType& out) const {
+        std::int64_t raw = 0;
+        if (!integer(key, raw)) return false;
+        const auto type = fileTypeFromRawValue(raw);
+        if (!type) return false;
+        out = *type;
+        return true;
+    }
+
+private:
+    const json::object& object_;
+};
+
+template <class Record>
+std::optional<Message> readRecord(const json::object& object) {
+    const Reader in(object);
+    Record record;
+    bool ok = in.string("id", record.id) && in.floating("createdAt", record.createdAt) &&
+              in.boolean("isEndOfGroup", record.isEndOfGroup);
+    if constexpr (AttachmentMessage<Record>)
+        ok = ok && in.string("parentId", record.parentId) && in.string("filename", record.filename) &&
+             in.fileType("fileType", record.fileType);
+    if constexpr (DeliverableEvent<Record>) ok = ok && in.status("status", record.status);
+    if constexpr (TextMessage<Record>)
+        ok = ok && in.string("body", record.body) && in.string("html_body", record.htmlBody);
+    if constexpr (ImageMessage<Record>)
+        ok = ok && in.string("imageUrl", record.imageUrl) && in.string("thumbnailUrl", record.thumbnailUrl) &&
+             in.floating("imageSize-width", record.imageSize.width) &&
+             in.floating("imageSize-height", record.imageSize.height);
+    if constexpr (FileMessage<Record>)
+        ok = ok && in.string("attachmentUrl", record.attachmentUrl) && in.integer("size", record.size) &&
+             in.boolean("downloaded", record.downloaded);
+    if constexpr (IdentifiableUserMessage<Record>)
+        ok = ok && in.number("userID", record.userID) && in.string("name", record.name) &&
+             in.string("avatarURL", record.avatarURL);
+    if (!ok) return std::nullopt;
+    return Message(std::move(record));
+}
+
+std::optional<Message> readMessage(const json::object& object) {
+    const auto* typeValue = object.if_contains("type");
+    const auto* typeText = typeValue ? typeValue->if_string() : nullptr;
+    if (!typeText) return std::nullopt;
+    const auto eventType = eventTypeFromRawValue(*typeText);
+    if (!eventType) return std::nullopt;
+    switch (*eventType) {
+    case EventType::userMessage: return readRecord<UserMessage>(object);
+    case EventType::agentMessage: return readRecord<AgentMessage>(object);
+    case EventType::userImage: return readRecord<UserImage>(object);
+    case EventType::agentImage: return readRecord<AgentImage>(object);
+    case EventType::userFile: return readRecord<UserFile>(object);
+    case EventType::agentFile: return readRecord<AgentFile>(object);
+    case EventType::date:
+    case EventType::systemMessage: return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::optional<MessageList> readList(const json::value& root) {
+    const auto* object = root.if_object();
+    if (!object) return std::nullopt;
+    const Reader in(*object);
+    MessageList list;
+    std::int64_t version = 0;
+    if (!in.integer("version", version) || version < std::numeric_limits<int>::min() ||
+        version > std::numeric_limits<int>::max())
+        return std::nullopt;
+    list.version = static_cast<int>(version);
+    if (!in.floating("timeStamp", list.timeStamp)) return std::nullopt;
+
+    const auto* mapValue = object->if_contains("mapLocalToRemote");
+    const auto* map = mapValue ? mapValue->if_object() : nullptr;
+    if (!map) return std::nullopt;
+    for (const auto& [local, remote] : *map) {
+        const auto* remoteText = remote.if_string();
+        if (!remoteText) return std::nullopt;
+        list.mapLocalToRemote.emplace(std::string(local), std::string(*remoteText));
+    }
+
+    const auto* messagesValue = object->if_contains("messages");
+    const auto* messages = messagesValue ? messagesValue->if_array() : nullptr;
+    if (!messages) return std::nullopt;
+    for (const auto& element : *messages)
+        if (!element.is_object()) return std::nullopt;
+    if (!in.boolean("ticketClosed", list.ticketClosed)) return std::nullopt;
+
+    std::string remoteRequestId;
+    if (in.string("remoteRequestId", remoteRequestId)) list.remoteRequestId = std::move(remoteRequestId);
+
+    list.messages.reserve(messages->size());
+    for (const auto& element : *messages)
+        if (auto message = readMessage(element.get_object())) list.messages.push_back(std::move(*message));
+    return list;
+}
+
+Date now() {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+std::string encodeMessage(const Message& message) { return json::serialize(encodeInto(message, {})); }
+
+std::optional<Message> decodeMessage(std::string_view text) {
+    const auto value = platform::parseJson(text);
+    if (!value || !value->is_object()) return std::nullopt;
+    return readMessage(value->get_object());
+}
+
+std::optional<std::string> encodeMessageList(const MessageList& list) {
+    if (!std::isfinite(list.timeStamp)) return std::nullopt;
+    for (const auto& message : list.messages)
+        if (!isWritable(message)) return std::nullopt;
+
+    // Every node is dropped together once the text is out, so an arena serves them all.
+    json::monotonic_resource arena;
+    json::storage_ptr storage(&arena);
+    json::object root(storage);
+    root.emplace("version", list.version);
+    root.emplace("timeStamp", list.timeStamp);
+    json::array messages(storage);
+    messages.reserve(list.messages.size());
+    for (const auto& message : list.messages) messages.emplace_back(encodeInto(message, storage));
+    root.emplace("messages", std::move(messages));
+    json::object map(storage);
+    for (const auto& [local, remote] : list.mapLocalToRemote) map.emplace(local, remote);
+    root.emplace("mapLocalToRemote", std::move(map));
+    root.emplace("ticketClosed", list.ticketClosed);
+    if (list.remoteRequestId) root.emplace("remoteRequestId", *list.remoteRequestId);
+    return json::serialize(root);
+}
+
+std::optional<MessageList> decodeMessageList(std::string_view bytes) {
+    json::monotonic_resource arena;
+    const auto root = platform::parseJson(bytes, json::storage_ptr(&arena));
+    if (!root) return std::nullopt;
+    return readList(*root);
+}
+
+void persistConversation(const std::vector<Message>& messages, const std::optional<std::string>& key,
+                         const std::optional<std::string>& remoteRequestId,
+                         const std::map<std::string, std::string>& mapLocalToRemote, int version, bool ticketClosed,
+                         const std::shared_ptr<Cache>& cache) {
+    if (!key) return;
+    MessageList list;
+    list.version = version;
+    list.timeStamp = now();
+    list.mapLocalToRemote = mapLocalToRemote;
+    list.remoteRequestId = remoteRequestId;
+    list.ticketClosed = ticketClosed;
+    // The send queue owns unsent messages until they succeed or fail.
+    for (const auto& message : messages)
+        if (status(message) != DeliveryStatus::notDelivered) list.messages.push_back(message);
+    auto bytes = encodeMessageList(list);
+    if (!bytes || !cache) return;
+    cache->store(*key, std::move(*bytes));
+}
+
+void loadConversation(std::string_view data, int version, const LoadConversationCompletion& completion) {
+    auto list = decodeMessageList(data);
+    if (!list || list->version != version) {
+        completion({}, {}, std::nullopt, false);
+        return;
+    }
+    completion(std::move(list->messages), std::move(list->mapLocalToRemote), std::move(list->remoteRequestId),
+               list->ticketClosed);
+}
+
+std::string interpolatedFilename(std::string_view attachmentId, FileType fileType) {
+    std::string name = "Attachment";
+    name.append(attachmentId).append(".").append(extension(fileType));
+    return name;
+}
+
+} // namespace belvakit

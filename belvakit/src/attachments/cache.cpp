@@ -1,0 +1,82 @@
+#include "belvakit/attachments/cache.hpp"
+
+#include "corvane/core_logger.hpp"
+#include "corvane/corvane.hpp"
+#include "platform/files.hpp"
+#include "platform/main_queue.hpp"
+
+#include <system_error>
+
+namespace belvakit {
+
+using corvane::CoreLogger;
+
+std::shared_ptr<ConcreteCache> ConcreteCache::make(const corvane::StoreModule* storeModule,
+                                                   const std::string& directoryName, bool allowOverwrite) {
+    if (!storeModule || storeModule->cacheDirectory.empty()) {
+        CoreLogger::error("Could not retrieve core cache directory");
+        return nullptr;
+    }
+    return std::make_shared<ConcreteCache>(storeModule->cacheDirectory / directoryName, allowOverwrite);
+}
+
+std::shared_ptr<ConcreteCache> ConcreteCache::named(const std::string& directoryName) {
+    const auto core = corvane::Corvane::instance();
+    return make(core ? &core->storeModule() : nullptr, directoryName, true);
+}
+
+ConcreteCache::ConcreteCache(std::filesystem::path path, bool allowOverwrite)
+    : path_(std::move(path)), allowOverwrite_(allowOverwrite), queue_("file://" + path_.string() + "/") {
+    // Creating a directory that exists succeeds, so there is no need to look first.
+    std::error_code error;
+    std::filesystem::create_directories(path_, error);
+    if (error || !std::filesystem::is_directory(path_, error))
+        CoreLogger::error("Could not create cache directory: file://" + path_.string() + "/");
+}
+
+namespace {
+
+// Keys are file names: anything that would name another directory has no file.
+std::optional<std::filesystem::path> fileIn(const std::filesystem::path& directory, const std::string& key) {
+    if (key.empty() || key == "." || key == ".." || key.find('/') != std::string::npos ||
+        key.find('\0') != std::string::npos)
+        return std::nullopt;
+    return directory / key;
+}
+
+} // namespace
+
+void ConcreteCache::store(const std::string& key, std::string bytes) {
+    // The work holds copies, not the cache, so that it may outlive the cache object.
+    queue_.async([directory = path_, allowOverwrite = allowOverwrite_, key, bytes = std::move(bytes)] {
+        const auto file = fileIn(directory, key);
+        std::error_code error;
+        if (file && std::filesystem::exists(*file, error) && !allowOverwrite) {
+            CoreLogger::verbose("Cache already contains: " + key);
+            return;
+        }
+        CoreLogger::verbose("Caching: " + key);
+        if (!file || !platform::writeFileAtomically(*file, bytes)) CoreLogger::verbose("Failed to cache item " + key);
+    });
+}
+
+void ConcreteCache::fetch(const std::string& key, FetchCompletion completion) {
+    CoreLogger::verbose("Fetching from cache: " + key);
+    queue_.async([directory = path_, key, completion = std::move(completion)]() mutable {
+        const auto file = fileIn(directory, key);
+        auto bytes = file ? platform::readFile(*file) : std::nullopt;
+        platform::MainQueue::shared().async(
+            [completion = std::move(completion), bytes = std::move(bytes)]() mutable { completion(std::move(bytes)); });
+    });
+}
+
+std::optional<std::filesystem::path> ConcreteCache::fileURL(const std::string& key) const {
+    const auto file = fileIn(path_, key);
+    std::error_code error;
+    if (!file || !std::filesystem::is_regular_file(*file, error)) return std::nullopt;
+    return file;
+}
+
+void ConcreteCache::run(std::function<void()> block) { queue_.async(std::move(block)); }
+
+} // namespace belvakit

@@ -1,0 +1,183 @@
+#include "belvakit/attachments/attachment_preview.hpp"
+#include "belvakit/attachments/cache.hpp"
+#include "belvakit/attachments/cache_keys.hpp"
+#include "platform/files.hpp"
+#include "platform/main_queue.hpp"
+#include "test_support.hpp"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+using namespace belvakit;
+using platform::LogLevel;
+using testing_support::CapturedLog;
+using testing_support::TemporaryDirectory;
+
+namespace {
+
+// Waits until the cache's queue has done what it was given so far.
+void drain(Cache& cache) {
+    std::promise<void> done;
+    cache.run([&] { done.set_value(); });
+    done.get_future().wait();
+}
+
+struct Fetched {
+    bool called = false;
+    bool onMainThread = false;
+    std::optional<std::string> bytes;
+};
+
+Fetched fetchNow(Cache& cache, const std::string& key) {
+    auto result = std::make_shared<Fetched>();
+    cache.fetch(key, [result](std::optional<std::string> bytes) {
+        result->called = true;
+        result->onMainThread = platform::MainQueue::shared().isMainThread();
+        result->bytes = std::move(bytes);
+    });
+    testing_support::pumpMainQueueUntil([&] { return result->called; });
+    return *result;
+}
+
+std::shared_ptr<ConcreteCache> cacheIn(const std::string& root, bool allowOverwrite) {
+    const corvane::StoreModule module{root, nullptr};
+    return ConcreteCache::make(&module, "Tickets", allowOverwrite);
+}
+
+} // namespace
+
+TEST(CacheKeys, SlashesAreLeftOutOfBothParts) {
+    EXPECT_EQ(imageCacheKey("12", "a/b.png"), "12_img_ab.png");
+    EXPECT_EQ(thumbnailCacheKey("1/2", "b.png"), "12_thumbnail_b.png");
+    EXPECT_EQ(fileCacheKey("../..", "../../etc/passwd"), "...._data_....etcpasswd");
+}
+
+TEST(ConcreteCache, WithoutACoreDirectoryThereIsNoCache) {
+    CapturedLog log;
+    EXPECT_EQ(ConcreteCache::make(nullptr, "Tickets", true), nullptr);
+    const corvane::StoreModule empty{};
+    EXPECT_EQ(ConcreteCache::make(&empty, "Tickets", true), nullptr);
+    EXPECT_EQ(log.messages(LogLevel::error),
+              (std::vector<std::string>{"Could not retrieve core cache directory",
+                                        "Could not retrieve core cache directory"}));
+}
+
+TEST(ConcreteCache, MakesItsDirectoryAndLabelsItsQueueWithIt) {
+    TemporaryDirectory root;
+    const auto cache = cacheIn(root.path() + "/nested", true);
+    ASSERT_NE(cache, nullptr);
+    EXPECT_TRUE(std::filesystem::is_directory(root.path() + "/nested/Tickets"));
+    EXPECT_EQ(cache->queue().label(), "file://" + root.path() + "/nested/Tickets/");
+    EXPECT_TRUE(cache->allowOverwrite());
+}
+
+TEST(ConcreteCache, OverwriteKeepsTheLaterBytesWhenAllowedAndTheFirstOtherwise) {
+    TemporaryDirectory root;
+    CapturedLog log;
+    const auto overwriting = cacheIn(root.path() + "/a", true);
+    overwriting->store("k", "first");
+    overwriting->store("k", "second");
+    drain(*overwriting);
+    EXPECT_EQ(platform::readFile(overwriting->path() / "k"), "second");
+
+    const auto keeping = cacheIn(root.path() + "/b", false);
+    keeping->store("k", "first");
+    keeping->store("k", "second");
+    drain(*keeping);
+    EXPECT_EQ(platform::readFile(keeping->path() / "k"), "first");
+    const auto verbose = log.messages(LogLevel::verbose);
+    EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Cache already contains: k"), 1);
+    EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Caching: k"), 3);
+}
+
+TEST(ConcreteCache, FetchAnswersOnTheMainQueueWithBytesOrNothing) {
+    TemporaryDirectory root;
+    CapturedLog log;
+    const auto cache = cacheIn(root.path(), true);
+    cache->store("known", std::string("a\0b", 3));
+    const auto known = fetchNow(*cache, "known");
+    EXPECT_TRUE(known.onMainThread);
+    EXPECT_EQ(known.bytes, std::string("a\0b", 3));
+
+    const auto unknown = fetchNow(*cache, "unknown");
+    EXPECT_TRUE(unknown.onMainThread);
+    EXPECT_FALSE(unknown.bytes);
+    const auto verbose = log.messages(LogLevel::verbose);
+    EXPECT_NE(std::find(verbose.begin(), verbose.end(), "Fetching from cache: unknown"), verbose.end());
+}
+
+TEST(ConcreteCache, FileURLIsTheKeyInTheDirectoryOnceStored) {
+    TemporaryDirectory root;
+    const auto cache = cacheIn(root.path(), true);
+    EXPECT_FALSE(cache->fileURL("12_data_a.pdf"));
+    cache->store("12_data_a.pdf", "pdf");
+    drain(*cache);
+    EXPECT_EQ(cache->fileURL("12_data_a.pdf"), cache->path() / "12_data_a.pdf");
+}
+
+TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {
+    TemporaryDirectory root;
+    CapturedLog log;
+    const auto cache = cacheIn(root.path(), true);
+    for (const std::string key : {"../escaped", "..", ".", "sub/file", ""}) cache->store(key, "x");
+    // Keys built from hostile ids and names stay plain file names.
+    cache->store(fileCacheKey("../..", "../escaped"), "y");
+    drain(*cache);
+    EXPECT_FALSE(std::filesystem::exists(root.path() + "/escaped"));
+    EXPECT_FALSE(std::filesystem::exists(cache->path() / "sub"));
+    EXPECT_TRUE(std::filesystem::exists(cache->path() / "...._data_..escaped"));
+    EXPECT_FALSE(cache->fileURL(".."));
+    EXPECT_FALSE(fetchNow(*cache, "../escaped").bytes);
+    const auto verbose = log.messages(LogLevel::verbose);
+    EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Failed to cache item ../escaped"), 1);
+}
+
+TEST(ConcreteCache, AnUnwritableDirectoryLogsAndAnswersNothing) {
+    TemporaryDirectory root;
+    ASSERT_TRUE(platform::writeFileAtomically(root.path() + "/blocked", "a file where the directory should be"));
+    CapturedLog log;
+    const auto cache = cacheIn(root.path() + "/blocked", true);
+    ASSERT_NE(cache, nullptr) << "the cache object lives on";
+    EXPECT_EQ(log.messages(LogLevel::error),
+              std::vector<std::string>{"Could not create cache directory: file://" + root.path() + "/blocked/Tickets/"});
+    cache->store("k", "bytes");
+    drain(*cache);
+    const auto verbose = log.messages(LogLevel::verbose);
+    EXPECT_NE(std::find(verbose.begin(), verbose.end(), "Failed to cache item k"), verbose.end());
+    EXPECT_FALSE(fetchNow(*cache, "k").bytes);
+    EXPECT_FALSE(cache->fileURL("k"));
+}
+
+TEST(AttachmentDetailPresenter, ShowsTheCachedFileUnderTheMessagesFilename) {
+    TemporaryDirectory root;
+    const auto cache = cacheIn(root.path(), true);
+    UserFile file;
+    file.id = "12";
+    file.filename = "dir/report.pdf";
+    const AttachmentDetailPresenter missing(file, *cache);
+    EXPECT_FALSE(missing.canPresent());
+    EXPECT_EQ(missing.previewItem().previewItemTitle, "dir/report.pdf");
+
+    cache->store(fileCacheKey("12", "dir/report.pdf"), "%PDF");
+    drain(*cache);
+    const AttachmentDetailPresenter present(file, *cache);
+    EXPECT_EQ(present.numberOfPreviewItems(), 1);
+    EXPECT_EQ(present.previewItemAtIndex(0).previewItemURL, cache->path() / "12_data_dirreport.pdf");
+}
+
+TEST(SharedDocument, TakesBytesAndRegularFilesAndRefusesTheRest) {
+    SharedDocument document("/tmp/picked");
+    EXPECT_EQ(document.loadFromContents(std::string(), "public.data"), SharedDocumentError::emptyData);
+    EXPECT_EQ(document.loadFromContents(std::string("abc"), "public.data"), std::nullopt);
+    EXPECT_EQ(document.contents(), "abc");
+    EXPECT_EQ(document.loadFromContents(FileWrapper{FileWrapper::Kind::regularFile, "file", ""}, "x"), std::nullopt);
+    EXPECT_EQ(document.contents(), "file");
+    EXPECT_EQ(document.loadFromContents(FileWrapper{FileWrapper::Kind::directory, "", "serialised"}, "x"),
+              std::nullopt);
+    EXPECT_EQ(document.contents(), "serialised");
+    EXPECT_EQ(document.loadFromContents(FileWrapper{FileWrapper::Kind::symbolicLink, "", ""}, "x"),
+              SharedDocumentError::symLinkNotSupported);
+    EXPECT_EQ(document.loadFromContents(42, "x"), SharedDocumentError::unknownFileType);
+    EXPECT_FALSE(document.hasUnsavedChanges());
+}

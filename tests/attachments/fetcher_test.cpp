@@ -1,0 +1,199 @@
+#include "belvakit/attachments/cache_keys.hpp"
+#include "belvakit/attachments/file_fetcher.hpp"
+#include "belvakit/attachments/image_encoding.hpp"
+#include "platform/files.hpp"
+#include "platform/image_codec.hpp"
+#include "platform/main_queue.hpp"
+#include "test_support.hpp"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <mutex>
+
+using namespace belvakit;
+using testing_support::TemporaryDirectory;
+
+namespace {
+
+// Answers at once from a table of URLs; unknown URLs fail.
+class TableProvider final : public AttachmentsProvider {
+public:
+    void getAttachment(const std::string& url, Completion completion) override {
+        {
+            std::lock_guard lock(mutex);
+            requested.push_back(url);
+        }
+        const auto found = bytes.find(url);
+        if (found == bytes.end())
+            completion(std::nullopt, dastrel::ProviderError{"Test", 404, "Not found"});
+        else
+            completion(found->second, std::nullopt);
+    }
+    std::map<std::string, std::string> bytes;
+    std::vector<std::string> requested;
+    std::mutex mutex;
+};
+
+void drain(Cache& cache) {
+    std::promise<void> done;
+    cache.run([&] { done.set_value(); });
+    done.get_future().wait();
+}
+
+std::string pngOf(int width, int height) {
+    auto image = std::const_pointer_cast<platform::Image>(platform::makeImage(width, height));
+    for (std::size_t i = 0; i < image->rgba.size(); ++i) image->rgba[i] = static_cast<std::uint8_t>(i * 7);
+    return *platform::encodePNG(*image);
+}
+
+struct Fixture {
+    TemporaryDirectory root;
+    std::shared_ptr<TableProvider> provider = std::make_shared<TableProvider>();
+    std::shared_ptr<ConcreteCache> cache = std::make_shared<ConcreteCache>(root.path() + "/Tickets", true);
+};
+
+UserFile fileMessage() {
+    UserFile file;
+    file.id = "12";
+    file.filename = "a/b.pdf";
+    file.attachmentUrl = "https://belva.example.com/f/12";
+    file.status = DeliveryStatus::delivered;
+    return file;
+}
+
+AgentImage imageMessage() {
+    AgentImage image;
+    image.id = "30";
+    image.filename = "shot.png";
+    image.imageUrl = "https://belva.example.com/i/30";
+    image.thumbnailUrl = "https://belva.example.com/t/30";
+    return image;
+}
+
+} // namespace
+
+TEST(FileFetcher, StoresNewBytesUnderTheFileKeyAndMarksTheMessageDownloaded) {
+    Fixture f;
+    f.provider->bytes["https://belva.example.com/f/12"] = "%PDF-1";
+    const FileFetcher fetcher{f.provider, f.cache};
+    std::optional<Message> result;
+    fetcher.fetch(fileMessage(), [&](Message message) { result = std::move(message); });
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(std::get<UserFile>(*result).downloaded);
+    drain(*f.cache);
+    EXPECT_EQ(platform::readFile(f.cache->path() / "12_data_ab.pdf"), "%PDF-1");
+
+    // An existing entry is not written again.
+    f.provider->bytes["https://belva.example.com/f/12"] = "%PDF-2";
+    fetcher.fetch(fileMessage(), [](Message) {});
+    drain(*f.cache);
+    EXPECT_EQ(platform::readFile(f.cache->path() / "12_data_ab.pdf"), "%PDF-1");
+}
+
+TEST(FileFetcher, ANetworkFailureStillCompletesAndCachesNothing) {
+    Fixture f;
+    const FileFetcher fetcher{f.provider, f.cache};
+    std::optional<Message> result;
+    fetcher.fetch(fileMessage(), [&](Message message) { result = std::move(message); });
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(std::get<UserFile>(*result).downloaded);
+    drain(*f.cache);
+    EXPECT_FALSE(f.cache->fileURL("12_data_ab.pdf"));
+}
+
+TEST(ImageFetcher, AFullImageFromTheNetworkIsKeptForTheRowAndThePreview) {
+    Fixture f;
+    f.provider->bytes["https://belva.example.com/i/30"] = pngOf(3, 2);
+    const ImageFetcher fetcher{f.provider, f.cache};
+    std::optional<Message> result;
+    fetcher.fetch(imageMessage(), false, [&](Message message) { result = std::move(message); });
+    testing_support::pumpMainQueueUntil([&] { return result.has_value(); });
+    const auto& image = std::get<AgentImage>(*result);
+    ASSERT_NE(image.image, nullptr);
+    EXPECT_EQ(image.image->width, 3);
+    EXPECT_EQ(image.thumbnailImage, nullptr);
+    drain(*f.cache);
+    EXPECT_TRUE(f.cache->fileURL("30_img_shot.png"));
+    EXPECT_TRUE(f.cache->fileURL("30_data_shot.png"));
+    EXPECT_FALSE(f.cache->fileURL("30_thumbnail_shot.png"));
+}
+
+TEST(ImageFetcher, ACachedThumbnailNeedsNoNetwork) {
+    Fixture f;
+    f.cache->store(thumbnailCacheKey("30", "shot.png"), pngOf(2, 2));
+    const ImageFetcher fetcher{f.provider, f.cache};
+    std::optional<Message> result;
+    fetcher.fetch(imageMessage(), true, [&](Message message) { result = std::move(message); });
+    testing_support::pumpMainQueueUntil([&] { return result.has_value(); });
+    EXPECT_NE(std::get<AgentImage>(*result).thumbnailImage, nullptr);
+    EXPECT_TRUE(f.provider->requested.empty());
+}
+
+TEST(ImageFetcher, BytesThatAreNoImageGiveNoCompletion) {
+    Fixture f;
+    f.provider->bytes["https://belva.example.com/t/30"] = "not an image";
+    const ImageFetcher fetcher{f.provider, f.cache};
+    bool called = false;
+    fetcher.fetch(imageMessage(), true, [&](Message) { called = true; });
+    testing_support::pumpMainQueueUntil([&] { return !f.provider->requested.empty(); });
+    drain(*f.cache);
+    platform::MainQueue::shared().runPending();
+    EXPECT_FALSE(called);
+    EXPECT_FALSE(f.cache->fileURL("30_thumbnail_shot.png"));
+}
+
+TEST(AttachmentFetcher, AsksOnceForEachAttachmentAndTakesFilesFromTheCacheOnly) {
+    Fixture f;
+    f.provider->bytes["https://belva.example.com/t/30"] = pngOf(2, 2);
+    f.cache->store(fileCacheKey("12", "a/b.pdf"), "%PDF");
+    AttachmentFetcher fetcher(FileFetcher{f.provider, f.cache}, ImageFetcher{f.provider, f.cache});
+    std::vector<Message> filled;
+    fetcher.setCallback([&](const Message& message) { filled.push_back(message); });
+
+    UserMessage text;
+    text.id = "1";
+    auto uncachedFile = fileMessage();
+    uncachedFile.id = "13";
+    const std::vector<Message> table{text, fileMessage(), uncachedFile, imageMessage()};
+    fetcher.fetchAttachments(table);
+    fetcher.fetchAttachments(table);
+    testing_support::pumpMainQueueUntil([&] { return filled.size() == 2; });
+    drain(*f.cache);
+    platform::MainQueue::shared().runPending();
+
+    EXPECT_EQ(filled.size(), 2u);
+    EXPECT_EQ(f.provider->requested, std::vector<std::string>{"https://belva.example.com/t/30"});
+    EXPECT_EQ(fetcher.attachmentsFetched().size(), 3u);
+    bool sawDownloadedFile = false;
+    for (const auto& message : filled)
+        if (const auto* file = std::get_if<UserFile>(&message)) sawDownloadedFile = file->downloaded && file->id == "12";
+    EXPECT_TRUE(sawDownloadedFile);
+}
+
+TEST(ImageEncoding, KeepsTheSmallerEncodingOfTheUprightImage) {
+    // A flat image packs best as PNG, noise as JPEG.
+    auto flat = std::const_pointer_cast<platform::Image>(platform::makeImage(64, 64));
+    std::fill(flat->rgba.begin(), flat->rgba.end(), 200);
+    const auto flatEncoding = smallestEncoding(flat);
+    ASSERT_TRUE(flatEncoding);
+    EXPECT_EQ(flatEncoding->fileType, FileType::png);
+    EXPECT_LT(flatEncoding->data.size(), platform::encodeJPEG(*flat, 0.7)->size());
+
+    auto noise = std::const_pointer_cast<platform::Image>(platform::makeImage(64, 32, platform::ImageOrientation::right));
+    std::uint32_t state = 12345;
+    for (auto& byte : noise->rgba) {
+        state = state * 1103515245u + 12345u;
+        byte = static_cast<std::uint8_t>(state >> 16);
+    }
+    for (std::size_t i = 3; i < noise->rgba.size(); i += 4) noise->rgba[i] = 255;
+    const auto noiseEncoding = smallestEncoding(noise);
+    ASSERT_TRUE(noiseEncoding);
+    EXPECT_EQ(noiseEncoding->fileType, FileType::jpeg);
+    const auto decoded = platform::decodeImage(noiseEncoding->data);
+    ASSERT_NE(decoded, nullptr);
+    EXPECT_EQ(decoded->width, 32) << "turned upright before encoding";
+    EXPECT_EQ(decoded->height, 64);
+
+    EXPECT_FALSE(smallestEncoding(nullptr));
+}

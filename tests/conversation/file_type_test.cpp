@@ -1,0 +1,50 @@
+#include "belvakit/Request/conversation/file_type.hpp"
+#include "belvakit/Request/conversation/message_list.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace belvakit;
+
+TEST(FileType, RawValuesAndTableRows) {
+    EXPECT_EQ(allFileTypes.size(), 13u);
+    for (int raw = 0; raw < 13; ++raw) EXPECT_EQ(rawValue(allFileTypes[static_cast<std::size_t>(raw)]), raw);
+    EXPECT_EQ(fileTypeFromRawValue(12), FileType::heic);
+    EXPECT_FALSE(fileTypeFromRawValue(13));
+    EXPECT_FALSE(fileTypeFromRawValue(-1));
+
+    EXPECT_EQ(extension(FileType::pptx), "pptx");
+    EXPECT_EQ(mimeType(FileType::pptx), "application/vnd.openxmlformats-officedocument.presentationml.presentation");
+    EXPECT_EQ(iconName(FileType::pptx), "iconMessagePp");
+    EXPECT_EQ(mimeType(FileType::keynote), "application/x-iwork-keynote-sffkey");
+    EXPECT_EQ(extension(FileType::unknown), "");
+    EXPECT_EQ(mimeType(FileType::unknown), "application/binary");
+    EXPECT_EQ(iconName(FileType::unknown), "iconMessageText");
+    // HEIC travels as JPEG.
+    EXPECT_EQ(extension(FileType::heic), "jpeg");
+    EXPECT_EQ(mimeType(FileType::heic), "image/jpeg");
+    EXPECT_NE(icon(FileType::pdf), nullptr);
+}
+
+TEST(FileType, FromURLComparesTheExtensionExactly) {
+    EXPECT_EQ(fileTypeFromURL("file:///tmp/a.png"), FileType::png);
+    EXPECT_EQ(fileTypeFromURL("/tmp/dir.v2/b.numbers"), FileType::numbers);
+    // The first of two cases with one extension wins.
+    EXPECT_EQ(fileTypeFromURL("file:///tmp/c.jpeg"), FileType::jpeg);
+    EXPECT_EQ(fileTypeFromURL("file:///tmp/c.JPEG"), FileType::unknown);
+    EXPECT_EQ(fileTypeFromURL("file:///tmp/c.jpg"), FileType::unknown);
+    EXPECT_EQ(fileTypeFromURL("file:///tmp/noextension"), FileType::unknown);
+    EXPECT_EQ(fileTypeFromURL("https://x.example.com/d.pdf?download=1"), FileType::pdf);
+}
+
+TEST(FileType, FromMimeTypeIgnoresCase) {
+    EXPECT_EQ(fileTypeFromMimeType("IMAGE/HEIC"), FileType::heic);
+    EXPECT_EQ(fileTypeFromMimeType("Image/JPEG"), FileType::jpeg);
+    EXPECT_EQ(fileTypeFromMimeType("application/msword"), FileType::doc);
+    EXPECT_EQ(fileTypeFromMimeType(""), FileType::unknown);
+    EXPECT_EQ(fileTypeFromMimeType("video/mp4"), FileType::unknown);
+}
+
+TEST(FileType, UnnamedAttachmentsTakeTheirIdAndExtension) {
+    EXPECT_EQ(interpolatedFilename("X", FileType::jpeg), "AttachmentX.jpeg");
+    EXPECT_EQ(interpolatedFilename("X", FileType::unknown), "AttachmentX.");
+}
