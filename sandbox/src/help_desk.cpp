@@ -1,6 +1,13 @@
 #include "sandbox/help_desk.hpp"
 
+#include "dastrel/request_provider.hpp"
+
 namespace sandbox {
+
+HelpDesk::HelpDesk(Options options)
+    : options_(std::move(options)), tickets_(TicketDesk::make([](const std::string&) {
+          return std::optional<dastrel::CRVAttachment>();
+      })) {}
 
 std::shared_ptr<HelpDesk> HelpDesk::make(Options options) {
     return std::shared_ptr<HelpDesk>(new HelpDesk(std::move(options)));
@@ -12,6 +19,9 @@ std::shared_ptr<corvane::Corvane> HelpDesk::initializeCorvane(std::shared_ptr<co
     configuration.storeModule.cacheDirectory = options_.storageDirectory / "Caches";
     configuration.storeModule.sessionStore =
         std::make_shared<corvane::SessionStore>(options_.storageDirectory / "session.json");
+    configuration.providerModule->setProvider<dastrel::CRVRequestProvider>(tickets_->requestProvider());
+    if (const auto* anonymous = dynamic_cast<const corvane::Anonymous*>(identity.get()); anonymous && anonymous->name())
+        tickets_->setEndUser(*anonymous->name(), anonymous->email());
     auto core = corvane::Corvane::initialize(std::move(configuration));
     core->setIdentity(std::move(identity));
     return core;

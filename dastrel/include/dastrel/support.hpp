@@ -1,6 +1,7 @@
 #pragma once
 
 #include "corvane/corvane.hpp"
+#include "dastrel/request_storage.hpp"
 
 #include <memory>
 #include <mutex>
@@ -29,10 +30,14 @@ public:
     std::optional<std::string> helpCenterLocaleOverride() const;
     void setHelpCenterLocaleOverride(std::optional<std::string> locale);
 
+    // The device's memory of the user's tickets and what of them was read.
+    RequestStorage& requestStorage() { return requestStorage_; }
+
 private:
     std::shared_ptr<corvane::Corvane> corvane_;
     mutable std::mutex mutex_;
     std::optional<std::string> helpCenterLocaleOverride_;
+    RequestStorage requestStorage_;
 };
 
 } // namespace dastrel

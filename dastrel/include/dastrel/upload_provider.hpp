@@ -16,6 +16,12 @@ struct CRVAttachment {
     std::string contentURLString;
     std::string contentType;
     std::int64_t size = 0;
+    // Images only: their size and a smaller rendition.
+    double width = 0;
+    double height = 0;
+    std::string thumbnailURLString;
+    double thumbnailWidth = 0;
+    double thumbnailHeight = 0;
 
     bool operator==(const CRVAttachment&) const = default;
 };

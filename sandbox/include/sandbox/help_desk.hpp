@@ -1,6 +1,7 @@
 #pragma once
 
 #include "corvane/corvane.hpp"
+#include "sandbox/ticket_desk.hpp"
 
 #include <filesystem>
 #include <memory>
@@ -27,10 +28,13 @@ public:
     std::shared_ptr<corvane::Corvane> initializeCorvane(std::shared_ptr<corvane::Identity> identity);
 
     const Options& options() const { return options_; }
+    // Requests, comments, people and the simulated agent.
+    const std::shared_ptr<TicketDesk>& tickets() const { return tickets_; }
 
 private:
-    explicit HelpDesk(Options options) : options_(std::move(options)) {}
+    explicit HelpDesk(Options options);
     Options options_;
+    std::shared_ptr<TicketDesk> tickets_;
 };
 
 } // namespace sandbox
