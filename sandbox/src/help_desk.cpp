@@ -12,6 +12,8 @@ std::shared_ptr<corvane::Corvane> HelpDesk::initializeCorvane(std::shared_ptr<co
     configuration.storeModule.cacheDirectory = options_.storageDirectory / "Caches";
     configuration.storeModule.sessionStore =
         std::make_shared<corvane::SessionStore>(options_.storageDirectory / "session.json");
+    configuration.providerModule->setProvider<dastrel::CRVUploadProvider>(attachments_->uploadProvider());
+    configuration.providerModule->setProvider<dastrel::CRVAttachmentProvider>(attachments_->attachmentProvider());
     auto core = corvane::Corvane::initialize(std::move(configuration));
     core->setIdentity(std::move(identity));
     return core;

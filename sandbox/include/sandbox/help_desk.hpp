@@ -1,6 +1,7 @@
 #pragma once
 
 #include "corvane/corvane.hpp"
+#include "sandbox/attachment_store.hpp"
 
 #include <filesystem>
 #include <memory>
@@ -27,10 +28,14 @@ public:
     std::shared_ptr<corvane::Corvane> initializeCorvane(std::shared_ptr<corvane::Identity> identity);
 
     const Options& options() const { return options_; }
+    // Uploads and the files the help desk serves.
+    const std::shared_ptr<AttachmentStore>& attachments() const { return attachments_; }
 
 private:
-    explicit HelpDesk(Options options) : options_(std::move(options)) {}
+    explicit HelpDesk(Options options)
+        : options_(std::move(options)), attachments_(AttachmentStore::make(options_.accountUrl)) {}
     Options options_;
+    std::shared_ptr<AttachmentStore> attachments_;
 };
 
 } // namespace sandbox
