@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <mutex>
 
 using namespace belvakit;
@@ -153,9 +154,9 @@ TEST(AttachmentUploader, AReleasedUploaderNeverCompletes) {
     }
     provider->answer(0, token("ta"));
     // Let the token queue and the main queue settle.
-    bool settled = false;
+    std::atomic<bool> settled = false;
     platform::BackgroundQueue::shared().async([&] { settled = true; });
-    pumpMainQueueUntil([&] { return settled; });
+    pumpMainQueueUntil([&] { return settled.load(); });
     for (int i = 0; i < 50; ++i) platform::MainQueue::shared().runPending();
     EXPECT_EQ(outcome->calls, 0);
 }

@@ -51,38 +51,37 @@ ConcreteAttachmentUploader::ConcreteAttachmentUploader(std::shared_ptr<UploadPro
 
 void ConcreteAttachmentUploader::upload(std::vector<Upload::Attachment> attachments, UploadCompletion completion) {
     for (const auto& attachment : attachments) uploadOne(attachment);
-    group_.notify(platform::MainQueue::shared(),
-                  [weak = weak_from_this(), completion = std::move(completion)] {
-                      const auto self = weak.lock();
-                      if (!self) return;
-                      if (self->hasError_)
-                          completion(uploadError());
-                      else
-                          completion(self->uploadResults_);
-                  });
+    batch_->group.notify(platform::MainQueue::shared(),
+                         [weak = weak_from_this(), completion = std::move(completion)] {
+                             const auto self = weak.lock();
+                             if (!self) return;
+                             if (self->batch_->hasError)
+                                 completion(uploadError());
+                             else
+                                 completion(self->batch_->uploadResults);
+                         });
 }
 
 void ConcreteAttachmentUploader::uploadOne(const Upload::Attachment& attachment) {
-    group_.enter();
+    batch_->group.enter();
     auto name = attachment.filename ? *attachment.filename : interpolatedFilename(attachment.id, attachment.fileType);
-    // The callback keeps the uploader alive until its upload has answered.
     uploadProvider_->uploadAttachment(
         attachment.data, std::move(name), std::string(mimeType(attachment.fileType)),
-        [self = shared_from_this(), attachment](std::optional<dastrel::CRVUploadResponse> response,
-                                                std::optional<dastrel::ProviderError> error) {
+        [batch = batch_, attachment](std::optional<dastrel::CRVUploadResponse> response,
+                                     std::optional<dastrel::ProviderError> error) {
             if (error) {
-                self->hasError_ = true;
+                batch->hasError = true;
                 corvane::CoreLogger::debug("Attachment upload failed: " + error->localizedDescription);
             } else if (response) {
                 // Leaving on the queue, after the append, keeps the result ahead of the end of the
                 // batch without blocking the provider's thread.
-                self->tokenUpdateQueue_.async([self, attachment, response = std::move(*response)] {
-                    self->uploadResults_.emplace_back(attachment, response);
-                    self->group_.leave();
+                batch->tokenUpdateQueue.async([batch, attachment, response = std::move(*response)] {
+                    batch->uploadResults.emplace_back(attachment, response);
+                    batch->group.leave();
                 });
                 return;
             }
-            self->group_.leave();
+            batch->group.leave();
         });
 }
 

@@ -51,16 +51,22 @@ public:
     void upload(std::vector<Upload::Attachment> attachments, UploadCompletion completion) override;
 
     const std::shared_ptr<UploadProvider>& uploadProvider() const { return uploadProvider_; }
-    const platform::SerialQueue& tokenUpdateQueue() const { return tokenUpdateQueue_; }
+    const platform::SerialQueue& tokenUpdateQueue() const { return batch_->tokenUpdateQueue; }
 
 private:
+    // What the uploads' callbacks share. They hold it rather than the uploader, so that only the
+    // uploader's owner decides whether it is still there at the end.
+    struct Batch {
+        platform::DispatchGroup group;
+        UploadResults uploadResults;         // in order of arrival; touched on tokenUpdateQueue
+        std::atomic<bool> hasError{false};   // set by any failed upload, never reset
+        platform::SerialQueue tokenUpdateQueue{"TokenQueue"};
+    };
+
     explicit ConcreteAttachmentUploader(std::shared_ptr<UploadProvider> uploadProvider);
     void uploadOne(const Upload::Attachment& attachment);
 
-    platform::DispatchGroup group_;
-    UploadResults uploadResults_;           // in order of arrival; touched on tokenUpdateQueue_
-    std::atomic<bool> hasError_{false};     // set by any failed upload, never reset
-    platform::SerialQueue tokenUpdateQueue_{"TokenQueue"};
+    std::shared_ptr<Batch> batch_ = std::make_shared<Batch>();
     std::shared_ptr<UploadProvider> uploadProvider_;
 };
 
