@@ -5,9 +5,14 @@
 namespace sandbox {
 
 HelpDesk::HelpDesk(Options options)
-    : options_(std::move(options)), tickets_(TicketDesk::make([](const std::string&) {
-          return std::optional<dastrel::CRVAttachment>();
-      })) {}
+    : options_(std::move(options)), attachments_(AttachmentStore::make(options_.accountUrl)) {
+    // Requests and comments name their files by upload token; the lookup holds the store weakly.
+    tickets_ = TicketDesk::make([store = std::weak_ptr<AttachmentStore>(attachments_)](const std::string& token) {
+        auto attachments = store.lock();
+        auto upload = attachments ? attachments->uploadWithToken(token) : std::nullopt;
+        return upload ? std::optional<dastrel::CRVAttachment>(upload->attachment) : std::nullopt;
+    });
+}
 
 std::shared_ptr<HelpDesk> HelpDesk::make(Options options) {
     return std::shared_ptr<HelpDesk>(new HelpDesk(std::move(options)));
@@ -19,6 +24,8 @@ std::shared_ptr<corvane::Corvane> HelpDesk::initializeCorvane(std::shared_ptr<co
     configuration.storeModule.cacheDirectory = options_.storageDirectory / "Caches";
     configuration.storeModule.sessionStore =
         std::make_shared<corvane::SessionStore>(options_.storageDirectory / "session.json");
+    configuration.providerModule->setProvider<dastrel::CRVUploadProvider>(attachments_->uploadProvider());
+    configuration.providerModule->setProvider<dastrel::CRVAttachmentProvider>(attachments_->attachmentProvider());
     configuration.providerModule->setProvider<dastrel::CRVRequestProvider>(tickets_->requestProvider());
     if (const auto* anonymous = dynamic_cast<const corvane::Anonymous*>(identity.get()); anonymous && anonymous->name())
         tickets_->setEndUser(*anonymous->name(), anonymous->email());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "corvane/corvane.hpp"
+#include "sandbox/attachment_store.hpp"
 #include "sandbox/ticket_desk.hpp"
 
 #include <filesystem>
@@ -28,12 +29,15 @@ public:
     std::shared_ptr<corvane::Corvane> initializeCorvane(std::shared_ptr<corvane::Identity> identity);
 
     const Options& options() const { return options_; }
+    // Uploads and the files the help desk serves.
+    const std::shared_ptr<AttachmentStore>& attachments() const { return attachments_; }
     // Requests, comments, people and the simulated agent.
     const std::shared_ptr<TicketDesk>& tickets() const { return tickets_; }
 
 private:
     explicit HelpDesk(Options options);
     Options options_;
+    std::shared_ptr<AttachmentStore> attachments_;
     std::shared_ptr<TicketDesk> tickets_;
 };
 
