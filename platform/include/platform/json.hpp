@@ -12,3 +12,43 @@ namespace platform {
 std::optional<boost::json::value> parseJson(std::string_view bytes, boost::json::storage_ptr resource = {});
 
 } // namespace platform
+
+#include <boost/json/serializer.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+// Writes JSON text straight into a string, without building a document first. Strings and numbers
+// are written by Boost.JSON's serializer, so escaping and number forms are the library's own.
+class JsonWriter {
+public:
+    explicit JsonWriter(std::string& out) : out_(out) {}
+
+    void beginObject() { open('{'); }
+    void endObject() { close('}'); }
+    void beginArray() { open('['); }
+    void endArray() { close(']'); }
+    // The key of the next value in an object.
+    void key(std::string_view name);
+
+    void string(std::string_view text);
+    void number(std::int64_t number);
+    void number(double number);
+    void boolean(bool flag);
+
+private:
+    void separate();
+    void open(char bracket);
+    void close(char bracket);
+    void scalar(const boost::json::value& value);
+
+    std::string& out_;
+    boost::json::serializer serializer_;
+    std::vector<bool> hasItems_;  // per open bracket
+    bool afterKey_ = false;
+};
+
+} // namespace platform
