@@ -15,10 +15,12 @@
 #include <boost/json.hpp>
 
 #include <malloc.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <future>
 #include <string>
 
@@ -204,17 +206,31 @@ void persistBaseline(benchmark::State& state) {
     }
 }
 
+// Resident set size of the process, from /proc.
+double residentKiB() {
+    std::ifstream statm("/proc/self/statm");
+    long pages = 0;
+    long resident = 0;
+    statm >> pages >> resident;
+    return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024.0;
+}
+
 std::vector<bench::Fact> facts() {
     const auto& f = fixture();
+    malloc_trim(0);
+    const auto residentBefore = residentKiB();
     const auto before = mallinfo2().uordblks;
     std::vector<Message> held;
     loadConversation(f.bytes, MessageList::currentVersion,
                      [&](auto messages, auto, auto, bool) { held = std::move(messages); });
     const auto after = mallinfo2().uordblks;
+    malloc_trim(0);
+    const auto residentAfter = residentKiB();
     return {
         {"conversation file size", static_cast<double>(f.bytes.size()) / 1024.0, "KiB"},
         {"messages loaded", static_cast<double>(held.size()), "messages"},
         {"heap held by the loaded conversation", static_cast<double>(after - before) / 1024.0, "KiB"},
+        {"resident memory added by the loaded conversation", residentAfter - residentBefore, "KiB"},
     };
 }
 
