@@ -11,10 +11,6 @@ std::optional<boost::json::value> parseJson(std::string_view bytes, boost::json:
     return value;
 }
 
-} // namespace platform
-
-namespace platform {
-
 void JsonWriter::separate() {
     if (afterKey_) {
         afterKey_ = false;

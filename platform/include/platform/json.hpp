@@ -1,25 +1,19 @@
 #pragma once
 
+#include <boost/json/serializer.hpp>
 #include <boost/json/value.hpp>
 
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
 // The JSON value of the bytes, or nothing when they are not one complete JSON text.
 // `resource` lets a caller that reads and drops the value at once parse into an arena.
 std::optional<boost::json::value> parseJson(std::string_view bytes, boost::json::storage_ptr resource = {});
-
-} // namespace platform
-
-#include <boost/json/serializer.hpp>
-
-#include <cstdint>
-#include <string>
-#include <vector>
-
-namespace platform {
 
 // Writes JSON text straight into a string, without building a document first. Strings and numbers
 // are written by Boost.JSON's serializer, so escaping and number forms are the library's own.

@@ -336,8 +336,8 @@ void persistConversation(const std::vector<Message>& messages, const std::option
                          const std::shared_ptr<Cache>& cache) {
     if (!key) return;
     // The send queue owns unsent messages until they succeed or fail.
-    auto bytes = encodeConversation(version, now(), messages, mapLocalToRemote, remoteRequestId, ticketClosed,
-                                    [](const Message& message) { return status(message) != DeliveryStatus::notDelivered; });
+    const auto sent = [](const Message& message) { return status(message) != DeliveryStatus::notDelivered; };
+    auto bytes = encodeConversation(version, now(), messages, mapLocalToRemote, remoteRequestId, ticketClosed, sent);
     if (!bytes || !cache) return;
     cache->store(*key, std::move(*bytes));
 }
