@@ -1,5 +1,7 @@
 #include "platform/serial_queue.hpp"
 
+#include "platform/main_queue.hpp"
+
 #include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
 #include <boost/asio/thread_pool.hpp>
@@ -9,6 +11,10 @@ namespace platform {
 
 namespace {
 boost::asio::thread_pool& pool() {
+    // Pool work posts to the main queue. Making the main queue first means that at exit the pool
+    // is joined before the main queue is destroyed.
+    static const bool mainQueueFirst = (MainQueue::shared(), true);
+    (void)mainQueueFirst;
     static boost::asio::thread_pool threads(4);
     return threads;
 }

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <mutex>
 
 using namespace belvakit;
@@ -148,16 +147,16 @@ TEST(AttachmentUploader, AnAnswerWithNeitherResponseNorErrorRecordsNothing) {
 TEST(AttachmentUploader, AReleasedUploaderNeverCompletes) {
     auto provider = std::make_shared<PendingProvider>();
     auto outcome = std::make_shared<Outcome>();
+    std::optional<platform::SerialQueue> tokenQueue;
     {
         auto uploader = ConcreteAttachmentUploader::make(provider);
+        tokenQueue = uploader->tokenUpdateQueue();
         uploader->upload({attachment("A")}, recordInto(outcome));
     }
     provider->answer(0, token("ta"));
-    // Let the token queue and the main queue settle.
-    std::atomic<bool> settled = false;
-    platform::BackgroundQueue::shared().async([&] { settled = true; });
-    pumpMainQueueUntil([&] { return settled.load(); });
-    for (int i = 0; i < 50; ++i) platform::MainQueue::shared().runPending();
+    // Once the token queue is through, the end of the batch has been handed to the main queue.
+    tokenQueue->sync([] {});
+    platform::MainQueue::shared().runPending();
     EXPECT_EQ(outcome->calls, 0);
 }
 

@@ -1,5 +1,6 @@
 #include "belvakit/attachments/attachment_uploader.hpp"
 #include "belvakit/attachments/attachments_provider.hpp"
+#include "belvakit/attachments/cache.hpp"
 #include "sandbox/help_desk.hpp"
 #include "test_support.hpp"
 
@@ -85,4 +86,18 @@ TEST(SandboxAttachments, SwitchesMakeUploadsFailAndAnswersWait) {
                                              [&](auto data, auto error) { failed = !data && error; });
     time.advance({});
     EXPECT_TRUE(failed);
+}
+
+TEST(SandboxAttachments, TheNamedCachesLiveUnderTheCoresCacheDirectory) {
+    {
+        Desk desk;
+        const auto tickets = ConcreteCache::named(ConcreteCache::ticketsDirectory);
+        ASSERT_NE(tickets, nullptr);
+        EXPECT_EQ(tickets->path(), std::filesystem::path(desk.directory.path()) / "Caches" / "Tickets");
+        EXPECT_TRUE(tickets->allowOverwrite());
+        EXPECT_TRUE(std::filesystem::is_directory(tickets->path()));
+    }
+    testing_support::CapturedLog log;
+    EXPECT_EQ(ConcreteCache::named(ConcreteCache::avatarsDirectory), nullptr);
+    EXPECT_EQ(log.messages(platform::LogLevel::error), std::vector<std::string>{"Could not retrieve core cache directory"});
 }

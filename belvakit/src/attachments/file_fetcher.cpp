@@ -23,6 +23,48 @@ Message withImage(Message message, bool thumbnail, platform::ImagePtr image) {
     return message;
 }
 
+// What the image fetcher needs of an image message.
+struct ImageSource {
+    std::string id;
+    std::string filename;
+    std::string url;
+};
+
+std::optional<ImageSource> imageSource(const Message& message, bool thumbnail) {
+    return std::visit(
+        [&](const auto& record) -> std::optional<ImageSource> {
+            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                return ImageSource{record.id, record.filename, thumbnail ? record.thumbnailUrl : record.imageUrl};
+            else
+                return std::nullopt;
+        },
+        message);
+}
+
+void keepEncoded(Cache& cache, const ImageSource& source, bool thumbnail, const platform::ImagePtr& image) {
+    auto encoded = smallestEncoding(image);
+    if (!encoded) return;
+    if (thumbnail) {
+        cache.store(thumbnailCacheKey(source.id, source.filename), std::move(encoded->data));
+        return;
+    }
+    // The preview looks for the file's key, the row for the image's.
+    cache.store(fileCacheKey(source.id, source.filename), encoded->data);
+    cache.store(imageCacheKey(source.id, source.filename), std::move(encoded->data));
+}
+
+void fetchFromNetwork(const std::shared_ptr<AttachmentsProvider>& provider, const std::shared_ptr<Cache>& cache,
+                      const Message& message, const ImageSource& source, bool thumbnail, MessageCompletion completion) {
+    if (!provider) return;
+    provider->getAttachment(source.url, [cache, message, source, thumbnail, completion = std::move(completion)](
+                                            std::optional<std::string> data, std::optional<dastrel::ProviderError>) {
+        const auto image = data ? platform::decodeImage(*data) : nullptr;
+        if (!image) return;
+        if (cache) keepEncoded(*cache, source, thumbnail, image);
+        completion(withImage(message, thumbnail, image));
+    });
+}
+
 } // namespace
 
 void FileFetcher::fetch(const Message& fileMessage, MessageCompletion completion) const {
@@ -48,48 +90,22 @@ void FileFetcher::fetch(const Message& fileMessage, MessageCompletion completion
 }
 
 void ImageFetcher::fetch(const Message& imageMessage, bool thumbnail, MessageCompletion completion) const {
-    std::visit(
-        [&](const auto& record) {
-            using Record = std::decay_t<decltype(record)>;
-            if constexpr (ImageMessage<Record>) {
-                const auto key =
-                    thumbnail ? thumbnailCacheKey(record.id, record.filename) : imageCacheKey(record.id, record.filename);
-                auto fromNetwork = [provider = attachmentsProvider, cache = cache, record, thumbnail,
-                                    completion](const Message& message) {
-                    if (!provider) return;
-                    provider->getAttachment(
-                        thumbnail ? record.thumbnailUrl : record.imageUrl,
-                        [cache, record, thumbnail, completion, message](std::optional<std::string> data,
-                                                                        std::optional<dastrel::ProviderError>) {
-                            const auto image = data ? platform::decodeImage(*data) : nullptr;
-                            if (!image) return;
-                            if (auto encoded = smallestEncoding(image); encoded && cache) {
-                                if (thumbnail) {
-                                    cache->store(thumbnailCacheKey(record.id, record.filename), encoded->data);
-                                } else {
-                                    // The preview looks for the file's key; the row for the image's.
-                                    cache->store(fileCacheKey(record.id, record.filename), encoded->data);
-                                    cache->store(imageCacheKey(record.id, record.filename), std::move(encoded->data));
-                                }
-                            }
-                            completion(withImage(message, thumbnail, image));
-                        });
-                };
-                const Message message(record);
-                if (!cache) {
-                    fromNetwork(message);
-                    return;
-                }
-                cache->fetch(key, [message, thumbnail, completion, fromNetwork](std::optional<std::string> bytes) {
-                    if (const auto image = bytes ? platform::decodeImage(*bytes) : nullptr) {
-                        completion(withImage(message, thumbnail, image));
-                        return;
-                    }
-                    fromNetwork(message);
-                });
-            }
-        },
-        imageMessage);
+    const auto source = imageSource(imageMessage, thumbnail);
+    if (!source) return;
+    if (!cache) {
+        fetchFromNetwork(attachmentsProvider, cache, imageMessage, *source, thumbnail, std::move(completion));
+        return;
+    }
+    const auto key = thumbnail ? thumbnailCacheKey(source->id, source->filename)
+                               : imageCacheKey(source->id, source->filename);
+    cache->fetch(key, [provider = attachmentsProvider, cache = cache, message = imageMessage, source = *source,
+                       thumbnail, completion = std::move(completion)](std::optional<std::string> bytes) {
+        if (const auto image = bytes ? platform::decodeImage(*bytes) : nullptr) {
+            completion(withImage(message, thumbnail, image));
+            return;
+        }
+        fetchFromNetwork(provider, cache, message, source, thumbnail, completion);
+    });
 }
 
 void AttachmentFetcher::fetchAttachments(const std::vector<Message>& messages, bool thumbnails) {

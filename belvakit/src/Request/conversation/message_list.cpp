@@ -4,7 +4,6 @@
 #include "platform/json.hpp"
 
 #include <boost/json/monotonic_resource.hpp>
-#include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
 
 #include <chrono>
@@ -20,38 +19,69 @@ namespace {
 // Writing: every key of a record's column, absent html body and avatar as empty strings.
 
 template <class Record>
-void writeRecord(const Record& record, json::object& out) {
-    out.reserve(20);
-    out.emplace("id", record.id);
+void writeRecord(const Record& record, platform::JsonWriter& out) {
+    out.beginObject();
+    out.key("id");
+    out.string(record.id);
     if constexpr (AttachmentMessage<Record>) {
-        out.emplace("parentId", record.parentId);
-        out.emplace("filename", record.filename);
+        out.key("parentId");
+        out.string(record.parentId);
+        out.key("filename");
+        out.string(record.filename);
     }
-    out.emplace("type", rawValue(Record::type));
-    if constexpr (DeliverableEvent<Record>) out.emplace("status", static_cast<std::int64_t>(record.status));
+    out.key("type");
+    out.string(rawValue(Record::type));
+    if constexpr (DeliverableEvent<Record>) {
+        out.key("status");
+        out.number(static_cast<std::int64_t>(record.status));
+    }
     if constexpr (TextMessage<Record>) {
-        out.emplace("body", record.body);
-        out.emplace("html_body", record.htmlBody ? std::string_view(*record.htmlBody) : std::string_view());
+        out.key("body");
+        out.string(record.body);
+        out.key("html_body");
+        out.string(record.htmlBody ? std::string_view(*record.htmlBody) : std::string_view());
     }
     if constexpr (ImageMessage<Record>) {
-        out.emplace("imageUrl", record.imageUrl);
-        out.emplace("thumbnailUrl", record.thumbnailUrl);
-        out.emplace("imageSize-width", record.imageSize.width);
-        out.emplace("imageSize-height", record.imageSize.height);
+        out.key("imageUrl");
+        out.string(record.imageUrl);
+        out.key("thumbnailUrl");
+        out.string(record.thumbnailUrl);
+        out.key("imageSize-width");
+        out.number(record.imageSize.width);
+        out.key("imageSize-height");
+        out.number(record.imageSize.height);
     }
     if constexpr (FileMessage<Record>) {
-        out.emplace("attachmentUrl", record.attachmentUrl);
-        out.emplace("size", record.size);
+        out.key("attachmentUrl");
+        out.string(record.attachmentUrl);
+        out.key("size");
+        out.number(record.size);
     }
-    if constexpr (AttachmentMessage<Record>) out.emplace("fileType", static_cast<std::int64_t>(record.fileType));
-    if constexpr (FileMessage<Record>) out.emplace("downloaded", record.downloaded);
-    out.emplace("createdAt", record.createdAt);
+    if constexpr (AttachmentMessage<Record>) {
+        out.key("fileType");
+        out.number(static_cast<std::int64_t>(record.fileType));
+    }
+    if constexpr (FileMessage<Record>) {
+        out.key("downloaded");
+        out.boolean(record.downloaded);
+    }
+    out.key("createdAt");
+    out.number(record.createdAt);
     if constexpr (IdentifiableUserMessage<Record>) {
-        out.emplace("userID", record.userID);
-        out.emplace("name", record.name);
-        out.emplace("avatarURL", record.avatarURL ? std::string_view(*record.avatarURL) : std::string_view());
+        out.key("userID");
+        out.number(record.userID);
+        out.key("name");
+        out.string(record.name);
+        out.key("avatarURL");
+        out.string(record.avatarURL ? std::string_view(*record.avatarURL) : std::string_view());
     }
-    out.emplace("isEndOfGroup", record.isEndOfGroup);
+    out.key("isEndOfGroup");
+    out.boolean(record.isEndOfGroup);
+    out.endObject();
+}
+
+void writeMessage(const Message& message, platform::JsonWriter& out) {
+    std::visit([&](const auto& record) { writeRecord(record, out); }, message);
 }
 
 // JSON has no text for these; writing them would give a file that cannot be read back.
@@ -64,12 +94,6 @@ bool isWritable(const Message& message) {
             return finite;
         },
         message);
-}
-
-json::object encodeInto(const Message& message, json::storage_ptr resource) {
-    json::object out(std::move(resource));
-    std::visit([&](const auto& record) { writeRecord(record, out); }, message);
-    return out;
 }
 
 // Reading: each requirement names a key and the exact JSON type its value must have.
@@ -232,13 +256,61 @@ std::optional<MessageList> readList(const json::value& root) {
     return list;
 }
 
+// The frame of a list around the messages that `keep` accepts.
+template <class Keep>
+std::optional<std::string> encodeConversation(int version, Date timeStamp, const std::vector<Message>& messages,
+                                              const std::map<std::string, std::string>& mapLocalToRemote,
+                                              const std::optional<std::string>& remoteRequestId, bool ticketClosed,
+                                              const Keep& keep) {
+    if (!std::isfinite(timeStamp)) return std::nullopt;
+    std::size_t kept = 0;
+    for (const auto& message : messages) {
+        if (!keep(message)) continue;
+        if (!isWritable(message)) return std::nullopt;
+        ++kept;
+    }
+    std::string text;
+    text.reserve(kept * 400 + mapLocalToRemote.size() * 64 + 256);
+    platform::JsonWriter out(text);
+    out.beginObject();
+    out.key("version");
+    out.number(static_cast<std::int64_t>(version));
+    out.key("timeStamp");
+    out.number(timeStamp);
+    out.key("messages");
+    out.beginArray();
+    for (const auto& message : messages)
+        if (keep(message)) writeMessage(message, out);
+    out.endArray();
+    out.key("mapLocalToRemote");
+    out.beginObject();
+    for (const auto& [local, remote] : mapLocalToRemote) {
+        out.key(local);
+        out.string(remote);
+    }
+    out.endObject();
+    out.key("ticketClosed");
+    out.boolean(ticketClosed);
+    if (remoteRequestId) {
+        out.key("remoteRequestId");
+        out.string(*remoteRequestId);
+    }
+    out.endObject();
+    return text;
+}
+
 Date now() {
     return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
 } // namespace
 
-std::string encodeMessage(const Message& message) { return json::serialize(encodeInto(message, {})); }
+std::string encodeMessage(const Message& message) {
+    std::string text;
+    platform::JsonWriter out(text);
+    writeMessage(message, out);
+    return text;
+}
 
 std::optional<Message> decodeMessage(std::string_view text) {
     const auto value = platform::parseJson(text);
@@ -247,26 +319,8 @@ std::optional<Message> decodeMessage(std::string_view text) {
 }
 
 std::optional<std::string> encodeMessageList(const MessageList& list) {
-    if (!std::isfinite(list.timeStamp)) return std::nullopt;
-    for (const auto& message : list.messages)
-        if (!isWritable(message)) return std::nullopt;
-
-    // Every node is dropped together once the text is out, so an arena serves them all.
-    json::monotonic_resource arena;
-    json::storage_ptr storage(&arena);
-    json::object root(storage);
-    root.emplace("version", list.version);
-    root.emplace("timeStamp", list.timeStamp);
-    json::array messages(storage);
-    messages.reserve(list.messages.size());
-    for (const auto& message : list.messages) messages.emplace_back(encodeInto(message, storage));
-    root.emplace("messages", std::move(messages));
-    json::object map(storage);
-    for (const auto& [local, remote] : list.mapLocalToRemote) map.emplace(local, remote);
-    root.emplace("mapLocalToRemote", std::move(map));
-    root.emplace("ticketClosed", list.ticketClosed);
-    if (list.remoteRequestId) root.emplace("remoteRequestId", *list.remoteRequestId);
-    return json::serialize(root);
+    return encodeConversation(list.version, list.timeStamp, list.messages, list.mapLocalToRemote,
+                              list.remoteRequestId, list.ticketClosed, [](const Message&) { return true; });
 }
 
 std::optional<MessageList> decodeMessageList(std::string_view bytes) {
@@ -281,16 +335,9 @@ void persistConversation(const std::vector<Message>& messages, const std::option
                          const std::map<std::string, std::string>& mapLocalToRemote, int version, bool ticketClosed,
                          const std::shared_ptr<Cache>& cache) {
     if (!key) return;
-    MessageList list;
-    list.version = version;
-    list.timeStamp = now();
-    list.mapLocalToRemote = mapLocalToRemote;
-    list.remoteRequestId = remoteRequestId;
-    list.ticketClosed = ticketClosed;
     // The send queue owns unsent messages until they succeed or fail.
-    for (const auto& message : messages)
-        if (status(message) != DeliveryStatus::notDelivered) list.messages.push_back(message);
-    auto bytes = encodeMessageList(list);
+    const auto sent = [](const Message& message) { return status(message) != DeliveryStatus::notDelivered; };
+    auto bytes = encodeConversation(version, now(), messages, mapLocalToRemote, remoteRequestId, ticketClosed, sent);
     if (!bytes || !cache) return;
     cache->store(*key, std::move(*bytes));
 }
