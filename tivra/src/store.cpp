@@ -127,14 +127,32 @@ void Store::notifyListeners(const std::vector<std::string>& changedKeys, const S
 
     const auto snapshot = listeners_;
     std::optional<std::any> oldWhole;
+    // Listeners of one key tend to stand together: while the state holds still, their slices are
+    // looked up once.
+    const Registered* lastKeyed = nullptr;
+    State lastState;
+    const std::any* lastOld = nullptr;
+    const std::any* lastNew = nullptr;
     for (const Registered& entry : *snapshot) {
         const Listener& listener = entry.listener;
         if (listener.stateKey && !isChanged(entry)) continue;
         // Read afresh, since an earlier listener's nested dispatch may have changed the state;
         // the copy keeps this listener's slices alive while it runs.
         const State current = state_;
-        const std::any* oldValue = listener.stateKey ? oldState.value(*listener.stateKey) : nullptr;
-        const std::any* newValue = listener.stateKey ? current.value(*listener.stateKey) : nullptr;
+        const std::any* oldValue = nullptr;
+        const std::any* newValue = nullptr;
+        if (listener.stateKey) {
+            const bool sameSlice = lastKeyed && lastKeyed->keyHash == entry.keyHash &&
+                                   *lastKeyed->listener.stateKey == *listener.stateKey && lastState.isSameInstance(current);
+            if (!sameSlice) {
+                lastKeyed = &entry;
+                lastState = current;
+                lastOld = oldState.value(*listener.stateKey);
+                lastNew = current.value(*listener.stateKey);
+            }
+            oldValue = lastOld;
+            newValue = lastNew;
+        }
         std::optional<std::any> newWhole;
         if (!oldValue) oldValue = &(oldWhole ? *oldWhole : oldWhole.emplace(oldState));
         if (!newValue) newValue = &newWhole.emplace(current);

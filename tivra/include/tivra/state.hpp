@@ -47,6 +47,9 @@ public:
 
     Dictionary dictionary() const;
 
+    // Whether both are copies of one state that neither has written to since.
+    bool isSameInstance(const State& other) const { return slices_ == other.slices_; }
+
     // Calls `visit(key, value)` for every slice, in key order.
     template <class Visit>
     void forEach(Visit&& visit) const {
