@@ -1,0 +1,91 @@
+#pragma once
+
+#include "belvakit/richtext/concrete_element.hpp"
+
+#include <string>
+
+namespace belvakit {
+
+// The top of a parsed tree. Renders its children in the default text style, whatever it is given.
+class Root final : public ConcreteElement {
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// Character data, and any tag without a kind of its own (then with empty content).
+class Text final : public ConcreteElement {
+public:
+    Text() = default;
+    explicit Text(std::string content) : content_(std::move(content)) {}
+    const std::string& content() const { return content_; }
+    void setContent(std::string content) { content_ = std::move(content); }
+
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+
+private:
+    std::string content_;
+};
+
+// `br`: a newline in the inherited style, without a font of its own.
+class Break final : public ConcreteElement {
+public:
+    const std::string& content() const;
+
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// `a`: its children link to `href` when that is a URL.
+class Link final : public ConcreteElement {
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// `img`: shown as the text of its `src`; the picture itself is never fetched.
+class Image final : public ConcreteElement {
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// `b` and the headings `h1`...`h6`.
+class Bold final : public ConcreteElement {
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// `i`.
+class Italic final : public ConcreteElement {
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// `code`: monospace in light grey, whatever the surrounding style.
+class Code final : public ConcreteElement {
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// `blockquote`: italic in grey, whatever the surrounding style.
+class Quote final : public ConcreteElement {
+protected:
+    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
+                                                      platform::AttributedString& out) const override;
+};
+
+// `div`: a plain container.
+class Div final : public ConcreteElement {};
+
+// Kinds no tag produces; they render their children as they are.
+class UnorderList final : public ConcreteElement {};
+class OrderedList final : public ConcreteElement {};
+
+} // namespace belvakit
