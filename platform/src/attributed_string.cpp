@@ -25,26 +25,33 @@ void AttributedString::deleteCharacters(TextRange range) {
     if (range.length == 0) return;
     text_.erase(range.location, range.length);
 
-    std::vector<Span> kept;
-    kept.reserve(spans_.size());
+    // Shorten the spans the range touches, drop the emptied ones, then join equal neighbours
+    // across the cut. Trimming cuts at the ends, so this stays cheap there.
+    std::size_t first = 0;
     std::size_t start = 0;
-    const std::size_t end = range.location + range.length;
-    for (auto& span : spans_) {
-        const std::size_t spanEnd = start + span.length;
-        const std::size_t overlap =
-            std::max(start, range.location) < std::min(spanEnd, end)
-                ? std::min(spanEnd, end) - std::max(start, range.location)
-                : 0;
-        start = spanEnd;
-        span.length -= overlap;
-        if (span.length == 0) continue;
-        // Deleting the span between two equal ones joins them.
-        if (!kept.empty() && kept.back().attributes == span.attributes)
-            kept.back().length += span.length;
-        else
-            kept.push_back(std::move(span));
+    while (start + spans_[first].length <= range.location) start += spans_[first++].length;
+    std::size_t remaining = range.length;
+    std::size_t offset = range.location - start;
+    std::size_t last = first;
+    while (remaining > 0) {
+        const std::size_t cut = std::min(remaining, spans_[last].length - offset);
+        spans_[last].length -= cut;
+        remaining -= cut;
+        offset = 0;
+        ++last;
     }
-    spans_ = std::move(kept);
+    const auto emptied = std::remove_if(spans_.begin() + static_cast<std::ptrdiff_t>(first),
+                                        spans_.begin() + static_cast<std::ptrdiff_t>(last),
+                                        [](const Span& span) { return span.length == 0; });
+    spans_.erase(emptied, spans_.begin() + static_cast<std::ptrdiff_t>(last));
+
+    for (std::size_t i = first == 0 ? 1 : first; i < spans_.size() && i <= first + 1; ++i) {
+        if (spans_[i - 1].attributes == spans_[i].attributes) {
+            spans_[i - 1].length += spans_[i].length;
+            spans_.erase(spans_.begin() + static_cast<std::ptrdiff_t>(i));
+            break;
+        }
+    }
 }
 
 const TextAttributes& AttributedString::attributesAt(std::size_t index) const {

@@ -6,33 +6,33 @@ namespace platform {
 namespace {
 
 template <typename Entries>
-auto lowerBound(Entries& entries, std::string_view name) {
-    return std::lower_bound(entries.begin(), entries.end(), name,
-                            [](const TextAttributes::Entry& entry, std::string_view key) { return entry.name < key; });
+auto lowerBound(Entries& entries, AttributeName name) {
+    return std::find_if(entries.begin(), entries.end(),
+                        [name](const TextAttributes::Entry& entry) { return entry.name >= name; });
 }
 
 } // namespace
 
-TextAttributes::TextAttributes(std::initializer_list<std::pair<std::string_view, AttributeValue>> entries) {
+TextAttributes::TextAttributes(std::initializer_list<std::pair<AttributeName, AttributeValue>> entries) {
     for (const auto& [name, value] : entries) set(name, value);
 }
 
-const AttributeValue* TextAttributes::find(std::string_view name) const {
+const AttributeValue* TextAttributes::find(AttributeName name) const {
     if (!entries_) return nullptr;
     const auto found = lowerBound(*entries_, name);
     return found != entries_->end() && found->name == name ? &found->value : nullptr;
 }
 
-void TextAttributes::set(std::string_view name, AttributeValue value) {
+void TextAttributes::set(AttributeName name, AttributeValue value) {
     auto& entries = mutableEntries();
     const auto found = lowerBound(entries, name);
     if (found != entries.end() && found->name == name)
         found->value = std::move(value);
     else
-        entries.insert(found, Entry{std::string(name), std::move(value)});
+        entries.insert(found, Entry{name, std::move(value)});
 }
 
-void TextAttributes::remove(std::string_view name) {
+void TextAttributes::remove(AttributeName name) {
     if (!find(name)) return;
     auto& entries = mutableEntries();
     entries.erase(lowerBound(entries, name));
@@ -47,8 +47,8 @@ void TextAttributes::merge(const TextAttributes& other) {
     for (const auto& entry : other.entries()) set(entry.name, entry.value);
 }
 
-const std::vector<TextAttributes::Entry>& TextAttributes::entries() const {
-    static const std::vector<Entry> none;
+const TextAttributes::Entries& TextAttributes::entries() const {
+    static const Entries none;
     return entries_ ? *entries_ : none;
 }
 
@@ -56,12 +56,12 @@ bool TextAttributes::operator==(const TextAttributes& other) const {
     return entries_ == other.entries_ || entries() == other.entries();
 }
 
-std::vector<TextAttributes::Entry>& TextAttributes::mutableEntries() {
+TextAttributes::Entries& TextAttributes::mutableEntries() {
     // A sole owner may change its storage in place; anyone else copies it first.
     if (!entries_)
-        entries_ = std::make_shared<std::vector<Entry>>();
+        entries_ = std::make_shared<Entries>();
     else if (entries_.use_count() > 1)
-        entries_ = std::make_shared<std::vector<Entry>>(*entries_);
+        entries_ = std::make_shared<Entries>(*entries_);
     return *entries_;
 }
 

@@ -55,8 +55,6 @@ struct XmlParser::Events {
     }
 };
 
-XmlParser::XmlParser(std::string data) : data_(std::move(data)) {}
-
 bool XmlParser::parse() {
     if (started_) return false;
     started_ = true;

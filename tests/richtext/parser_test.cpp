@@ -86,21 +86,24 @@ TEST(RichRenderParseTest, BreakIsANewlineAndAttributesAreStored) {
     EXPECT_TRUE(div.children()[1]->children().front()->attributes().empty());
 }
 
-TEST(RichRenderParseTest, ParentIsAWeakBackReference) {
+TEST(RichRenderParseTest, ParentIsABackReferenceThatOwnsNothing) {
     testing_support::CapturedLog quiet;
     std::shared_ptr<Element> text;
+    std::weak_ptr<Element> root;
     {
         const auto tree = RichRender().parse("<div><b>x</b></div>");
         ASSERT_TRUE(tree);
+        root = tree;
         EXPECT_EQ(tree->parent(), nullptr);
         const auto div = tree->children().front();
         const auto bold = div->children().front();
         text = bold->children().front();
-        EXPECT_EQ(div->parent(), tree);
-        EXPECT_EQ(bold->parent(), div);
-        EXPECT_EQ(text->parent(), bold);
+        EXPECT_EQ(div->parent(), tree.get());
+        EXPECT_EQ(bold->parent(), div.get());
+        EXPECT_EQ(text->parent(), bold.get());
     }
-    EXPECT_EQ(text->parent(), nullptr) << "a held child must not keep its ancestors alive";
+    EXPECT_TRUE(root.expired()) << "a held child keeps no ancestor alive";
+    EXPECT_EQ(text->parent(), nullptr) << "and forgets its parent once that is gone";
 }
 
 TEST(RichRenderParseTest, AnythingThatIsNotOneWellFormedElementGivesNil) {

@@ -7,17 +7,8 @@
 namespace belvakit {
 namespace {
 
-using platform::AttributedString;
 using platform::Font;
 using platform::TextAttributes;
-
-// Text needs a font to be drawn; it takes the system font unless the style already names one.
-TextAttributes withFont(const TextAttributes& style) {
-    if (style.find(platform::fontAttributeName)) return style;
-    TextAttributes filled = style;
-    filled.set(platform::fontAttributeName, richTextSystemFont());
-    return filled;
-}
 
 // How bold and italic combine with the font already in force. Deliberately one-sided: italic in
 // bold gives bold italic, but bold in italic (or in a quote) stays italic, and code stays code.
@@ -45,6 +36,15 @@ TextAttributes replacingFontAndColor(const TextAttributes& style, const Font& fo
     return changed;
 }
 
+TextAttributes bolded(const TextAttributes& style) { return applyingFont(style, boldFont()); }
+TextAttributes italicised(const TextAttributes& style) { return applyingFont(style, italicFont()); }
+TextAttributes asCode(const TextAttributes& style) {
+    return replacingFontAndColor(style, codeFont(), platform::lightGrayColor());
+}
+TextAttributes asQuote(const TextAttributes& style) {
+    return replacingFontAndColor(style, italicFont(), platform::grayColor());
+}
+
 const std::string* attribute(const ElementAttributes& attributes, const std::string& name) {
     const auto found = attributes.find(name);
     return found == attributes.end() ? nullptr : &found->second;
@@ -52,13 +52,13 @@ const std::string* attribute(const ElementAttributes& attributes, const std::str
 
 } // namespace
 
-std::optional<TextAttributes> Root::renderOwn(const TextAttributes&, AttributedString&) const {
-    return defaultTextAttributes();
+const TextAttributes* Root::renderOwn(const TextAttributes&, RenderOutput&) const {
+    return &defaultTextAttributes();
 }
 
-std::optional<TextAttributes> Text::renderOwn(const TextAttributes& received, AttributedString& out) const {
-    if (!content_.empty()) out.append(content_, withFont(received));
-    return received;
+const TextAttributes* Text::renderOwn(const TextAttributes& received, RenderOutput& out) const {
+    if (!content_.empty()) out.appendWithFont(content_, received);
+    return &received;
 }
 
 const std::string& Break::content() const {
@@ -66,41 +66,41 @@ const std::string& Break::content() const {
     return newline;
 }
 
-std::optional<TextAttributes> Break::renderOwn(const TextAttributes& received, AttributedString& out) const {
+const TextAttributes* Break::renderOwn(const TextAttributes& received, RenderOutput& out) const {
     out.append(content(), received);
-    return std::nullopt;
+    return nullptr;
 }
 
-std::optional<TextAttributes> Link::renderOwn(const TextAttributes& received, AttributedString&) const {
+const TextAttributes* Link::renderOwn(const TextAttributes& received, RenderOutput& out) const {
     const auto* href = attribute(attributes(), "href");
     const auto url = href ? platform::Url::fromString(*href) : std::nullopt;
-    if (!url) return received;
+    if (!url) return &received;
     TextAttributes linked = received;
     linked.set(platform::linkAttributeName, *url);
-    return linked;
+    return &out.hold(std::move(linked));
 }
 
-std::optional<TextAttributes> Image::renderOwn(const TextAttributes& received, AttributedString& out) const {
+const TextAttributes* Image::renderOwn(const TextAttributes& received, RenderOutput& out) const {
     const auto* source = attribute(attributes(), "src");
-    if (!source) return received;
-    out.append(*source, withFont(received));
-    return std::nullopt;
+    if (!source) return &received;
+    out.appendWithFont(*source, received);
+    return nullptr;
 }
 
-std::optional<TextAttributes> Bold::renderOwn(const TextAttributes& received, AttributedString&) const {
-    return applyingFont(received, boldFont());
+const TextAttributes* Bold::renderOwn(const TextAttributes& received, RenderOutput& out) const {
+    return &out.derived(received, &bolded);
 }
 
-std::optional<TextAttributes> Italic::renderOwn(const TextAttributes& received, AttributedString&) const {
-    return applyingFont(received, italicFont());
+const TextAttributes* Italic::renderOwn(const TextAttributes& received, RenderOutput& out) const {
+    return &out.derived(received, &italicised);
 }
 
-std::optional<TextAttributes> Code::renderOwn(const TextAttributes& received, AttributedString&) const {
-    return replacingFontAndColor(received, codeFont(), platform::lightGrayColor());
+const TextAttributes* Code::renderOwn(const TextAttributes& received, RenderOutput& out) const {
+    return &out.derived(received, &asCode);
 }
 
-std::optional<TextAttributes> Quote::renderOwn(const TextAttributes& received, AttributedString&) const {
-    return replacingFontAndColor(received, italicFont(), platform::grayColor());
+const TextAttributes* Quote::renderOwn(const TextAttributes& received, RenderOutput& out) const {
+    return &out.derived(received, &asQuote);
 }
 
 } // namespace belvakit

@@ -11,14 +11,26 @@ platform::Font richTextFont(platform::SymbolicTraits traits, std::string_view fa
     return richTextSystemFont();
 }
 
-platform::Font boldFont() { return richTextFont(platform::FontTrait::bold, "Avenir-Heavy"); }
-
-platform::Font italicFont() { return richTextFont(platform::FontTrait::italic, "Avenir-BookOblique"); }
-
-platform::Font boldItalicFont() {
-    return richTextFont(platform::FontTrait::bold | platform::FontTrait::italic, "Avenir-HeavyOblique");
+// The catalogue never changes, so each of these is looked up once.
+platform::Font boldFont() {
+    static const platform::Font font = richTextFont(platform::FontTrait::bold, "Avenir-Heavy");
+    return font;
 }
 
-platform::Font codeFont() { return richTextFont(platform::FontTrait::monoSpace, "Verdana"); }
+platform::Font italicFont() {
+    static const platform::Font font = richTextFont(platform::FontTrait::italic, "Avenir-BookOblique");
+    return font;
+}
+
+platform::Font boldItalicFont() {
+    static const platform::Font font =
+        richTextFont(platform::FontTrait::bold | platform::FontTrait::italic, "Avenir-HeavyOblique");
+    return font;
+}
+
+platform::Font codeFont() {
+    static const platform::Font font = richTextFont(platform::FontTrait::monoSpace, "Verdana");
+    return font;
+}
 
 } // namespace belvakit

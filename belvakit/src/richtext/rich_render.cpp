@@ -1,6 +1,7 @@
 #include "belvakit/richtext/rich_render.hpp"
 
 #include "belvakit/richtext/elements.hpp"
+#include "node_arena.hpp"
 #include "corvane/core_logger.hpp"
 #include "platform/character_set.hpp"
 
@@ -58,32 +59,36 @@ std::optional<platform::AttributedString> RichRender::attributedString(const std
 }
 
 std::shared_ptr<Element> RichRender::parse(const std::string& html) {
-    CoreLogger::verbose("Parsing HTML: " + html + " \n");
+    std::string message;
+    message.reserve(html.size() + 16);
+    CoreLogger::verbose(message.append("Parsing HTML: ").append(html).append(" \n"));
     root_ = std::make_shared<Root>();
-    tree_ = root_;
+    tree_ = root_.get();
+    arena_ = std::make_shared<NodeArena>();
     parser_ = std::make_unique<platform::XmlParser>(html);
     parser_->setDelegate(this);
     parser_->parse();
-    root_ = nullptr;
-    return tree_;
+    arena_ = nullptr;
+    return tree_ ? root_ : nullptr;
 }
 
 void RichRender::didStartElement(platform::XmlParser&, std::string_view name, platform::XmlAttributes attributes) {
     auto element = elementCreator_->element(name);
-    element->setParent(tree_);
-    element->setAttributes(std::move(attributes));
-    insertionPoint().children().push_back(element);
-    tree_ = std::move(element);
+    Element* added = element.get();
+    added->setParent(tree_);
+    added->setAttributes(std::move(attributes));
+    insertionPoint().children().push_back(std::move(element));
+    tree_ = added;
 }
 
 void RichRender::foundCharacters(platform::XmlParser&, std::string_view characters) {
-    auto text = std::make_shared<Text>(std::string(characters));
+    auto text = std::allocate_shared<Text>(NodeAllocator<Text>(arena_), std::string(characters));
     text->setParent(tree_);
     insertionPoint().children().push_back(std::move(text));
 }
 
 void RichRender::didEndElement(platform::XmlParser&, std::string_view) {
-    if (auto parent = insertionPoint().parent()) tree_ = std::move(parent);
+    if (auto* parent = insertionPoint().parent()) tree_ = parent;
 }
 
 void RichRender::parseErrorOccurred(platform::XmlParser&, const platform::XmlParseError& error) {

@@ -55,9 +55,8 @@ public:
     double pointSize() const { return pointSize_; }
     SymbolicTraits symbolicTraits() const { return face_->traits; }
 
-    bool operator==(const Font& other) const {
-        return face_->name == other.face_->name && pointSize_ == other.pointSize_;
-    }
+    // Faces are unique in the catalogue.
+    bool operator==(const Font& other) const { return face_ == other.face_ && pointSize_ == other.pointSize_; }
 
 private:
     Font(const FontFace& face, double pointSize) : face_(&face), pointSize_(pointSize) {}

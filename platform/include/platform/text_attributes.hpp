@@ -5,22 +5,30 @@
 #include "platform/paragraph_style.hpp"
 #include "platform/url.hpp"
 
+#include <boost/container/small_vector.hpp>
+
 #include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
-#include <vector>
 
 namespace platform {
 
-// The names of the attributes that styled text knows.
-inline constexpr std::string_view fontAttributeName = "font";                       // Font
-inline constexpr std::string_view foregroundColorAttributeName = "foregroundColor"; // Color
-inline constexpr std::string_view paragraphStyleAttributeName = "paragraphStyle";   // ParagraphStyle
-inline constexpr std::string_view kernAttributeName = "kern";                       // double, points
-inline constexpr std::string_view linkAttributeName = "link";                       // Url
+// The attributes that styled text knows, and the type of value each takes.
+enum class AttributeName {
+    font,             // Font
+    foregroundColor,  // Color
+    paragraphStyle,   // ParagraphStyle
+    kern,             // double, points
+    link,             // Url
+};
+inline constexpr AttributeName fontAttributeName = AttributeName::font;
+inline constexpr AttributeName foregroundColorAttributeName = AttributeName::foregroundColor;
+inline constexpr AttributeName paragraphStyleAttributeName = AttributeName::paragraphStyle;
+inline constexpr AttributeName kernAttributeName = AttributeName::kern;
+inline constexpr AttributeName linkAttributeName = AttributeName::link;
 
 using AttributeValue = std::variant<Font, Color, ParagraphStyle, double, Url, std::string>;
 
@@ -29,37 +37,42 @@ using AttributeValue = std::variant<Font, Color, ParagraphStyle, double, Url, st
 class TextAttributes {
 public:
     struct Entry {
-        std::string name;
+        AttributeName name;
         AttributeValue value;
         bool operator==(const Entry&) const = default;
     };
 
     TextAttributes() = default;
-    TextAttributes(std::initializer_list<std::pair<std::string_view, AttributeValue>> entries);
+    TextAttributes(std::initializer_list<std::pair<AttributeName, AttributeValue>> entries);
 
-    const AttributeValue* find(std::string_view name) const;
+    const AttributeValue* find(AttributeName name) const;
     template <typename T>
-    const T* get(std::string_view name) const {
+    const T* get(AttributeName name) const {
         const auto* value = find(name);
         return value ? std::get_if<T>(value) : nullptr;
     }
 
-    void set(std::string_view name, AttributeValue value);
-    void remove(std::string_view name);
+    void set(AttributeName name, AttributeValue value);
+    void remove(AttributeName name);
     // Sets every entry of `other`, overwriting.
     void merge(const TextAttributes& other);
 
     bool empty() const { return !entries_ || entries_->empty(); }
     std::size_t size() const { return entries_ ? entries_->size() : 0; }
+    // A map seldom holds more than a handful of entries: they live in the one shared block.
+    using Entries = boost::container::small_vector<Entry, 6>;
+
     // In order of name.
-    const std::vector<Entry>& entries() const;
+    const Entries& entries() const;
 
     bool operator==(const TextAttributes& other) const;
+    // True when both are copies of one map, with no change since; cheaper than ==.
+    bool isSameStorage(const TextAttributes& other) const { return entries_ == other.entries_; }
 
 private:
-    std::vector<Entry>& mutableEntries();
+    Entries& mutableEntries();
 
-    std::shared_ptr<std::vector<Entry>> entries_;
+    std::shared_ptr<Entries> entries_;
 };
 
 } // namespace platform

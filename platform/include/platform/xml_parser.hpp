@@ -38,7 +38,8 @@ public:
 // document that declares entities or uses any other is in error. The first error ends the parse.
 class XmlParser {
 public:
-    explicit XmlParser(std::string data);
+    // The bytes are not copied: they must stay as they are until `parse` returns.
+    explicit XmlParser(std::string_view data) : data_(data) {}
     XmlParser(const XmlParser&) = delete;
     XmlParser& operator=(const XmlParser&) = delete;
 
@@ -59,7 +60,7 @@ private:
     // The delegate to tell of an event; none once the parse is stopping.
     XmlParserDelegate* listener() const { return stopReason_ ? nullptr : delegate_; }
 
-    std::string data_;
+    std::string_view data_;
     XmlParserDelegate* delegate_ = nullptr;
     void* expat_ = nullptr;  // the running parse
     bool started_ = false;

@@ -3,14 +3,19 @@
 #include "platform/attributed_string.hpp"
 #include "platform/text_attributes.hpp"
 
+#include <boost/container/small_vector.hpp>
+
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace belvakit {
 
+class ConcreteElement;
+class Element;
 using ElementAttributes = std::map<std::string, std::string>;
+// Room for one child in place: text has none, and a tag mostly has one.
+using ElementList = boost::container::small_vector<std::shared_ptr<Element>, 3>;
 
 // A node of the tree that an agent's HTML comment becomes.
 class Element {
@@ -21,16 +26,22 @@ public:
     virtual ~Element() = default;
 
     // In document order, text and tags mixed.
-    virtual std::vector<std::shared_ptr<Element>>& children() = 0;
-    virtual const std::vector<std::shared_ptr<Element>>& children() const = 0;
-    // Null only on the root. Held weakly: a child never keeps its parent alive.
-    virtual std::shared_ptr<Element> parent() const = 0;
-    virtual void setParent(const std::shared_ptr<Element>& parent) = 0;
+    virtual ElementList& children() = 0;
+    virtual const ElementList& children() const = 0;
+    // Null only on the root. A plain back reference that owns nothing; a parent clears it in the
+    // children that outlive it.
+    virtual Element* parent() const = 0;
+    virtual void setParent(Element* parent) = 0;
     // The tag's attributes as parsed; empty for the root and for character data.
     virtual const ElementAttributes& attributes() const = 0;
     virtual void setAttributes(ElementAttributes attributes) = 0;
     // A new styled string of this subtree; `attributes` is the style inherited from above.
     virtual platform::AttributedString render(const platform::TextAttributes& attributes) const = 0;
+
+private:
+    friend class ConcreteElement;
+    // Lets a render walk take a concrete node apart; other elements are rendered whole.
+    virtual const ConcreteElement* asConcreteElement() const { return nullptr; }
 };
 
 } // namespace belvakit

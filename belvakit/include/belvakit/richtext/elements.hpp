@@ -9,8 +9,8 @@ namespace belvakit {
 // The top of a parsed tree. Renders its children in the default text style, whatever it is given.
 class Root final : public ConcreteElement {
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // Character data, and any tag without a kind of its own (then with empty content).
@@ -22,8 +22,8 @@ public:
     void setContent(std::string content) { content_ = std::move(content); }
 
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 
 private:
     std::string content_;
@@ -35,50 +35,50 @@ public:
     const std::string& content() const;
 
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // `a`: its children link to `href` when that is a URL.
 class Link final : public ConcreteElement {
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // `img`: shown as the text of its `src`; the picture itself is never fetched.
 class Image final : public ConcreteElement {
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // `b` and the headings `h1`...`h6`.
 class Bold final : public ConcreteElement {
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // `i`.
 class Italic final : public ConcreteElement {
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // `code`: monospace in light grey, whatever the surrounding style.
 class Code final : public ConcreteElement {
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // `blockquote`: italic in grey, whatever the surrounding style.
 class Quote final : public ConcreteElement {
 protected:
-    std::optional<platform::TextAttributes> renderOwn(const platform::TextAttributes& received,
-                                                      platform::AttributedString& out) const override;
+    const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
+                                              RenderOutput& out) const override;
 };
 
 // `div`: a plain container.

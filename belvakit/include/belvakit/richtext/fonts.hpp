@@ -12,7 +12,7 @@ inline constexpr double richTextFontSize = 16;
 platform::Font richTextSystemFont();
 
 // The system font's face with these traits; failing that the named font, failing that the
-// system font, all at the rich-text size. Each call makes a fresh font.
+// system font, all at the rich-text size.
 platform::Font richTextFont(platform::SymbolicTraits traits, std::string_view fallbackName);
 
 platform::Font boldFont();

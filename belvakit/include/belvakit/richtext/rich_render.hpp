@@ -11,6 +11,8 @@
 
 namespace belvakit {
 
+class NodeArena;
+
 // One parse of an agent's HTML into an element tree. The HTML must be well-formed XML with a
 // single top element; nothing is wrapped or repaired, and any parser error means no tree at all.
 class RichRender final : public platform::XmlParserDelegate {
@@ -34,8 +36,9 @@ private:
     Element& insertionPoint() const;
 
     std::unique_ptr<platform::XmlParser> parser_;
-    std::shared_ptr<Element> tree_;
-    std::shared_ptr<Element> root_;  // owns the tree while `tree_` walks it, parents being weak
+    Element* tree_ = nullptr;         // the insertion point; null after an error
+    std::shared_ptr<Element> root_;  // owns the tree that `tree_` walks
+    std::shared_ptr<NodeArena> arena_;  // for the character data nodes
     std::shared_ptr<ElementFactory> elementCreator_;
 };
 
