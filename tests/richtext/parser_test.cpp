@@ -17,7 +17,7 @@ using testing::ElementsAre;
 std::string describe(const Element& element) {
     std::string out = platform::unqualifiedName(typeid(element));
     if (const auto* text = dynamic_cast<const Text*>(&element); text && !text->content().empty())
-        out += "\"" + text->content() + "\"";
+        out += "\"" + std::string(text->content()) + "\"";
     if (!element.children().empty()) {
         out += "[";
         for (std::size_t i = 0; i < element.children().size(); ++i)

@@ -15,4 +15,11 @@ void* NodeArena::allocate(std::size_t bytes, std::size_t alignment) {
     return blocks_.back().get() + start;
 }
 
+std::string_view NodeArena::copy(std::string_view bytes) {
+    if (bytes.empty()) return {};
+    auto* target = static_cast<char*>(allocate(bytes.size(), 1));
+    std::copy(bytes.begin(), bytes.end(), target);
+    return {target, bytes.size()};
+}
+
 } // namespace belvakit

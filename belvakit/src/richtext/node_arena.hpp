@@ -2,16 +2,19 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace belvakit {
 
-// Character data makes most of a tree's nodes. They are carved from one arena per parse instead of
-// one heap block each. Blocks are of a fixed, modest size so that the heap reuses them from one
+// Character data makes most of a tree's nodes. They and their bytes are carved from one arena per
+// parse instead of a heap block each. Blocks are of a fixed, modest size so that the heap reuses them from one
 // parse to the next rather than mapping fresh pages.
 class NodeArena {
 public:
     void* allocate(std::size_t bytes, std::size_t alignment);
+    // A copy of the bytes that lives as long as the arena.
+    std::string_view copy(std::string_view bytes);
 
 private:
     static constexpr std::size_t blockSize = 8 * 1024;

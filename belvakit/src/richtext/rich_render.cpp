@@ -82,7 +82,8 @@ void RichRender::didStartElement(platform::XmlParser&, std::string_view name, pl
 }
 
 void RichRender::foundCharacters(platform::XmlParser&, std::string_view characters) {
-    auto text = std::allocate_shared<Text>(NodeAllocator<Text>(arena_), std::string(characters));
+    // The node's allocator keeps the arena, and so the copied bytes, alive with the node.
+    auto text = std::allocate_shared<Text>(NodeAllocator<Text>(arena_), Text::BorrowedContent{arena_->copy(characters)});
     text->setParent(tree_);
     insertionPoint().children().push_back(std::move(text));
 }

@@ -3,6 +3,7 @@
 #include "belvakit/richtext/concrete_element.hpp"
 
 #include <string>
+#include <string_view>
 
 namespace belvakit {
 
@@ -16,17 +17,29 @@ protected:
 // Character data, and any tag without a kind of its own (then with empty content).
 class Text final : public ConcreteElement {
 public:
+    // Bytes kept elsewhere for at least as long as the node: a parse keeps character data in the
+    // arena that holds its nodes, rather than in a heap block per node.
+    struct BorrowedContent {
+        std::string_view bytes;
+    };
+
     Text() = default;
-    explicit Text(std::string content) : content_(std::move(content)) {}
-    const std::string& content() const { return content_; }
-    void setContent(std::string content) { content_ = std::move(content); }
+    explicit Text(std::string content) : owned_(std::move(content)), content_(owned_) {}
+    explicit Text(BorrowedContent content) : content_(content.bytes) {}
+
+    std::string_view content() const { return content_; }
+    void setContent(std::string content) {
+        owned_ = std::move(content);
+        content_ = owned_;
+    }
 
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
 
 private:
-    std::string content_;
+    std::string owned_;
+    std::string_view content_;
 };
 
 // `br`: a newline in the inherited style, without a font of its own.
