@@ -1,5 +1,6 @@
 // `richtext_2k`, `richtext_64k`: an agent's HTML comment parsed, rendered and trimmed into styled
-// text, against Expat alone parsing the same bytes with empty callbacks.
+// text, against Expat alone parsing the same bytes with empty callbacks. The long comment is the
+// typical reply repeated inside one `div`, so both carry the same mix of tags, text and links.
 #include "harness.hpp"
 
 #include "belvakit/richtext/rich_render.hpp"

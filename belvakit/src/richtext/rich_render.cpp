@@ -68,6 +68,7 @@ std::shared_ptr<Element> RichRender::parse(const std::string& html) {
     parser_ = std::make_unique<platform::XmlParser>(html);
     parser_->setDelegate(this);
     parser_->parse();
+    parser_ = nullptr;
     arena_ = nullptr;
     return tree_ ? root_ : nullptr;
 }

@@ -24,13 +24,13 @@ public:
     };
 
     Text() = default;
-    explicit Text(std::string content) : owned_(std::move(content)), content_(owned_) {}
+    explicit Text(std::string content) { setContent(std::move(content)); }
     explicit Text(BorrowedContent content) : content_(content.bytes) {}
 
     std::string_view content() const { return content_; }
     void setContent(std::string content) {
-        owned_ = std::move(content);
-        content_ = owned_;
+        owned_ = std::make_unique<std::string>(std::move(content));
+        content_ = *owned_;
     }
 
 protected:
@@ -38,7 +38,7 @@ protected:
                                               RenderOutput& out) const override;
 
 private:
-    std::string owned_;
+    std::unique_ptr<std::string> owned_;  // none when borrowed
     std::string_view content_;
 };
 
