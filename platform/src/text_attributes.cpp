@@ -5,8 +5,9 @@
 namespace platform {
 namespace {
 
+// Entries are few and kept in order of name: the first one at or after `name`.
 template <typename Entries>
-auto lowerBound(Entries& entries, AttributeName name) {
+auto placeOf(Entries& entries, AttributeName name) {
     return std::find_if(entries.begin(), entries.end(),
                         [name](const TextAttributes::Entry& entry) { return entry.name >= name; });
 }
@@ -19,13 +20,13 @@ TextAttributes::TextAttributes(std::initializer_list<std::pair<AttributeName, At
 
 const AttributeValue* TextAttributes::find(AttributeName name) const {
     if (!entries_) return nullptr;
-    const auto found = lowerBound(*entries_, name);
+    const auto found = placeOf(*entries_, name);
     return found != entries_->end() && found->name == name ? &found->value : nullptr;
 }
 
 void TextAttributes::set(AttributeName name, AttributeValue value) {
     auto& entries = mutableEntries();
-    const auto found = lowerBound(entries, name);
+    const auto found = placeOf(entries, name);
     if (found != entries.end() && found->name == name)
         found->value = std::move(value);
     else
@@ -35,7 +36,7 @@ void TextAttributes::set(AttributeName name, AttributeValue value) {
 void TextAttributes::remove(AttributeName name) {
     if (!find(name)) return;
     auto& entries = mutableEntries();
-    entries.erase(lowerBound(entries, name));
+    entries.erase(placeOf(entries, name));
 }
 
 void TextAttributes::merge(const TextAttributes& other) {
