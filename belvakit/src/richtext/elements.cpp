@@ -73,10 +73,10 @@ const TextAttributes* Break::renderOwn(const TextAttributes& received, RenderOut
 
 const TextAttributes* Link::renderOwn(const TextAttributes& received, RenderOutput& out) const {
     const auto* href = attribute(attributes(), "href");
-    const auto url = href ? platform::Url::fromString(*href) : std::nullopt;
+    auto url = href ? platform::Url::fromString(*href) : std::nullopt;
     if (!url) return &received;
     TextAttributes linked = received;
-    linked.set(platform::linkAttributeName, *url);
+    linked.set(platform::linkAttributeName, std::move(*url));
     return &out.hold(std::move(linked));
 }
 
