@@ -14,7 +14,7 @@ namespace belvakit {
 class ConcreteElement;
 class Element;
 using ElementAttributes = std::map<std::string, std::string>;
-// Room for two children in place: text has none, and most tags have one or two.
+// Room for a few children in place: text has none, and most tags have one to three.
 using ElementList = boost::container::small_vector<std::shared_ptr<Element>, 3>;
 
 // A node of the tree that an agent's HTML comment becomes.
