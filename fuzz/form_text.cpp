@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (valid == validator.inlineValidationEnabeled) std::abort();  // on exactly after a failure
 
     if (const auto url = platform::URL::parse(text)) {
-        if (url->string() != text) std::abort();
+        if (url->absoluteString() != text) std::abort();
         (void)url->scheme();
     }
     return 0;

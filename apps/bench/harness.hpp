@@ -28,5 +28,6 @@ struct Metric {
 // Each subsystem's file gives its metrics; main.cpp lists the functions.
 std::vector<Metric> storeMetrics();
 std::vector<Metric> conversationMetrics();
+std::vector<Metric> richtextMetrics();
 
 } // namespace bench

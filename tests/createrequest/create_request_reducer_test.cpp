@@ -40,7 +40,7 @@ public:
     ~RecordedLinks() { platform::URLOpener::setShared(previous_); }
     std::vector<std::string> opened() const {
         std::vector<std::string> texts;
-        for (const auto& url : opener_->openedURLs()) texts.push_back(url.string());
+        for (const auto& url : opener_->openedURLs()) texts.push_back(url.absoluteString());
         return texts;
     }
 

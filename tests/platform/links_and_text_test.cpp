@@ -10,7 +10,7 @@ using namespace platform;
 TEST(URL, ParsesAbsoluteAndRelativeReferencesAndRefusesEmptyOrMalformedText) {
     const auto absolute = URL::parse("HTTPS://example.com/help?from=app#top");
     ASSERT_TRUE(absolute);
-    EXPECT_EQ(absolute->string(), "HTTPS://example.com/help?from=app#top");
+    EXPECT_EQ(absolute->absoluteString(), "HTTPS://example.com/help?from=app#top");
     EXPECT_EQ(absolute->scheme(), "https");
 
     const auto relative = URL::parse("help/page");

@@ -12,7 +12,7 @@ public:
     // Absent for empty text and for text that is no URI reference (spaces, stray '%', ...).
     static std::optional<URL> parse(std::string_view text);
 
-    const std::string& string() const { return text_; }
+    const std::string& absoluteString() const { return text_; }
     // Lower-cased; empty for a relative reference.
     std::string scheme() const;
 
