@@ -182,15 +182,7 @@ Subscription<State> Store::addListener(Filter<State> filter, std::function<void(
     listener.notify = [callback = std::move(callback)](const std::any& value) {
         if (const State* state = std::any_cast<State>(&value)) callback(*state);
     };
-    if (filter) {
-        listener.filterBlock = [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
-            const State* typedOld = std::any_cast<State>(&oldValue);
-            const State* typedNew = std::any_cast<State>(&newValue);
-            return typedOld && typedNew && filter(*typedOld, *typedNew);
-        };
-    } else {
-        listener.filterBlock = alwaysFilter;
-    }
+    listener.filterBlock = detail::wrapFilter<State>(std::move(filter));
     return Subscription<State>{shared_from_this(), appendListener(std::move(listener))};
 }
 

@@ -103,7 +103,18 @@ private:
 
 namespace detail {
 std::string newListenerId();
+
+// A typed filter as a listener holds it: values of another type never pass; no filter always does.
+template <class T>
+std::function<bool(const std::any&, const std::any&)> wrapFilter(Filter<T> filter) {
+    if (!filter) return alwaysFilter;
+    return [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
+        const T* typedOld = std::any_cast<T>(&oldValue);
+        const T* typedNew = std::any_cast<T>(&newValue);
+        return typedOld && typedNew && filter(*typedOld, *typedNew);
+    };
 }
+} // namespace detail
 
 template <class T>
 Subscription<T> Store::addListener(std::optional<std::string> stateKey, Filter<T> filter,
@@ -113,15 +124,7 @@ Subscription<T> Store::addListener(std::optional<std::string> stateKey, Filter<T
     listener.notify = [callback = std::move(callback)](const std::any& value) {
         if (const T* typed = std::any_cast<T>(&value)) callback(*typed);
     };
-    if (filter) {
-        listener.filterBlock = [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
-            const T* typedOld = std::any_cast<T>(&oldValue);
-            const T* typedNew = std::any_cast<T>(&newValue);
-            return typedOld && typedNew && filter(*typedOld, *typedNew);
-        };
-    } else {
-        listener.filterBlock = alwaysFilter;
-    }
+    listener.filterBlock = detail::wrapFilter<T>(std::move(filter));
     return Subscription<T>{shared_from_this(), appendListener(std::move(listener))};
 }
 
@@ -134,15 +137,7 @@ Subscription<T> Store::addListener(Filter<State> filter, std::function<std::opti
         if (!state) return;
         if (std::optional<T> selected = selector(*state)) callback(*selected);
     };
-    if (filter) {
-        listener.filterBlock = [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
-            const State* typedOld = std::any_cast<State>(&oldValue);
-            const State* typedNew = std::any_cast<State>(&newValue);
-            return typedOld && typedNew && filter(*typedOld, *typedNew);
-        };
-    } else {
-        listener.filterBlock = alwaysFilter;
-    }
+    listener.filterBlock = detail::wrapFilter<State>(std::move(filter));
     return Subscription<T>{shared_from_this(), appendListener(std::move(listener))};
 }
 
