@@ -76,10 +76,6 @@ protected:
         ASSERT_THAT(shown(), ElementsAre(bot(LocalizedKey::supportEngineGreetingMessage), hideTyping));
     }
 
-    template <class Case>
-    const Case& last() const {
-        return std::get<Case>(updates_.back().value);
-    }
     const Update& update(std::size_t fromEnd) const { return updates_[updates_.size() - 1 - fromEnd]; }
 
     testing_support::TemporaryDirectory dir_;
