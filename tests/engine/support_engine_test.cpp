@@ -342,3 +342,18 @@ TEST(SupportEnginePacing, AZeroDelayStillWaitsForTheMainQueueAndAReleasedEngineS
     EXPECT_EQ(seen.size(), 4u);
     EXPECT_EQ(time.scheduler().pendingCount(), 0u);
 }
+
+TEST_F(SupportEngineTest, AReleasedEngineEndsTheDialogQuietlyWhenTheTicketAnswers) {
+    startWith(corvane::Identity::createAnonymous("Ann", "ann@example.com"), false);
+    greeted();
+    helpDesk_->tickets()->setLatency(platform::milliseconds(500));
+    submit("Anything");
+    settle();
+    std::weak_ptr<SupportEngineModel> model = engine_->supportModel();
+    engine_.reset();
+    EXPECT_TRUE(model.expired());
+
+    advance(500 + 1200);
+    EXPECT_EQ(helpDesk_->tickets()->requests().size(), 1u);
+    EXPECT_EQ(time_.scheduler().pendingCount(), 0u);
+}
