@@ -1,4 +1,5 @@
 // belva-demo: a host application on the embedded help desk.
+#include "engine_dialog.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/entry/support_ui.hpp"
 #include "belvakit/entry/version.hpp"
@@ -7,8 +8,10 @@
 
 #include <filesystem>
 #include <iostream>
+#include <string_view>
 
-int main() {
+int main(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "--engine") return belvademo::runEngineDialog();
     const auto storage = std::filesystem::temp_directory_path() / "belva-demo";
     auto helpDesk = sandbox::HelpDesk::make({.storageDirectory = storage});
     auto core = helpDesk->initializeCorvane(corvane::Identity::createAnonymous("Demo User", "demo@example.com"));

@@ -2,6 +2,7 @@
 
 #include "corvane/corvane.hpp"
 #include "sandbox/attachment_store.hpp"
+#include "sandbox/conversations_settings_desk.hpp"
 #include "sandbox/ticket_desk.hpp"
 
 #include <filesystem>
@@ -33,12 +34,15 @@ public:
     const std::shared_ptr<AttachmentStore>& attachments() const { return attachments_; }
     // Requests, comments, people and the simulated agent.
     const std::shared_ptr<TicketDesk>& tickets() const { return tickets_; }
+    // Whether users can follow up on their tickets in the app.
+    const std::shared_ptr<ConversationsSettingsDesk>& conversationsSettings() const { return conversationsSettings_; }
 
 private:
     explicit HelpDesk(Options options);
     Options options_;
     std::shared_ptr<AttachmentStore> attachments_;
     std::shared_ptr<TicketDesk> tickets_;
+    std::shared_ptr<ConversationsSettingsDesk> conversationsSettings_ = ConversationsSettingsDesk::make();
 };
 
 } // namespace sandbox
