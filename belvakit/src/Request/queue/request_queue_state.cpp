@@ -1,0 +1,81 @@
+#include "belvakit/Request/queue/request_queue_state.hpp"
+
+#include "belvakit/Request/conversation/actions.hpp"
+
+#include <sstream>
+
+namespace belvakit {
+
+RequestQueueState RequestQueueState::ticketCreated(std::string remoteId, Date latestComment) {
+    RequestQueueState state(Case::ticketCreated);
+    state.ticket_ = {std::move(remoteId), latestComment};
+    return state;
+}
+
+RequestQueueState RequestQueueState::requesting(RequestQueueState returnTo) {
+    RequestQueueState state(Case::requesting);
+    state.returnTo_ = std::make_shared<const RequestQueueState>(std::move(returnTo));
+    return state;
+}
+
+bool RequestQueueState::operator==(const RequestQueueState& other) const {
+    if (case_ != other.case_) return false;
+    switch (case_) {
+    case Case::ticketCreated:
+        return ticket_ == other.ticket_;
+    case Case::requesting:
+        return *returnTo_ == *other.returnTo_;
+    default:
+        return true;
+    }
+}
+
+std::string RequestQueueState::description() const {
+    switch (case_) {
+    case Case::ticketCreated:
+    {
+        std::ostringstream out;
+        out << "ticketCreated(" << ticket_.first << ", " << ticket_.second << ")";
+        return out.str();
+    }
+    case Case::requesting:
+        return "requesting(" + returnTo_->description() + ")";
+    case Case::initial:
+        return "initial";
+    case Case::dirty:
+        return "dirty";
+    }
+    return {};
+}
+
+std::optional<TicketInfo> ticketInfo(const RequestQueueState& state) {
+    switch (state.kind()) {
+    case RequestQueueState::Case::ticketCreated:
+        return state.ticket();
+    case RequestQueueState::Case::requesting:
+        return ticketInfo(state.returnState());
+    default:
+        return std::nullopt;
+    }
+}
+
+RequestQueueState started(const RequestQueueState& state) {
+    return state.isRequesting() ? state : RequestQueueState::requesting(state);
+}
+
+RequestQueueState reset(const RequestQueueState& state) {
+    return state.isRequesting() ? RequestQueueState::dirty() : RequestQueueState::initial();
+}
+
+RequestQueueState reduce(const RequestQueueState& state, const tivra::Action& result) {
+    // A result that arrives after a reset, or with nothing in flight, changes nothing.
+    if (!state.isRequesting()) return state;
+    if (const auto* created = tivra::actionAs<Actions::TicketCreated>(result))
+        return RequestQueueState::ticketCreated(created->remoteRequestId, created->remoteCreatedAt);
+    if (const auto* comment = tivra::actionAs<Actions::CommentCreated>(result)) {
+        if (auto ticket = ticketInfo(state)) return RequestQueueState::ticketCreated(ticket->first, comment->remoteCreatedAt);
+    }
+    return state.returnState();
+}
+
+} // namespace belvakit
