@@ -181,7 +181,10 @@ TEST_F(QueueMiddlewareTest, DetailsOnAKnownTicketFetchBeforeTheCommentAndConfigR
     details.body = "Hello";
     store_->dispatch(details);
     ASSERT_EQ(middleware_->requestOperations().size(), 2u);
-    EXPECT_NE(dynamic_cast<const FetchNewCommentsOperation*>(middleware_->requestOperations()[0].get()), nullptr);
+    const auto& fetch = *middleware_->requestOperations()[0];
+    EXPECT_NE(dynamic_cast<const FetchNewCommentsOperation*>(&fetch), nullptr);
+    EXPECT_EQ(fetch.id().size(), 36u) << "a UUID string";
+    EXPECT_EQ(fetch.id(), fetch.id());
     const auto* comment = dynamic_cast<const CommentRequestOperation*>(middleware_->requestOperations()[1].get());
     ASSERT_NE(comment, nullptr);
     EXPECT_EQ(comment->id(), "local-1");

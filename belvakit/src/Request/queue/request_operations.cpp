@@ -7,16 +7,13 @@
 #include "platform/clock.hpp"
 #include "platform/json.hpp"
 #include "platform/main_queue.hpp"
+#include "platform/uuid.hpp"
 
 #include <variant>
 
 namespace belvakit {
 
 namespace {
-
-std::shared_ptr<AttachmentUploader> freshUploader(std::shared_ptr<AttachmentUploader> given) {
-    return given ? std::move(given) : ConcreteAttachmentUploader::make();
-}
 
 std::shared_ptr<RequestProvider> freshProvider(std::shared_ptr<RequestProvider> given) {
     return given ? std::move(given) : makeRequestProvider();
@@ -30,10 +27,11 @@ std::vector<std::string> tokensOf(const UploadResults& uploads) {
 }
 
 // Uploads first when there is anything to upload; `then` gets the results, `failed` runs instead
-// when the batch fails.
-void uploadThen(const std::shared_ptr<AttachmentUploader>& uploader, std::vector<Upload::Attachment> attachments,
+// when the batch fails. The uploader is made only for a batch that needs one.
+void uploadThen(std::shared_ptr<AttachmentUploader>& uploader, std::vector<Upload::Attachment> attachments,
                 std::function<void(UploadResults)> then, std::function<void()> failed) {
     if (attachments.empty()) return then({});
+    if (!uploader) uploader = ConcreteAttachmentUploader::make();
     uploader->upload(std::move(attachments), [then = std::move(then), failed = std::move(failed)](UploadOutcome outcome) {
         if (auto* results = std::get_if<UploadResults>(&outcome)) return then(std::move(*results));
         failed();
@@ -82,7 +80,7 @@ TicketRequestOperation::TicketRequestOperation(std::string id, std::string text,
                                                std::shared_ptr<RequestProvider> provider,
                                                std::shared_ptr<AttachmentUploader> uploader)
     : body(std::move(text)), attachments(std::move(files)), requestProvider(freshProvider(std::move(provider))),
-      attachmentUploader(freshUploader(std::move(uploader))), config(std::move(configuration)), id_(std::move(id)) {}
+      attachmentUploader(std::move(uploader)), config(std::move(configuration)), id_(std::move(id)) {}
 
 void TicketRequestOperation::execute(std::optional<TicketInfo>) {
     dastrel::CRVCreateRequest request;
@@ -135,7 +133,7 @@ CommentRequestOperation::CommentRequestOperation(std::string id, std::string tex
                                                  std::shared_ptr<RequestProvider> provider,
                                                  std::shared_ptr<AttachmentUploader> uploader)
     : body(std::move(text)), attachments(std::move(files)), requestProvider(freshProvider(std::move(provider))),
-      attachmentUploader(freshUploader(std::move(uploader))), id_(std::move(id)) {}
+      attachmentUploader(std::move(uploader)), id_(std::move(id)) {}
 
 void CommentRequestOperation::execute(std::optional<TicketInfo> ticket) {
     if (!ticket) {
@@ -169,22 +167,28 @@ void CommentRequestOperation::addComment(const std::string& requestId, UploadRes
                 if (error) failure.error = error->code;
                 return self->finish(failure);
             }
-            auto success = std::make_shared<Actions::CommentCreated>();
-            success->localId = self->id_;
-            success->remoteCommentId = std::to_string(comment->commentId);
-            success->remoteCreatedAt = comment->createdAt > 0 ? comment->createdAt : platform::now();
-            success->attachments = sentAttachments(uploads);
+            Actions::CommentCreated success;
+            success.localId = self->id_;
+            success.remoteCommentId = std::to_string(comment->commentId);
+            success.remoteCreatedAt = comment->createdAt > 0 ? comment->createdAt : platform::now();
+            success.attachments = sentAttachments(uploads);
             auto& main = platform::MainQueue::shared();
-            if (main.isMainThread()) return self->finish(*success);
-            main.async([self, success] { self->finish(*success); });
+            if (main.isMainThread()) return self->finish(success);
+            main.async([self, success = std::move(success)] { self->finish(success); });
         });
 }
 
 // Fetching.
 
-FetchNewCommentsOperation::FetchNewCommentsOperation(std::string id, std::shared_ptr<RequestProvider> provider,
+FetchNewCommentsOperation::FetchNewCommentsOperation(std::optional<std::string> id,
+                                                     std::shared_ptr<RequestProvider> provider,
                                                      dastrel::RequestStorage* storage)
     : requestProvider(freshProvider(std::move(provider))), requestStorage(storage), id_(std::move(id)) {}
+
+const std::string& FetchNewCommentsOperation::id() const {
+    if (!id_) id_ = platform::uuidString();
+    return *id_;
+}
 
 void FetchNewCommentsOperation::execute(std::optional<TicketInfo> ticket) {
     if (!ticket) {

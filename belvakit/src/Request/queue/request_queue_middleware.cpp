@@ -4,7 +4,9 @@
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "dastrel/support.hpp"
 #include "platform/clock.hpp"
-#include "platform/uuid.hpp"
+#include "platform/main_queue.hpp"
+
+#include <typeinfo>
 
 namespace belvakit {
 
@@ -35,65 +37,87 @@ void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::
     namespace Q = RequestQueueActions;
     if (!dispatch_) dispatch_ = dispatch;
 
-    if (tivra::actionAs<Q::ResetQueue>(action)) {
+    // Every action of the store passes here; one type lookup keeps that cheap.
+    const std::type_info& type = typeid(action);
+    if (type == typeid(Q::ResetQueue)) {
         requestDispatchQueue().sync([this] { queueState_ = reset(queueState_); });
-    } else if (const auto* setId = tivra::actionAs<Q::SetRequestId>(action)) {
-        if (setId->id) {
-            const auto state = RequestQueueState::ticketCreated(*setId->id, platform::now());
+    } else if (type == typeid(Q::SetRequestId)) {
+        if (const auto& id = static_cast<const Q::SetRequestId&>(action).id) {
+            const auto state = RequestQueueState::ticketCreated(*id, platform::now());
             requestDispatchQueue().sync([this, &state] { queueState_ = state; });
         }
-    } else if (const auto* setConfig = tivra::actionAs<Q::SetConfig>(action)) {
-        config_ = setConfig->config;
-    } else if (const auto* operations = tivra::actionAs<Q::DispatchOperations>(action)) {
-        requestOperations_.insert(requestOperations_.end(), operations->operations.begin(), operations->operations.end());
+    } else if (type == typeid(Q::SetConfig)) {
+        config_ = static_cast<const Q::SetConfig&>(action).config;
+    } else if (type == typeid(Q::DispatchOperations)) {
+        const auto& operations = static_cast<const Q::DispatchOperations&>(action).operations;
+        requestOperations_.insert(requestOperations_.end(), operations.begin(), operations.end());
         process();
-    } else if (const auto* details = tivra::actionAs<Q::DispatchDetails>(action)) {
-        for (auto& operation : operationsFor(*details)) requestOperations_.push_back(std::move(operation));
+    } else if (type == typeid(Q::DispatchDetails)) {
+        enqueueOperationsFor(static_cast<const Q::DispatchDetails&>(action));
         process();
     }
     next(action);
 }
 
-std::vector<std::shared_ptr<RequestOperation>> RequestQueueMiddleWare::operationsFor(
-    const RequestQueueActions::DispatchDetails& details) const {
-    const auto state = queueState();
-    if (ticketInfo(state)) {
+void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details) {
+    // One capture keeps the block small enough to need no allocation.
+    struct {
+        bool hasTicket = false;
+        bool requesting = false;
+    } seen;
+    requestDispatchQueue().sync([this, &seen] {
+        seen.hasTicket = ticketInfo(queueState_).has_value();
+        seen.requesting = queueState_.isRequesting();
+    });
+    if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
         auto support = dastrel::Support::instance();
-        return {std::make_shared<FetchNewCommentsOperation>(platform::uuidString(), nullptr,
-                                                            support ? &support->requestStorage() : nullptr),
-                std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments)};
+        requestOperations_.push_back(std::make_shared<FetchNewCommentsOperation>(
+            std::nullopt, nullptr, support ? &support->requestStorage() : nullptr));
+        requestOperations_.push_back(
+            std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+    } else if (seen.requesting) {
+        // Whatever is in flight is the ticket's creation; this message will find the ticket.
+        requestOperations_.push_back(
+            std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+    } else {
+        requestOperations_.push_back(
+            std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_));
     }
-    // Whatever is in flight is the ticket's creation; this message will find the ticket.
-    if (state.isRequesting())
-        return {std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments)};
-    return {std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_)};
 }
 
 void RequestQueueMiddleWare::process() {
-    bool requesting = false;
-    requestDispatchQueue().sync([&] { requesting = queueState_.isRequesting(); });
     if (requestOperations_.empty()) {
         if (dispatch_) dispatch_(RequestQueueActions::QueueCompleted{});
         return;
     }
-    if (requesting) return;
+    // The waiting list changes only on this thread, so reading the state and marking it as in
+    // flight can share one visit to the queue.
+    struct {
+        bool requesting = false;
+        std::optional<TicketInfo> ticket;
+    } start;
+    requestDispatchQueue().sync([this, &start] {
+        start.requesting = queueState_.isRequesting();
+        if (start.requesting) return;
+        queueState_ = started(queueState_);
+        start.ticket = ticketInfo(queueState_);
+    });
+    if (start.requesting) return;
 
     auto operation = std::move(requestOperations_.front());
     requestOperations_.pop_front();
-    std::optional<TicketInfo> ticket;
-    requestDispatchQueue().sync([&] {
-        queueState_ = started(queueState_);
-        ticket = ticketInfo(queueState_);
-    });
+    // A provider may answer on any thread; the waiting list belongs to the main one.
     operation->setRequestBlock([weak = weak_from_this()](const tivra::Action& result) {
-        if (auto self = weak.lock()) self->complete(result);
+        platform::MainQueue::shared().sync([&] {
+            if (auto self = weak.lock()) self->complete(result);
+        });
     });
-    operation->execute(std::move(ticket));
+    operation->execute(std::move(start.ticket));
 }
 
 void RequestQueueMiddleWare::complete(const tivra::Action& result) {
-    requestDispatchQueue().sync([&] { queueState_ = reduce(queueState_, result); });
+    requestDispatchQueue().sync([this, &result] { queueState_ = reduce(queueState_, result); });
     if (dispatch_) dispatch_(result);
     process();
 }

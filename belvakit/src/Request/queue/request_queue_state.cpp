@@ -3,6 +3,7 @@
 #include "belvakit/Request/conversation/actions.hpp"
 
 #include <sstream>
+#include <typeinfo>
 
 namespace belvakit {
 
@@ -70,10 +71,15 @@ RequestQueueState reset(const RequestQueueState& state) {
 RequestQueueState reduce(const RequestQueueState& state, const tivra::Action& result) {
     // A result that arrives after a reset, or with nothing in flight, changes nothing.
     if (!state.isRequesting()) return state;
-    if (const auto* created = tivra::actionAs<Actions::TicketCreated>(result))
-        return RequestQueueState::ticketCreated(created->remoteRequestId, created->remoteCreatedAt);
-    if (const auto* comment = tivra::actionAs<Actions::CommentCreated>(result)) {
-        if (auto ticket = ticketInfo(state)) return RequestQueueState::ticketCreated(ticket->first, comment->remoteCreatedAt);
+    const std::type_info& type = typeid(result);
+    if (type == typeid(Actions::TicketCreated)) {
+        const auto& created = static_cast<const Actions::TicketCreated&>(result);
+        return RequestQueueState::ticketCreated(created.remoteRequestId, created.remoteCreatedAt);
+    }
+    if (type == typeid(Actions::CommentCreated)) {
+        if (auto ticket = ticketInfo(state))
+            return RequestQueueState::ticketCreated(ticket->first,
+                                                    static_cast<const Actions::CommentCreated&>(result).remoteCreatedAt);
     }
     return state.returnState();
 }

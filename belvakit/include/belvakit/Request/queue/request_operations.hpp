@@ -18,7 +18,8 @@ namespace belvakit {
 class TicketRequestOperation final : public RequestOperation,
                                      public std::enable_shared_from_this<TicketRequestOperation> {
 public:
-    // A null provider or uploader means a fresh one of the current core object.
+    // A null provider means a fresh one of the current core object; a null uploader, a fresh one
+    // made when there are files to upload.
     TicketRequestOperation(std::string id, std::string text, std::vector<Upload::Attachment> files,
                            RequestUiConfiguration configuration, std::shared_ptr<RequestProvider> provider = nullptr,
                            std::shared_ptr<AttachmentUploader> uploader = nullptr);
@@ -64,17 +65,20 @@ private:
 class FetchNewCommentsOperation final : public RequestOperation,
                                         public std::enable_shared_from_this<FetchNewCommentsOperation> {
 public:
-    explicit FetchNewCommentsOperation(std::string id, std::shared_ptr<RequestProvider> provider = nullptr,
+    // Without an id the operation gets a new UUID string, made when it is first asked for:
+    // nothing reads it on the way, and making one costs more than the rest of the queue's work.
+    explicit FetchNewCommentsOperation(std::optional<std::string> id = std::nullopt,
+                                       std::shared_ptr<RequestProvider> provider = nullptr,
                                        dastrel::RequestStorage* storage = nullptr);
 
-    const std::string& id() const override { return id_; }
+    const std::string& id() const override;
     void execute(std::optional<TicketInfo> ticket) override;
 
     std::shared_ptr<RequestProvider> requestProvider;
     dastrel::RequestStorage* requestStorage;
 
 private:
-    std::string id_;
+    mutable std::optional<std::string> id_;
 };
 
 // Remote attachment ids paired with the files sent, in upload order; "0" for an upload that

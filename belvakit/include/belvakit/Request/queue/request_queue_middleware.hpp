@@ -40,7 +40,7 @@ private:
     RequestQueueMiddleWare(std::deque<std::shared_ptr<RequestOperation>> requestOperations,
                            RequestQueueState queueState, RequestUiConfiguration config);
 
-    std::vector<std::shared_ptr<RequestOperation>> operationsFor(const RequestQueueActions::DispatchDetails& details) const;
+    void enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details);
     void complete(const tivra::Action& result);
     const platform::SerialQueue& requestDispatchQueue() const;
 
