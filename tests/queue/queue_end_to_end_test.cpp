@@ -174,7 +174,7 @@ TEST_F(QueueEndToEndTest, AFailedUploadFailsTheMessageAndTheQueueGoesOn) {
 // exactly once, the help desk holds the delivered ones once each and in send order, and the
 // queue always runs dry.
 TEST_F(QueueEndToEndTest, SoakWithFailuresAndLatenciesKeepsOrderAndNeverSendsTwice) {
-    constexpr int seeds = 40;
+    constexpr int seeds = 200;
     constexpr int messagesPerSeed = 12;
     int deliveredInAll = 0, failedInAll = 0;
     for (unsigned seed = 1; seed <= seeds; ++seed) {

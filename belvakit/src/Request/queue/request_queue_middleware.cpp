@@ -2,7 +2,6 @@
 
 #include "belvakit/Request/queue/request_operations.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
-#include "dastrel/support.hpp"
 #include "platform/clock.hpp"
 #include "platform/main_queue.hpp"
 
@@ -71,9 +70,7 @@ void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::Dis
     });
     if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
-        auto support = dastrel::Support::instance();
-        requestOperations_.push_back(std::make_shared<FetchNewCommentsOperation>(
-            std::nullopt, nullptr, support ? &support->requestStorage() : nullptr));
+        requestOperations_.push_back(std::make_shared<FetchNewCommentsOperation>());
         requestOperations_.push_back(
             std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
     } else if (seen.requesting) {

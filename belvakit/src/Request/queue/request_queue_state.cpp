@@ -13,22 +13,18 @@ RequestQueueState RequestQueueState::ticketCreated(std::string remoteId, Date la
     return state;
 }
 
-RequestQueueState RequestQueueState::requesting(RequestQueueState returnTo) {
+RequestQueueState RequestQueueState::requesting(const RequestQueueState& returnTo) {
+    if (returnTo.isRequesting()) return returnTo;
     RequestQueueState state(Case::requesting);
-    state.returnTo_ = std::make_shared<const RequestQueueState>(std::move(returnTo));
+    state.returnCase_ = returnTo.case_;
+    state.ticket_ = returnTo.ticket_;
     return state;
 }
 
-bool RequestQueueState::operator==(const RequestQueueState& other) const {
-    if (case_ != other.case_) return false;
-    switch (case_) {
-    case Case::ticketCreated:
-        return ticket_ == other.ticket_;
-    case Case::requesting:
-        return *returnTo_ == *other.returnTo_;
-    default:
-        return true;
-    }
+RequestQueueState RequestQueueState::returnState() const {
+    RequestQueueState state(returnCase_);
+    state.ticket_ = ticket_;
+    return state;
 }
 
 std::string RequestQueueState::description() const {
@@ -40,7 +36,7 @@ std::string RequestQueueState::description() const {
         return out.str();
     }
     case Case::requesting:
-        return "requesting(" + returnTo_->description() + ")";
+        return "requesting(" + returnState().description() + ")";
     case Case::initial:
         return "initial";
     case Case::dirty:
@@ -54,7 +50,8 @@ std::optional<TicketInfo> ticketInfo(const RequestQueueState& state) {
     case RequestQueueState::Case::ticketCreated:
         return state.ticket();
     case RequestQueueState::Case::requesting:
-        return ticketInfo(state.returnState());
+        if (state.returnState().kind() == RequestQueueState::Case::ticketCreated) return state.ticket();
+        return std::nullopt;
     default:
         return std::nullopt;
     }

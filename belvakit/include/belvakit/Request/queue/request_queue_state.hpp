@@ -4,7 +4,6 @@
 #include "belvakit/date.hpp"
 #include "tivra/action.hpp"
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,24 +18,26 @@ public:
     static RequestQueueState dirty() { return RequestQueueState(Case::dirty); }
     static RequestQueueState ticketCreated(std::string remoteId, Date latestComment);
     // An operation is in flight; `returnTo` is the state it left.
-    static RequestQueueState requesting(RequestQueueState returnTo);
+    static RequestQueueState requesting(const RequestQueueState& returnTo);
 
     Case kind() const { return case_; }
     bool isRequesting() const { return case_ == Case::requesting; }
-    // `ticketCreated` only.
+    // `ticketCreated`, or `requesting` that returns to it.
     const TicketInfo& ticket() const { return ticket_; }
     // `requesting` only.
-    const RequestQueueState& returnState() const { return *returnTo_; }
+    RequestQueueState returnState() const;
 
-    bool operator==(const RequestQueueState& other) const;
+    bool operator==(const RequestQueueState& other) const = default;
     std::string description() const;
 
 private:
     explicit RequestQueueState(Case value) : case_(value) {}
 
+    // An operation in flight keeps the state it returns to here rather than in a nested value,
+    // since nothing is ever in flight twice: no allocation per operation.
     Case case_;
+    Case returnCase_ = Case::initial;
     TicketInfo ticket_;
-    std::shared_ptr<const RequestQueueState> returnTo_;
 };
 
 // The recorded ticket, looking through an operation in flight.
