@@ -8,9 +8,15 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <ostream>
 
 using namespace belvakit;
 using State = RequestQueueState;
+
+namespace belvakit {
+// Failures name the state rather than dumping its bytes.
+void PrintTo(const RequestQueueState& state, std::ostream* out) { *out << state.description(); }
+} // namespace belvakit
 
 namespace {
 
