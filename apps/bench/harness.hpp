@@ -29,5 +29,6 @@ struct Metric {
 std::vector<Metric> storeMetrics();
 std::vector<Metric> conversationMetrics();
 std::vector<Metric> richtextMetrics();
+std::vector<Metric> queueMetrics();
 
 } // namespace bench

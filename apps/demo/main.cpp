@@ -1,27 +1,135 @@
-// belva-demo: a host application on the embedded help desk.
+// belva-demo: a host application on the embedded help desk. It opens a ticket with an attachment,
+// adds a comment, lets the simulated agent answer, and prints what the send queue did and what the
+// help desk holds.
+#include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/queue/local_id_store.hpp"
+#include "belvakit/Request/queue/request_fetcher.hpp"
+#include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "engine_dialog.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/entry/support_ui.hpp"
 #include "belvakit/entry/version.hpp"
+#include "platform/main_queue.hpp"
+#include "platform/uuid.hpp"
 #include "sandbox/help_desk.hpp"
-#include "tivra/logger_middleware.hpp"
 
 #include <filesystem>
 #include <iostream>
+#include <optional>
+#include <string>
 #include <string_view>
+
+namespace {
+
+using namespace belvakit;
+
+// Prints the outcome of every send as the shared store sees it.
+void printQueueAction(const tivra::Action& action) {
+    if (const auto* ticket = tivra::actionAs<Actions::TicketCreated>(action)) {
+        std::cout << "  ticket created: local " << ticket->localId << " -> request " << ticket->remoteRequestId
+                  << ", first comment " << ticket->remoteCommentId << ", " << ticket->attachments.size()
+                  << " attachment(s)\n";
+    } else if (const auto* comment = tivra::actionAs<Actions::CommentCreated>(action)) {
+        std::cout << "  comment created: local " << comment->localId << " -> comment " << comment->remoteCommentId
+                  << "\n";
+    } else if (const auto* fetched = tivra::actionAs<Actions::NewCommentsFetched>(action)) {
+        std::cout << "  fetched " << fetched->comments.size() << " new comment(s)\n";
+    } else if (const auto* failed = tivra::actionAs<Actions::TicketCreationError>(action)) {
+        std::cout << "  ticket creation failed: " << failed->id << "\n";
+    } else if (const auto* commentFailed = tivra::actionAs<Actions::CommentCreationError>(action)) {
+        std::cout << "  comment failed: " << commentFailed->id << "\n";
+    } else if (const auto* uploadFailed = tivra::actionAs<Actions::AttachmentsUploadError>(action)) {
+        std::cout << "  upload failed: " << uploadFailed->id << "\n";
+    } else if (tivra::actionAs<RequestQueueActions::QueueCompleted>(action)) {
+        std::cout << "  queue completed\n";
+    }
+}
+
+// Sends one message through the queue and runs the main loop until the queue is dry.
+bool send(const std::string& id, const std::string& body, std::vector<Upload::Attachment> attachments,
+          int& completed) {
+    std::cout << "send \"" << body << "\"" << (attachments.empty() ? "" : " with ")
+              << (attachments.empty() ? "" : std::to_string(attachments.size()) + " attachment(s)") << "\n";
+    RequestQueueActions::DispatchDetails details;
+    details.id = id;
+    details.body = body;
+    details.attachments = std::move(attachments);
+    const int before = completed;
+    sharedStore()->dispatch(details);
+    return platform::MainQueue::shared().runUntil([&] { return completed > before; });
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     if (argc > 1 && std::string_view(argv[1]) == "--engine") return belvademo::runEngineDialog();
     const auto storage = std::filesystem::temp_directory_path() / "belva-demo";
+    std::filesystem::remove_all(storage);
     auto helpDesk = sandbox::HelpDesk::make({.storageDirectory = storage});
     auto core = helpDesk->initializeCorvane(corvane::Identity::createAnonymous("Demo User", "demo@example.com"));
-
-    belvakit::SupportUI::initialize(core);
-    std::cout << "BelvaKit " << belvakit::libraryVersion() << " on the embedded help desk at "
+    SupportUI::initialize(core);
+    std::cout << "BelvaKit " << libraryVersion() << " on the embedded help desk at "
               << core->accountDetails().accountUrl << "\n";
 
-    const auto store = belvakit::sharedStore();
-    std::cout << "Shared store: " << tivra::describe(store->state()) << "\n";
-    for (const auto& key : store->state().keys()) std::cout << "  " << key << "\n";
+    // The simulated agent answers every comment of the user after a short while.
+    auto& desk = *helpDesk->tickets();
+    const auto agent = desk.addAgent("Sam from Support");
+    desk.setAutoReply(agent.userId, [](const dastrel::CRVRequest&, const dastrel::CRVComment& comment) {
+        return std::optional<sandbox::TicketDesk::Reply>(sandbox::TicketDesk::Reply{
+            "Thanks, I am looking into \"" + comment.body + "\".", "<p>Thanks, I am looking into it.</p>",
+            platform::milliseconds(200)});
+    });
+
+    int completed = 0;
+    auto subscription = sharedStore()->addActionListener([&](const tivra::Action& action) {
+        if (tivra::actionAs<RequestQueueActions::QueueCompleted>(action)) ++completed;
+        printQueueAction(action);
+    });
+
+    const auto ticketLocalId = platform::uuidString();
+    const Upload::Attachment receipt{"Order 1234, paid 2023-11-14", platform::uuidString(), FileType::txt,
+                                     "receipt.txt"};
+    bool ok = send(ticketLocalId, "My order never arrived.", {receipt}, completed);
+    ok = ok && send(platform::uuidString(), "It was order 1234.", {}, completed);
+
+    const auto requests = desk.requests();
+    if (!ok || requests.empty()) {
+        std::cout << "the help desk has no ticket; giving up\n";
+        subscription.removeListener();
+        return 1;
+    }
+    const auto requestId = requests.front().requestId;
+    auto agentAnswered = [&] {
+        for (const auto& comment : desk.comments(requestId))
+            if (comment.authorId == agent.userId) return true;
+        return false;
+    };
+    platform::MainQueue::shared().runUntil(agentAnswered);
+
+    // The id map that lets the device find this conversation again after a restart.
+    LocalIDStore ids;
+    ids.remoteToLocal[requestId] = ticketLocalId;
+    ids.addLocalId(ticketLocalId);
+
+    std::optional<std::vector<Request::Comment>> conversation;
+    RequestFetcher().fetchComments(requestId, [&](auto comments) { conversation = std::move(comments); });
+    platform::MainQueue::shared().runUntil([&] { return conversation.has_value(); });
+
+    std::cout << "\nrequest " << requestId << " (" << desk.requests().front().status << ")\n";
+    for (const auto& comment : conversation.value_or(std::vector<Request::Comment>{})) {
+        std::cout << "  [" << comment.id << "] " << comment.name << (comment.isAgent ? " (agent)" : "") << ": "
+                  << comment.body << "\n";
+        for (const auto& file : comment.attachments)
+            std::cout << "      attachment " << file.fileName << ", " << file.fileSize << " bytes, " << file.fileUrl
+                      << "\n";
+    }
+
+    // Conversation rows: printed here from the shared store's RequestTableState once the
+    // conversation table reducer is in the shared store.
+
+    // List cell: printed here from the ticket's request list cell data once the list cells exist.
+
+    std::cout << "\nid map: request " << requestId << " -> local " << ids.remoteToLocal.at(requestId) << "\n";
+    subscription.removeListener();
     return 0;
 }

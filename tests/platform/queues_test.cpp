@@ -98,6 +98,34 @@ TEST(SerialQueue, RunsOneItemAtATimeInOrder) {
     EXPECT_EQ(maxConcurrent, 1);
 }
 
+TEST(SerialQueue, SyncRunsOnTheCallersThreadAfterQueuedWorkAndHoldsTheQueue) {
+    SerialQueue queue("RequestQueue");
+    std::atomic<bool> slowDone = false;
+    queue.async([&] {
+        for (int i = 0; i < 1000; ++i) std::this_thread::yield();
+        slowDone = true;
+    });
+    const auto caller = std::this_thread::get_id();
+    std::thread::id ranOn;
+    bool wasCurrent = false;
+    bool sawSlowDone = false;
+    queue.sync([&] {
+        ranOn = std::this_thread::get_id();
+        wasCurrent = queue.isCurrent();
+        sawSlowDone = slowDone;
+    });
+    EXPECT_EQ(ranOn, caller);
+    EXPECT_TRUE(wasCurrent);
+    EXPECT_TRUE(sawSlowDone) << "sync waits for the work queued before it";
+    EXPECT_FALSE(queue.isCurrent());
+
+    // Work queued while a sync item runs goes on afterwards, on the pool.
+    std::atomic<bool> after = false;
+    queue.sync([&] { queue.async([&] { after = true; }); });
+    queue.sync([] {});
+    EXPECT_TRUE(after);
+}
+
 TEST(DispatchGroup, NotifiesOnceEveryMemberLeftAndAtOnceWhenEmpty) {
     DispatchGroup group;
     std::atomic<int> done = 0;

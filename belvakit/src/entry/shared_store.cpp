@@ -1,6 +1,7 @@
 #include "belvakit/entry/shared_store.hpp"
 
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
+#include "belvakit/Request/queue/request_queue_middleware.hpp"
 #include "tivra/async.hpp"
 #include "tivra/tivra.hpp"
 
@@ -23,6 +24,7 @@ std::shared_ptr<tivra::CombinedReducer> makeReducer() {
 std::shared_ptr<tivra::Middleware> makeMiddleware() {
     std::shared_ptr<tivra::Middleware> chain = std::make_shared<tivra::CombinedMiddleWare>();
     chain = chain + std::make_shared<tivra::AsyncMiddleware>();
+    chain = chain + RequestQueueMiddleWare::make({}, RequestQueueState::initial(), RequestUiConfiguration());
     return chain;
 }
 

@@ -1,8 +1,40 @@
 #pragma once
 
+#include "belvakit/Request/queue/request_operation.hpp"
+#include "belvakit/attachments/upload.hpp"
+#include "belvakit/entry/ui_configurations.hpp"
 #include "tivra/action.hpp"
 
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// What screens ask of the send queue; they never call the provider to send.
 namespace belvakit::RequestQueueActions {
+
+// Send a message.
+struct DispatchDetails final : tivra::Action {
+    std::string id;
+    std::string body;
+    std::vector<Upload::Attachment> attachments;
+};
+
+// Run these operations after the waiting ones.
+struct DispatchOperations final : tivra::Action {
+    std::vector<std::shared_ptr<RequestOperation>> operations;
+};
+
+struct SetConfig final : tivra::Action {
+    RequestUiConfiguration config;
+};
+
+// A ticket is already known.
+struct SetRequestId final : tivra::Action {
+    std::optional<std::string> id;
+};
+
+struct ResetQueue final : tivra::Action {};
 
 // The send queue has run dry.
 struct QueueCompleted final : tivra::Action {};
