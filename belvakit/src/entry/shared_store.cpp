@@ -1,5 +1,6 @@
 #include "belvakit/entry/shared_store.hpp"
 
+#include "belvakit/Request/conversation/request_table_reducer.hpp"
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "tivra/async.hpp"
 #include "tivra/tivra.hpp"
@@ -12,6 +13,7 @@ namespace {
 // RequestContainerState, CreateRequestState. Each subsystem adds its reducer at its place.
 std::shared_ptr<tivra::CombinedReducer> makeReducer() {
     auto reducer = tivra::CombinedReducer::empty();
+    reducer = reducer + std::make_shared<RequestTableReducer>();
     reducer = reducer + std::make_shared<CreateRequestReducer>();
     return reducer;
 }
