@@ -27,5 +27,6 @@ struct Metric {
 
 // Each subsystem's file gives its metrics; main.cpp lists the functions.
 std::vector<Metric> storeMetrics();
+std::vector<Metric> tableMetrics();
 
 } // namespace bench

@@ -13,7 +13,7 @@ namespace {
 
 std::vector<bench::Metric> allMetrics() {
     std::vector<bench::Metric> all;
-    for (auto&& group : {bench::storeMetrics()})
+    for (auto&& group : {bench::storeMetrics(), bench::tableMetrics()})
         for (auto& metric : group) all.push_back(metric);
     return all;
 }

@@ -1,5 +1,6 @@
 #include "belvakit/Request/conversation/request_table_state.hpp"
 
+#include "belvakit/Request/conversation/message_equality.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "platform/base64.hpp"
 #include "table_fixtures.hpp"
@@ -133,4 +134,42 @@ TEST(RequestTableState, EqualityLooksAtActionTypeClosedFlagAndMessageRows) {
     right = left;
     right.tableData.push_back(text("u2", t0));
     EXPECT_NE(left, right);
+}
+
+namespace {
+
+std::vector<CellItem> stepByStep(const RequestTableState& state) {
+    return appendingClosedMessage(insertingSystemMessage(dateRows(groupedMessages(state.tableData)), state), state);
+}
+
+bool sameRows(const std::vector<CellItem>& left, const std::vector<CellItem>& right) {
+    if (left.size() != right.size()) return false;
+    for (std::size_t i = 0; i < left.size(); ++i)
+        if (!(EquatableCellItem(left[i]) == EquatableCellItem(right[i]))) return false;
+    return true;
+}
+
+} // namespace
+
+TEST_F(RequestTableRows, RecomputeIsTheFourStepsInOrder) {
+    const std::vector<std::vector<Message>> conversations{
+        {},
+        {text("u1", t0)},
+        {agent("a1", t0), agent("a2", t0 + 86400), text("u1", t0 + 86401), image("i1", "u1", t0 + 86402)},
+        {text("u1", t0, DeliveryStatus::failed), text("u2", t0 + 1), image("i1", "u2", t0 + 2), image("i2", "u2", t0 + 3),
+         agent("a1", t0 + 200000), text("u3", t0 + 5, DeliveryStatus::lastDelivered)},
+        {image("i9", "u9", t0 - 5), text("u9", t0 + 1), image("i8", "u9", t0 + 2)},  // attachment before its text
+        {text("u1", 10), text("u2", 20)},  // on the first day of 1970: no date row
+    };
+    for (const auto& messages : conversations) {
+        for (const bool closed : {false, true}) {
+            for (const auto& notice : {std::optional<std::string>(), std::optional<std::string>("Notice")}) {
+                auto state = stateWith(messages);
+                state.ticketClosed = closed;
+                state.systemMessage = notice;
+                EXPECT_TRUE(sameRows(recompute(state.tableData, state), stepByStep(state)))
+                    << messages.size() << " messages, closed " << closed << ", notice " << notice.has_value();
+            }
+        }
+    }
 }

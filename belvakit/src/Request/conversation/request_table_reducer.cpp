@@ -4,6 +4,7 @@
 #include "belvakit/Request/queue/comment_mapping.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 #include <unordered_map>
 
@@ -51,6 +52,12 @@ const std::string* parentIdOf(const Message& message) {
                 return nullptr;
         },
         message);
+}
+
+// Inline, as the merge asks it of every local row.
+bool isAttachment(const Message& message) {
+    return std::holds_alternative<UserImage>(message) || std::holds_alternative<AgentImage>(message) ||
+           std::holds_alternative<UserFile>(message) || std::holds_alternative<AgentFile>(message);
 }
 
 bool isChildOf(const Message& message, const std::string& parentId) {
@@ -149,13 +156,16 @@ std::vector<Message> mergeMessages(const std::vector<Message>& remoteMessages, c
     result.reserve(local.size() + remote.size());
     std::size_t i = 0;
     std::size_t j = 0;
+    const std::string* remoteKey = nullptr;
+    constexpr auto noRemoteKey = std::numeric_limits<std::size_t>::max();
+    std::size_t remoteKeyOf = noRemoteKey;
     while (i < local.size()) {
         if (j >= remote.size()) {
             result.insert(result.end(), local.begin() + static_cast<std::ptrdiff_t>(i), local.end());
             return result;
         }
         const Message& localMessage = local[i];
-        if (hasAttachment(localMessage)) {
+        if (isAttachment(localMessage)) {
             // The attachments of one comment come back from the server in any order.
             if (const auto paired = map.find(id(localMessage)); paired != map.end()) {
                 const auto match = std::find_if(remote.begin(), remote.end(),
@@ -163,13 +173,19 @@ std::vector<Message> mergeMessages(const std::vector<Message>& remoteMessages, c
                 if (match != remote.end()) {
                     result.push_back(mergedMessage(*match, localMessage));
                     remote.erase(match);
+                    remoteKeyOf = noRemoteKey;
                     ++i;
                     continue;
                 }
             }
         }
         const Message& remoteMessage = remote[j];
-        if (mappedId(id(localMessage), map) == mappedId(id(remoteMessage), map) || id(localMessage) == id(remoteMessage)) {
+        // A long local history often meets the same remote row: look its key up once.
+        if (remoteKeyOf != j) {
+            remoteKey = &mappedId(id(remoteMessage), map);
+            remoteKeyOf = j;
+        }
+        if (mappedId(id(localMessage), map) == *remoteKey || id(localMessage) == id(remoteMessage)) {
             result.push_back(mergedMessage(remoteMessage, localMessage));
             ++i;
             ++j;
