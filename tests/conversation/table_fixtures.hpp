@@ -11,27 +11,16 @@
 namespace table_fixtures {
 
 using namespace belvakit;
+using Strings = std::vector<std::string>;
 
-// 2023-11-14 22:13:20 UTC.
-inline constexpr Date t0 = 1700000000;
+inline constexpr Date t0 = 1700000000;  // 2023-11-14 22:13:20 UTC
 
 inline UserMessage text(std::string id, Date at, DeliveryStatus status = DeliveryStatus::delivered) {
-    UserMessage message;
-    message.id = std::move(id);
-    message.status = status;
-    message.body = "body of " + message.id;
-    message.createdAt = at;
-    return message;
+    return UserMessage{id, status, "body of " + id, std::nullopt, at, false};
 }
 
-inline AgentMessage agent(std::string id, Date at, std::int64_t userID = 7, std::string name = "Ada") {
-    AgentMessage message;
-    message.id = std::move(id);
-    message.body = "agent says " + message.id;
-    message.createdAt = at;
-    message.userID = userID;
-    message.name = std::move(name);
-    return message;
+inline AgentMessage agent(std::string id, Date at, std::int64_t userID = 7) {
+    return AgentMessage{id, "agent says " + id, std::nullopt, at, userID, "Ada", std::nullopt, false};
 }
 
 inline UserImage image(std::string id, std::string parentId, Date at, DeliveryStatus status = DeliveryStatus::delivered) {
@@ -45,32 +34,27 @@ inline UserImage image(std::string id, std::string parentId, Date at, DeliverySt
     return message;
 }
 
-inline std::vector<std::string> ids(const std::vector<Message>& messages) {
-    std::vector<std::string> out;
+inline Strings ids(const std::vector<Message>& messages) {
+    Strings out;
     for (const auto& message : messages) out.push_back(id(message));
     return out;
 }
 
-inline std::vector<std::string> rowIds(const std::vector<CellItem>& rows) {
-    std::vector<std::string> out;
-    for (const auto& row : rows) {
-        if (std::holds_alternative<DateItem>(row))
-            out.push_back("date");
-        else if (std::holds_alternative<SystemMessage>(row))
-            out.push_back("system");
-        else
-            out.push_back(id(row));
-    }
+// Date and system rows show as "date" and "system".
+inline Strings rowIds(const std::vector<CellItem>& rows) {
+    Strings out;
+    for (const auto& row : rows)
+        out.push_back(type(row) == EventType::date ? "date" : type(row) == EventType::systemMessage ? "system" : id(row));
     return out;
 }
 
-inline const Message& find(const std::vector<Message>& messages, const std::string& wanted) {
+inline std::optional<DeliveryStatus> statusOf(const std::vector<Message>& messages, const std::string& wanted) {
     for (const auto& message : messages)
-        if (id(message) == wanted) return message;
-    throw std::runtime_error("no message " + wanted);
+        if (id(message) == wanted) return status(message);
+    return std::nullopt;
 }
 
-// Runs each test in a fixed calendar and restores the process's one afterwards.
+// Each test runs in UTC; the process's calendar comes back afterwards.
 class FixedCalendar : public ::testing::Test {
 protected:
     void SetUp() override { platform::Calendar::setCurrent(platform::Calendar("en_US", "UTC")); }

@@ -56,15 +56,8 @@ TEST(WallClock, TestsCanFixTheTime) {
 
 TEST(Calendar, DayIntervalIsTheLocalDayAroundTheInstant) {
     const Calendar berlin("en_US", "Europe/Berlin");
-    const double noon = 1700046000;  // 2023-11-15 12:00 in Berlin (UTC+1)
-    const auto day = berlin.dayInterval(noon);
-    ASSERT_TRUE(day);
-    EXPECT_EQ(day->first, 1700002800);   // 00:00 Berlin
-    EXPECT_EQ(day->second, 1700089200);  // the next midnight
-    EXPECT_TRUE(berlin.isSameDay(day->first, noon));
-    EXPECT_FALSE(berlin.isSameDay(day->first - 1, noon));
-    // A day of 23 hours where the clocks go forward.
-    const auto shortDay = berlin.dayInterval(1711886400);  // 2024-03-31 14:00 Berlin
+    EXPECT_EQ(berlin.dayInterval(1700046000), std::pair(1700002800.0, 1700089200.0));  // 15 Nov 2023, UTC+1
+    const auto shortDay = berlin.dayInterval(1711886400);  // 31 Mar 2024, clocks go forward
     ASSERT_TRUE(shortDay);
     EXPECT_EQ(shortDay->second - shortDay->first, 23 * 3600);
 }

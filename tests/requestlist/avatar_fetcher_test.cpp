@@ -6,17 +6,15 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <thread>
 
 using namespace belvakit;
 
 namespace {
 
-// Answers from another thread, as a network provider does.
+// Answers from another thread, as a network provider does; an empty answer is a failure.
 class FakeProvider final : public AttachmentsProvider {
 public:
-    // An empty answer is a failure.
     explicit FakeProvider(std::string answer) : answer_(std::move(answer)) {}
     void getAttachment(const std::string& url, Completion completion) override {
         requested.push_back(url);
@@ -33,67 +31,48 @@ private:
     std::string answer_;
 };
 
-std::string pngBytes() { return *platform::encodePNG(*platform::makeImage(3, 2)); }
+const AgentAvatarInfo ada{"https://avatars/people/7.png", nullptr, "42", "Ada", 7};
 
-AgentAvatarInfo ada() { return AgentAvatarInfo{"https://avatars/people/7.png", nullptr, "42", "Ada", 7}; }
-
-struct Outcome {
-    std::optional<AgentAvatarInfo> info;
-    bool fromNetwork = false;
-    bool onMainThread = false;
-};
-
-Outcome fetch(const AvatarFetcher& fetcher, const AgentAvatarInfo& info) {
-    Outcome outcome;
+std::pair<AgentAvatarInfo, bool> fetch(const AvatarFetcher& fetcher, const AgentAvatarInfo& info) {
+    std::optional<std::pair<AgentAvatarInfo, bool>> outcome;
     fetcher.fetch(info, [&](AgentAvatarInfo result, bool fromNetwork) {
-        outcome = {std::move(result), fromNetwork, platform::MainQueue::shared().isMainThread()};
+        EXPECT_TRUE(platform::MainQueue::shared().isMainThread());
+        outcome.emplace(std::move(result), fromNetwork);
     });
-    EXPECT_TRUE(testing_support::pumpMainQueueUntil([&] { return outcome.info.has_value(); }));
-    return outcome;
+    EXPECT_TRUE(testing_support::pumpMainQueueUntil([&] { return outcome.has_value(); }));
+    return *outcome;
 }
 
 } // namespace
 
-TEST(AvatarFetcher, DownloadsOnceAndThenServesFromTheCache) {
+TEST(AvatarFetcher, DownloadsOnceThenServesFromTheCache) {
     testing_support::TemporaryDirectory directory;
     auto cache = std::make_shared<ConcreteCache>(directory.path(), true);
-    auto provider = std::make_shared<FakeProvider>(pngBytes());
+    auto provider = std::make_shared<FakeProvider>(*platform::encodePNG(*platform::makeImage(3, 2)));
     const AvatarFetcher fetcher{provider, cache};
-
-    const auto first = fetch(fetcher, ada());
-    ASSERT_TRUE(first.info->avatarImage);
-    EXPECT_EQ(first.info->avatarImage->width, 3);
-    EXPECT_TRUE(first.fromNetwork);
-    EXPECT_TRUE(first.onMainThread);
-    EXPECT_EQ(first.info->agentName, "Ada");
-
-    std::atomic<bool> stored = false;
-    cache->run([&] { stored = true; });
-    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return stored.load(); }));
+    const auto [first, downloaded] = fetch(fetcher, ada);
+    ASSERT_TRUE(first.avatarImage);
+    EXPECT_EQ(first.avatarImage->width, 3);
+    EXPECT_TRUE(downloaded);
+    bool stored = false;
+    cache->run([&] { platform::MainQueue::shared().async([&] { stored = true; }); });
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return stored; }));
     EXPECT_TRUE(cache->fileURL("https:avatarspeople7.png"));
-
-    const auto second = fetch(fetcher, ada());
-    ASSERT_TRUE(second.info->avatarImage);
-    EXPECT_FALSE(second.fromNetwork);
-    EXPECT_EQ(provider->requested, (std::vector<std::string>{"https://avatars/people/7.png"}));
+    const auto [second, downloadedAgain] = fetch(fetcher, ada);
+    EXPECT_TRUE(second.avatarImage);
+    EXPECT_FALSE(downloadedAgain);
+    EXPECT_EQ(provider->requested.size(), 1u);
 }
 
-TEST(AvatarFetcher, FailuresAndMissingUrlsLeaveTheInfoWithoutImage) {
+TEST(AvatarFetcher, FailuresJunkAndMissingUrlsLeaveTheInfoWithoutImage) {
     testing_support::TemporaryDirectory directory;
     auto cache = std::make_shared<ConcreteCache>(directory.path(), true);
-    auto failing = std::make_shared<FakeProvider>("");
-    const auto failed = fetch(AvatarFetcher{failing, cache}, ada());
-    EXPECT_FALSE(failed.info->avatarImage);
-    EXPECT_FALSE(failed.fromNetwork);
-
-    auto garbage = std::make_shared<FakeProvider>(std::string("not an image"));
-    const auto unreadable = fetch(AvatarFetcher{garbage, cache}, ada());
-    EXPECT_FALSE(unreadable.info->avatarImage);
-    EXPECT_FALSE(cache->fileURL(avatarCacheKey("https://avatars/people/7.png"))) << "junk is not cached";
-
-    auto noUrl = ada();
+    EXPECT_FALSE(fetch(AvatarFetcher{std::make_shared<FakeProvider>(""), cache}, ada).first.avatarImage);
+    EXPECT_FALSE(fetch(AvatarFetcher{std::make_shared<FakeProvider>("not an image"), cache}, ada).first.avatarImage);
+    EXPECT_FALSE(cache->fileURL(avatarCacheKey(*ada.avatarUrl))) << "junk is not cached";
+    auto noUrl = ada;
     noUrl.avatarUrl.reset();
-    const auto skipped = fetch(AvatarFetcher{failing, cache}, noUrl);
-    EXPECT_EQ(*skipped.info, noUrl);
-    EXPECT_EQ(failing->requested.size(), 1u);
+    auto provider = std::make_shared<FakeProvider>("x");
+    EXPECT_EQ(fetch(AvatarFetcher{provider, cache}, noUrl).first, noUrl);
+    EXPECT_TRUE(provider->requested.empty());
 }
