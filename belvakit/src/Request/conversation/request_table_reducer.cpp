@@ -43,17 +43,6 @@ RequestTableState withLastAction(const RequestTableState& state, ActionTypes act
     return next;
 }
 
-const std::string* parentIdOf(const Message& message) {
-    return std::visit(
-        [](const auto& record) -> const std::string* {
-            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
-                return &record.parentId;
-            else
-                return nullptr;
-        },
-        message);
-}
-
 // Inline, as the merge asks it of every local row.
 bool isAttachment(const Message& message) {
     return std::holds_alternative<UserImage>(message) || std::holds_alternative<AgentImage>(message) ||

@@ -16,17 +16,6 @@ SystemMessage systemRow(const std::string& text) {
     return SystemMessage{platform::base64Encode(text), text};
 }
 
-const std::string* parentIdOf(const Message& message) {
-    return std::visit(
-        [](const auto& record) -> const std::string* {
-            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
-                return &record.parentId;
-            else
-                return nullptr;
-        },
-        message);
-}
-
 bool isDeliveredUserText(const Message& message) {
     const auto* text = std::get_if<UserMessage>(&message);
     return text && (text->status == DeliveryStatus::delivered || text->status == DeliveryStatus::lastDelivered);
