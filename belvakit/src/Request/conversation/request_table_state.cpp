@@ -119,7 +119,7 @@ std::vector<CellItem> recompute(const std::vector<Message>& tableData, const Req
     enterDay(0);
     for (std::size_t i = 0; i < tableData.size(); ++i) {
         const Message& message = tableData[i];
-        const Date date = createdAt(message);
+        const Date date = std::visit([](const auto& record) { return record.createdAt; }, message);
         const bool sameDay = knownDay ? dayStart <= date && date < dayEnd : calendar.isSameDay(date, runningDate);
         if (!sameDay) {
             enterDay(date);
