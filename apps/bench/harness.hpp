@@ -30,5 +30,6 @@ std::vector<Metric> storeMetrics();
 std::vector<Metric> conversationMetrics();
 std::vector<Metric> richtextMetrics();
 std::vector<Metric> queueMetrics();
+std::vector<Metric> tableMetrics();
 
 } // namespace bench

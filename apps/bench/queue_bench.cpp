@@ -7,7 +7,7 @@
 #include "harness.hpp"
 
 #include "belvakit/Request/conversation/actions.hpp"
-#include "belvakit/Request/queue/comment_conversion.hpp"
+#include "belvakit/Request/queue/comment_mapping.hpp"
 #include "belvakit/Request/queue/request_provider.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "belvakit/Request/queue/request_queue_middleware.hpp"
@@ -117,7 +117,7 @@ void baseline(benchmark::State& run) {
         provider->getComments(ticket.first, ticket.second, false, [&](auto comments, auto) {
             belvakit::Actions::NewCommentsFetched fetched;
             for (const auto& comment : comments.value_or(std::vector<dastrel::CRVCommentWithUser>{}))
-                fetched.comments.push_back(belvakit::Request::commentFrom(comment));
+                fetched.comments.push_back(belvakit::commentFromProvider(comment));
             store->dispatch(fetched);
             provider->addComment("A comment", ticket.first, {}, [&](auto comment, auto) {
                 if (!comment) return;

@@ -89,6 +89,22 @@ bool Calendar::isSameDay(double first, double second) const {
     return a && b && *a == *b;
 }
 
+std::optional<std::pair<double, double>> Calendar::dayInterval(double date) const {
+    icu::Calendar* calendar = calendarFor(localeId_, timeZoneId_);
+    if (!calendar) return std::nullopt;
+    UErrorCode status = U_ZERO_ERROR;
+    calendar->setTime(date * 1000.0, status);
+    calendar->set(UCAL_HOUR_OF_DAY, 0);
+    calendar->set(UCAL_MINUTE, 0);
+    calendar->set(UCAL_SECOND, 0);
+    calendar->set(UCAL_MILLISECOND, 0);
+    const UDate start = calendar->getTime(status);
+    calendar->add(UCAL_DATE, 1, status);
+    const UDate end = calendar->getTime(status);
+    if (U_FAILURE(status)) return std::nullopt;
+    return std::pair(start / 1000.0, end / 1000.0);
+}
+
 std::optional<std::string> Calendar::format(double date, std::string_view pattern) const {
     icu::SimpleDateFormat* format = formatFor(localeId_, timeZoneId_, pattern);
     if (!format) return std::nullopt;

@@ -53,3 +53,11 @@ TEST(WallClock, TestsCanFixTheTime) {
     setWallClock(previous);
     EXPECT_GT(now(), 1700000000);
 }
+
+TEST(Calendar, DayIntervalIsTheLocalDayAroundTheInstant) {
+    const Calendar berlin("en_US", "Europe/Berlin");
+    EXPECT_EQ(berlin.dayInterval(1700046000), std::pair(1700002800.0, 1700089200.0));  // 15 Nov 2023, UTC+1
+    const auto shortDay = berlin.dayInterval(1711886400);  // 31 Mar 2024, clocks go forward
+    ASSERT_TRUE(shortDay);
+    EXPECT_EQ(shortDay->second - shortDay->first, 23 * 3600);
+}

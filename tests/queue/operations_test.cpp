@@ -1,5 +1,5 @@
 #include "belvakit/Request/conversation/actions.hpp"
-#include "belvakit/Request/queue/comment_conversion.hpp"
+#include "belvakit/Request/queue/comment_mapping.hpp"
 #include "belvakit/Request/queue/request_operations.hpp"
 #include "host_fixture.hpp"
 #include "test_support.hpp"

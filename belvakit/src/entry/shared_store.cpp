@@ -1,5 +1,6 @@
 #include "belvakit/entry/shared_store.hpp"
 
+#include "belvakit/Request/conversation/request_table_reducer.hpp"
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "belvakit/Request/queue/request_queue_middleware.hpp"
 #include "tivra/async.hpp"
@@ -13,6 +14,7 @@ namespace {
 // RequestContainerState, CreateRequestState. Each subsystem adds its reducer at its place.
 std::shared_ptr<tivra::CombinedReducer> makeReducer() {
     auto reducer = tivra::CombinedReducer::empty();
+    reducer = reducer + std::make_shared<RequestTableReducer>();
     reducer = reducer + std::make_shared<CreateRequestReducer>();
     return reducer;
 }

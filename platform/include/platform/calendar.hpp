@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace platform {
 
@@ -20,6 +21,9 @@ public:
 
     // Whether both instants fall on the same calendar day in this time zone.
     bool isSameDay(double first, double second) const;
+    // The local day around an instant, as [start, end) in seconds since 1970; nothing if the
+    // calendar can't tell. Comparing against it answers `isSameDay` for many dates at once.
+    std::optional<std::pair<double, double>> dayInterval(double date) const;
     // The date in an ICU pattern ("HH:mm", "d MMM"), or nothing if the pattern can't be used.
     std::optional<std::string> format(double date, std::string_view pattern) const;
 

@@ -54,6 +54,17 @@ bool hasAttachment(const Message& message) {
     return std::visit([](const auto& record) { return AttachmentMessage<std::decay_t<decltype(record)>>; }, message);
 }
 
+const std::string* parentIdOf(const Message& message) {
+    return std::visit(
+        [](const auto& record) -> const std::string* {
+            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
+                return &record.parentId;
+            else
+                return nullptr;
+        },
+        message);
+}
+
 const std::string& id(const CellItem& item) {
     return std::visit(
         [](const auto& row) -> const std::string& {

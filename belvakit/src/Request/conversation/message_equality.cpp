@@ -26,7 +26,7 @@ bool sameContent(const L& left, const R& right) {
 }
 
 template <class L, class R>
-bool continuesGroup(const L& left, const R& right) {
+bool continuesGroupOf(const L& left, const R& right) {
     if constexpr (IdentifiableUserMessage<L> && IdentifiableUserMessage<R>) {
         return left.userID == right.userID;
     } else {
@@ -37,20 +37,24 @@ bool continuesGroup(const L& left, const R& right) {
     }
 }
 
-bool equalRows(const Message& left, const Message& right) {
+} // namespace
+
+bool rowsEqual(const Message& left, const Message& right) {
     if (id(left) != id(right) || isEndOfGroup(left) != isEndOfGroup(right)) return false;
     return std::visit([](const auto& l, const auto& r) { return sameContent(l, r); }, left, right);
 }
 
-} // namespace
+bool continuesGroup(const Message& left, const Message& right) {
+    return std::visit([](const auto& l, const auto& r) { return continuesGroupOf(l, r); }, left, right);
+}
 
-bool EquatableMessage::operator==(const EquatableMessage& other) const { return equalRows(message_, other.message_); }
+bool EquatableMessage::operator==(const EquatableMessage& other) const { return rowsEqual(message_, other.message_); }
 
 bool EquatableCellItem::operator==(const EquatableCellItem& other) const {
     if (id(item_) != id(other.item_) || type(item_) != type(other.item_)) return false;
     if (const auto* left = std::get_if<Message>(&item_)) {
         const auto* right = std::get_if<Message>(&other.item_);
-        return right && equalRows(*left, *right);
+        return right && rowsEqual(*left, *right);
     }
     if (const auto* left = std::get_if<DateItem>(&item_)) {
         const auto* right = std::get_if<DateItem>(&other.item_);
@@ -64,8 +68,7 @@ bool EquatableCellItem::operator==(const EquatableCellItem& other) const {
 }
 
 bool GroupingEqutable::operator==(const GroupingEqutable& other) const {
-    return std::visit([](const auto& left, const auto& right) { return continuesGroup(left, right); }, message_,
-                      other.message_);
+    return continuesGroup(message_, other.message_);
 }
 
 } // namespace belvakit

@@ -1,6 +1,6 @@
 #include "belvakit/Request/queue/request_fetcher.hpp"
 
-#include "belvakit/Request/queue/comment_conversion.hpp"
+#include "belvakit/Request/queue/comment_mapping.hpp"
 #include "belvakit/attachments/cache.hpp"
 
 namespace belvakit {
@@ -20,7 +20,7 @@ void RequestFetcher::fetchComments(const std::string& requestId,
             if (!comments || error) return completion(std::nullopt);
             std::vector<Request::Comment> out;
             out.reserve(comments->size());
-            for (const auto& comment : *comments) out.push_back(Request::commentFrom(comment));
+            for (const auto& comment : *comments) out.push_back(commentFromProvider(comment));
             completion(std::move(out));
         });
 }

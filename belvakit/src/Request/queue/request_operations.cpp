@@ -1,7 +1,7 @@
 #include "belvakit/Request/queue/request_operations.hpp"
 
 #include "belvakit/Request/conversation/actions.hpp"
-#include "belvakit/Request/queue/comment_conversion.hpp"
+#include "belvakit/Request/queue/comment_mapping.hpp"
 #include "corvane/core_logger.hpp"
 #include "dastrel/request.hpp"
 #include "platform/clock.hpp"
@@ -202,7 +202,7 @@ void FetchNewCommentsOperation::execute(std::optional<TicketInfo> ticket) {
             if (!comments) return self->finish(Actions::FetchCommentsError{});
             Actions::NewCommentsFetched fetched;
             fetched.comments.reserve(comments->size());
-            for (const auto& comment : *comments) fetched.comments.push_back(Request::commentFrom(comment));
+            for (const auto& comment : *comments) fetched.comments.push_back(commentFromProvider(comment));
             self->finish(fetched);
         });
 }

@@ -171,6 +171,8 @@ std::optional<DeliveryStatus> status(const Message& message);
 // False (and no change) for agent rows.
 bool setStatus(Message& message, DeliveryStatus status);
 bool hasAttachment(const Message& message);
+// The text an attachment belongs to; null for text rows.
+const std::string* parentIdOf(const Message& message);
 
 const std::string& id(const CellItem& item);
 EventType type(const CellItem& item);

@@ -37,4 +37,8 @@ private:
     Message message_;
 };
 
+// The rules of the wrappers above, without copying the messages into wrappers first.
+bool rowsEqual(const Message& left, const Message& right);
+bool continuesGroup(const Message& left, const Message& right);
+
 } // namespace belvakit

@@ -1,0 +1,146 @@
+#include "belvakit/Request/conversation/request_table_state.hpp"
+
+#include "belvakit/Request/conversation/message_equality.hpp"
+#include "belvakit/entry/localized_strings.hpp"
+#include "platform/base64.hpp"
+#include "platform/calendar.hpp"
+
+#include <algorithm>
+#include <tuple>
+
+namespace belvakit {
+
+namespace {
+
+SystemMessage systemRow(const std::string& text) {
+    return SystemMessage{platform::base64Encode(text), text};
+}
+
+bool isDeliveredUserText(const Message& message) {
+    const auto* text = std::get_if<UserMessage>(&message);
+    return text && (text->status == DeliveryStatus::delivered || text->status == DeliveryStatus::lastDelivered);
+}
+
+// Where the notice goes, as the index into `tableData` of the message it follows.
+std::optional<std::size_t> systemMessageAfter(const RequestTableState& state) {
+    if (!state.systemMessage) return std::nullopt;
+    const auto& messages = state.tableData;
+    const auto delivered = std::find_if(messages.begin(), messages.end(), isDeliveredUserText);
+    if (delivered == messages.end()) return std::nullopt;
+    const std::string& parent = id(*delivered);
+    const auto attachments = std::count_if(messages.begin(), messages.end(), [&](const Message& m) {
+        const auto* parentId = parentIdOf(m);
+        return parentId && *parentId == parent;
+    });
+    return static_cast<std::size_t>(delivered - messages.begin()) + static_cast<std::size_t>(attachments);
+}
+
+} // namespace
+
+bool RequestTableState::operator==(const RequestTableState& other) const {
+    return lastActionType == other.lastActionType && ticketClosed == other.ticketClosed &&
+           std::equal(tableData.begin(), tableData.end(), other.tableData.begin(), other.tableData.end(), rowsEqual);
+}
+
+const RequestTableState& initialRequestTableState() {
+    static const RequestTableState initial;
+    return initial;
+}
+
+std::vector<Message> groupedMessages(const std::vector<Message>& tableData) {
+    std::vector<Message> grouped = tableData;
+    for (std::size_t i = 0; i < grouped.size(); ++i) {
+        const bool last = i + 1 == grouped.size();
+        setIsEndOfGroup(grouped[i], last || !continuesGroup(grouped[i], grouped[i + 1]));
+    }
+    return grouped;
+}
+
+std::vector<CellItem> dateRows(std::vector<Message> grouped) {
+    const platform::Calendar calendar = platform::Calendar::current();
+    std::vector<CellItem> rows;
+    rows.reserve(grouped.size() + 1);
+    Date runningDate = 0;
+    for (auto& message : grouped) {
+        const Date date = createdAt(message);
+        if (!calendar.isSameDay(date, runningDate)) {
+            runningDate = date;
+            rows.emplace_back(DateItem{platform::base64Encode(platform::dateDescription(date)), date});
+        }
+        rows.emplace_back(std::move(message));
+    }
+    return rows;
+}
+
+std::vector<CellItem> insertingSystemMessage(std::vector<CellItem> cells, const RequestTableState& state) {
+    const auto after = systemMessageAfter(state);
+    if (!after) return cells;
+    const auto firstMessage = std::find_if(cells.begin(), cells.end(),
+                                           [](const CellItem& item) { return std::holds_alternative<Message>(item); });
+    const auto first = firstMessage == cells.end() ? 0 : static_cast<std::size_t>(firstMessage - cells.begin());
+    // Right after the row at first + index + attachments, which is the text's last attachment on a
+    // one-day conversation. Only messages are counted, so date rows in between pull it earlier.
+    const auto at = std::min(first + *after + 1, cells.size());
+    cells.insert(cells.begin() + static_cast<std::ptrdiff_t>(at), systemRow(*state.systemMessage));
+    return cells;
+}
+
+std::vector<CellItem> appendingClosedMessage(std::vector<CellItem> cells, const RequestTableState& state) {
+    if (state.ticketClosed) cells.emplace_back(systemRow(localized(LocalizedKey::requestsCreateRequestFailedClosed)));
+    return cells;
+}
+
+// The four steps in one pass over the messages: a conversation can hold thousands of them, and
+// every change recomputes its rows.
+std::vector<CellItem> recompute(const std::vector<Message>& tableData, const RequestTableState& state) {
+    const platform::Calendar calendar = platform::Calendar::current();
+    const auto noticeAfter = systemMessageAfter(state);
+    std::vector<CellItem> rows;
+    // Room for a date row every few dozen messages and the two notices; more days cost one regrowth.
+    rows.reserve(tableData.size() + tableData.size() / 32 + 3);
+    std::optional<std::size_t> noticeAt;
+    const auto placeNotice = [&] {
+        if (noticeAt && rows.size() == *noticeAt) {
+            rows.emplace_back(systemRow(*state.systemMessage));
+            noticeAt.reset();
+        }
+    };
+    // The running date's day as [start, end), so that one calendar lookup serves all its messages.
+    Date runningDate = 0;
+    Date dayStart = 0;
+    Date dayEnd = 0;
+    bool knownDay = false;
+    const auto enterDay = [&](Date date) {
+        runningDate = date;
+        const auto day = calendar.dayInterval(date);
+        knownDay = day.has_value();
+        if (day) std::tie(dayStart, dayEnd) = *day;
+    };
+    enterDay(0);
+    for (std::size_t i = 0; i < tableData.size(); ++i) {
+        const Message& message = tableData[i];
+        const Date date = std::visit([](const auto& record) { return record.createdAt; }, message);
+        const bool sameDay = knownDay ? dayStart <= date && date < dayEnd : calendar.isSameDay(date, runningDate);
+        if (!sameDay) {
+            enterDay(date);
+            placeNotice();
+            rows.emplace_back(DateItem{platform::base64Encode(platform::dateDescription(date)), date});
+        }
+        placeNotice();
+        if (i == 0 && noticeAfter) noticeAt = rows.size() + *noticeAfter + 1;
+        const bool endOfGroup = i + 1 == tableData.size() || !continuesGroup(message, tableData[i + 1]);
+        std::visit(
+            [&](const auto& record) {
+                using Record = std::decay_t<decltype(record)>;
+                auto& row = rows.emplace_back(std::in_place_type<Message>, std::in_place_type<Record>, record);
+                std::get<Record>(std::get<Message>(row)).isEndOfGroup = endOfGroup;
+            },
+            message);
+    }
+    if (noticeAt) rows.emplace_back(systemRow(*state.systemMessage));
+    return appendingClosedMessage(std::move(rows), state);
+}
+
+void recompute(RequestTableState& state) { state.cellItems = recompute(state.tableData, state); }
+
+} // namespace belvakit

@@ -1,0 +1,107 @@
+#include "belvakit/Request/queue/comment_mapping.hpp"
+
+#include "belvakit/Request/conversation/local_messages.hpp"
+#include "platform/clock.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace belvakit;
+
+namespace {
+
+Request::Attachment attachment(std::int64_t id, std::string name, FileType type) {
+    Request::Attachment result;
+    result.id = id;
+    result.fileName = std::move(name);
+    result.fileUrl = "https://files/" + std::to_string(id);
+    result.fileType = type;
+    result.fileSize = 2048;
+    result.createdAt = 1700000050;
+    return result;
+}
+
+Request::Comment comment(bool isAgent, std::string body, std::vector<Request::Attachment> attachments) {
+    return Request::Comment{10, std::move(body), "<p>html</p>", isAgent, std::move(attachments), 1700000000, 3, "Ada", "https://avatars/3"};
+}
+
+} // namespace
+
+TEST(CommentToMessages, UserCommentOfAttachmentsAloneHasNoText) {
+    auto messages = messagesFromComment(comment(false, "[a.png, b.pdf]", {attachment(11, "a.png", FileType::png),
+                                                                         attachment(12, "b.pdf", FileType::pdf)}));
+    ASSERT_EQ(messages.size(), 2u);
+    const auto& image = std::get<UserImage>(messages[0]);
+    EXPECT_EQ(image.id, "11");
+    EXPECT_EQ(image.parentId, "10");
+    EXPECT_EQ(image.status, DeliveryStatus::delivered);
+    EXPECT_EQ(image.imageUrl, "https://files/11");
+    EXPECT_EQ(image.createdAt, 1700000050);
+    const auto& file = std::get<UserFile>(messages[1]);
+    EXPECT_EQ(file.size, 2048);
+    EXPECT_FALSE(file.downloaded);
+
+    messages = messagesFromComment(comment(false, "[a.png]", {attachment(11, "a.png", FileType::png),
+                                                              attachment(12, "b.heic", FileType::heic)}));
+    ASSERT_EQ(messages.size(), 3u) << "a text unlike the joined names stays";
+    EXPECT_EQ(std::get<UserMessage>(messages[0]).htmlBody, "<p>html</p>");
+    EXPECT_TRUE(std::holds_alternative<UserImage>(messages[2])) << "HEIC is an image";
+    EXPECT_TRUE(std::holds_alternative<UserFile>(messagesFromComment(
+        comment(false, "x", {attachment(13, "c", FileType::unknown)}))[1]));
+}
+
+TEST(CommentToMessages, AgentRowsCarryTheirAuthorAndKeepTheirText) {
+    const auto messages = messagesFromComment(
+        comment(true, "[a.png]", {attachment(11, "a.png", FileType::jpeg), attachment(12, "r.pdf", FileType::pdf)}));
+    ASSERT_EQ(messages.size(), 3u);
+    EXPECT_EQ(std::get<AgentMessage>(messages[0]).name, "Ada");
+    EXPECT_EQ(std::get<AgentImage>(messages[1]).avatarURL, "https://avatars/3");
+    EXPECT_EQ(std::get<AgentFile>(messages[2]).userID, 3);
+}
+
+TEST(ProviderComment, TakesItsAuthorAndAttachmentKindsFromTheRecords) {
+    dastrel::CRVCommentWithUser source;
+    source.comment.commentId = 55;
+    source.comment.createdAt = 1700000000;
+    source.comment.attachments = {dastrel::CRVAttachment{56, "p.heic", "https://files/56", "IMAGE/HEIC", 9, 10, 20,
+                                                         "https://thumbs/56", 1, 2},
+                                  dastrel::CRVAttachment{57, "x", "", "application/x-odd", 0, 0, 0, "", 0, 0}};
+    source.user = {9, "Grace", "https://avatars/9", true};
+    const auto comment = commentFromProvider(source);
+    EXPECT_EQ(comment.id, 55);
+    EXPECT_TRUE(comment.isAgent);
+    EXPECT_EQ(comment.name, "Grace");
+    ASSERT_EQ(comment.attachments.size(), 2u);
+    const auto& first = comment.attachments[0];
+    EXPECT_EQ(first.fileType, FileType::heic);
+    EXPECT_EQ(first.commentId, 55);
+    EXPECT_EQ(first.thumbUrl, "https://thumbs/56");
+    EXPECT_EQ(first.imageSize, (platform::Size{10, 20}));
+    EXPECT_EQ(first.createdAt, 1700000000);
+    EXPECT_EQ(comment.attachments[1].fileType, FileType::unknown);
+}
+
+TEST(LocalMessages, TextAndChosenAttachmentsAreQueuedTogether) {
+    const auto previous = platform::setWallClock(std::make_shared<platform::FixedWallClock>(1700000123));
+    const auto fresh = makeUserMessage("hello");
+    platform::setWallClock(previous);
+    EXPECT_EQ(fresh.status, DeliveryStatus::notDelivered);
+    EXPECT_EQ(fresh.createdAt, 1700000123);
+    EXPECT_EQ(fresh.id.size(), 36u);
+    EXPECT_NE(fresh.id, makeUserMessage("hello").id);
+
+    const auto picture = platform::makeImage(4, 3);
+    const auto messages = makeLocalMessages(
+        makeUserMessage("see files", "T", 1700000000),
+        {std::make_shared<InputImageViewModel>(picture, "img-1", std::nullopt, std::nullopt, FileType::png, std::nullopt),
+         std::make_shared<InputFileViewModel>("report", 99, nullptr, "bytes", "file-1", FileType::pdf, "pdf")});
+    ASSERT_EQ(messages.size(), 3u);
+    const auto& image = std::get<UserImage>(messages[1]);
+    EXPECT_EQ(image.id, "img-1");
+    EXPECT_EQ(image.parentId, "T");
+    EXPECT_EQ(image.image, picture);
+    const auto& file = std::get<UserFile>(messages[2]);
+    EXPECT_EQ(file.filename, "report.pdf");
+    EXPECT_EQ(file.status, DeliveryStatus::notDelivered);
+    EXPECT_TRUE(file.downloaded);
+    EXPECT_EQ(file.createdAt, 1700000000);
+}

@@ -1,0 +1,111 @@
+#include "belvakit/Request/conversation/request_table_state.hpp"
+
+#include "belvakit/Request/conversation/message_equality.hpp"
+#include "belvakit/entry/localized_strings.hpp"
+#include "platform/base64.hpp"
+#include "table_fixtures.hpp"
+
+using namespace table_fixtures;
+
+namespace {
+
+RequestTableState stateWith(std::vector<Message> messages, std::optional<std::string> notice = std::nullopt) {
+    RequestTableState state;
+    state.tableData = std::move(messages);
+    state.systemMessage = std::move(notice);
+    recompute(state);
+    return state;
+}
+
+class RequestTableRows : public FixedCalendar {};
+
+} // namespace
+
+TEST_F(RequestTableRows, GroupsEndWhereTheAuthorOrTheFailureChanges) {
+    auto renamed = agent("a2", t0 + 1);
+    renamed.name = "Ada Lovelace";
+    const auto grouped = groupedMessages({agent("a1", t0), renamed, text("u1", t0, DeliveryStatus::failed),
+                                          text("u2", t0, DeliveryStatus::notDelivered), text("u3", t0, DeliveryStatus::failed),
+                                          agent("a3", t0, 8)});
+    std::vector<bool> ends;
+    for (const auto& message : grouped) ends.push_back(isEndOfGroup(message));
+    EXPECT_EQ(ends, (std::vector<bool>{false, true, true, false, true, true}));
+}
+
+TEST_F(RequestTableRows, DateRowsFollowTheUsersCalendarDays) {
+    const Date midnight = 1700006400;  // 2023-11-15 00:00 UTC
+    const auto rows = dateRows({text("u1", midnight + 60), text("u2", midnight + 23 * 3600),
+                                text("u3", midnight + 86405), text("u4", midnight + 60)});  // and back a day
+    EXPECT_EQ(rowIds(rows), (Strings{"date", "u1", "u2", "date", "u3", "date", "u4"}));
+    EXPECT_EQ(id(rows[0]), platform::base64Encode("2023-11-15 00:01:00 +0000"));
+    EXPECT_EQ(id(rows[5]), id(rows[0])) << "the id comes from the date, not the position";
+
+    // 23:55 and 00:05 in New York are one day in UTC.
+    const std::vector<Message> nearMidnight{text("u1", 1700024100), text("u2", 1700024700)};
+    EXPECT_EQ(rowIds(stateWith(nearMidnight).cellItems), (Strings{"date", "u1", "u2"}));
+    platform::Calendar::setCurrent(platform::Calendar("en_US", "America/New_York"));
+    EXPECT_EQ(rowIds(stateWith(nearMidnight).cellItems), (Strings{"date", "u1", "date", "u2"}));
+}
+
+TEST_F(RequestTableRows, SystemMessageFollowsTheFirstDeliveredTextAndItsAttachments) {
+    const auto state = stateWith({text("q", t0, DeliveryStatus::notDelivered), text("u1", t0, DeliveryStatus::lastDelivered),
+                                  image("i1", "u1", t0), image("i2", "u1", t0), agent("a1", t0)},
+                                 "We answer within a day");
+    EXPECT_EQ(rowIds(state.cellItems), (Strings{"date", "q", "u1", "i1", "i2", "system", "a1"}));
+    EXPECT_EQ(id(state.cellItems[5]), platform::base64Encode("We answer within a day"));
+    // Date rows in between aren't counted, so across days the notice lands a row early.
+    EXPECT_EQ(rowIds(stateWith({agent("a1", t0), agent("a2", t0 + 86400), text("u1", t0 + 86401)}, "N").cellItems),
+              (Strings{"date", "a1", "date", "a2", "system", "u1"}));
+    EXPECT_EQ(rowIds(stateWith({text("u1", t0, DeliveryStatus::failed)}, "N").cellItems), (Strings{"date", "u1"}));
+}
+
+TEST_F(RequestTableRows, ClosedTicketEndsWithTheClosedNotice) {
+    RequestTableState state;
+    state.ticketClosed = true;
+    recompute(state);
+    ASSERT_EQ(state.cellItems.size(), 1u);
+    const auto& closed = std::get<SystemMessage>(state.cellItems[0]);
+    EXPECT_EQ(closed.message, localized("ios.CRVRequests.createRequest.failed.closed"));
+    EXPECT_EQ(closed.id, platform::base64Encode(closed.message));
+}
+
+TEST_F(RequestTableRows, RecomputeIsTheFourStepsInOrderAndLeavesTheMessagesAlone) {
+    const std::vector<std::vector<Message>> conversations{
+        {},
+        {agent("a1", t0), agent("a2", t0 + 86400), text("u1", t0 + 86401), image("i1", "u1", t0 + 86402)},
+        {text("u1", t0, DeliveryStatus::failed), text("u2", t0 + 1), image("i1", "u2", t0 + 2), image("i2", "u2", t0 + 3),
+         agent("a1", t0 + 200000), text("u3", t0 + 5, DeliveryStatus::lastDelivered)},
+        {image("i9", "u9", t0 - 5), text("u9", t0 + 1), image("i8", "u9", t0 + 2)},
+        {text("u1", 10), text("u2", 20)},  // on the first day of 1970: no date row
+    };
+    for (const auto& messages : conversations)
+        for (const bool closed : {false, true})
+            for (const auto& notice : {std::optional<std::string>(), std::optional<std::string>("Notice")}) {
+                auto state = stateWith(messages, notice);
+                state.ticketClosed = closed;
+                const auto rows = recompute(state.tableData, state);
+                const auto steps = appendingClosedMessage(
+                    insertingSystemMessage(dateRows(groupedMessages(state.tableData)), state), state);
+                ASSERT_EQ(rows.size(), steps.size());
+                for (std::size_t i = 0; i < rows.size(); ++i)
+                    EXPECT_TRUE(EquatableCellItem(rows[i]) == EquatableCellItem(steps[i])) << i;
+                for (const auto& message : state.tableData) EXPECT_FALSE(isEndOfGroup(message));
+            }
+}
+
+TEST(RequestTableState, EqualityLooksAtActionTypeClosedFlagAndMessageRows) {
+    RequestTableState left;
+    left.tableData = {text("u1", t0)};
+    RequestTableState right = left;
+    right.remoteId = "99";
+    right.cellItems = {DateItem{"d", 0}};
+    EXPECT_EQ(left, right);
+    right.lastActionType = ActionTypes::setMessages;
+    EXPECT_NE(left, right);
+    right = left;
+    right.ticketClosed = true;
+    EXPECT_NE(left, right);
+    right = left;
+    std::get<UserMessage>(right.tableData[0]).status = DeliveryStatus::failed;
+    EXPECT_NE(left, right);
+}
