@@ -16,8 +16,9 @@ void DispatchGroup::leave() {
         assert(count_ > 0 && "unbalanced DispatchGroup::leave");
         if (--count_ > 0) return;
         due.swap(notifications_);
+        // Under the lock: a waiter that wakes may destroy the group at once.
+        idle_.notify_all();
     }
-    idle_.notify_all();
     for (auto& [queue, work] : due) queue->async(std::move(work));
 }
 
