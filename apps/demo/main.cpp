@@ -2,11 +2,16 @@
 // adds a comment, lets the simulated agent answer, and prints what the send queue did and what the
 // help desk holds.
 #include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/local_messages.hpp"
+#include "belvakit/Request/conversation/request_table_state.hpp"
+#include "belvakit/Request/conversation/request_table_reducer.hpp"
+#include "belvakit/Request/requestlist/request_list_cell_data.hpp"
 #include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/queue/request_fetcher.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "engine_dialog.hpp"
 #include "belvakit/entry/shared_store.hpp"
+#include "platform/calendar.hpp"
 #include "belvakit/entry/support_ui.hpp"
 #include "belvakit/entry/version.hpp"
 #include "platform/main_queue.hpp"
@@ -45,6 +50,34 @@ void printQueueAction(const tivra::Action& action) {
     }
 }
 
+std::string_view statusText(DeliveryStatus status) {
+    switch (status) {
+    case DeliveryStatus::notDelivered: return "queued";
+    case DeliveryStatus::delivered: return "delivered";
+    case DeliveryStatus::lastDelivered: return "delivered (last)";
+    case DeliveryStatus::failed: return "failed";
+    }
+    return "";
+}
+
+// One row of the conversation table, as text.
+std::string describeRow(const CellItem& row) {
+    if (const auto* date = std::get_if<DateItem>(&row)) return "--- " + platform::dateDescription(date->date) + " ---";
+    if (const auto* notice = std::get_if<SystemMessage>(&row)) return "(" + notice->message + ")";
+    return std::visit(
+        [](const auto& message) -> std::string {
+            using T = std::decay_t<decltype(message)>;
+            std::string text = std::string(rawValue(T::type)) + ": ";
+            if constexpr (TextMessage<T>) text += message.body;
+            else text += message.filename;
+            if constexpr (IdentifiableUserMessage<T>) text += "  — " + message.name;
+            if constexpr (DeliverableEvent<T>) text += "  [" + std::string(statusText(message.status)) + "]";
+            if (message.isEndOfGroup) text += "  |end of group";
+            return text;
+        },
+        std::get<Message>(row));
+}
+
 // Sends one message through the queue and runs the main loop until the queue is dry.
 bool send(const std::string& id, const std::string& body, std::vector<Upload::Attachment> attachments,
           int& completed) {
@@ -54,6 +87,22 @@ bool send(const std::string& id, const std::string& body, std::vector<Upload::At
     details.id = id;
     details.body = body;
     details.attachments = std::move(attachments);
+    // The conversation shows the message and its files at once, queued, before the queue sends them.
+    Actions::NewMessages shown;
+    const UserMessage text = makeUserMessage(body, id);
+    shown.messages.push_back(text);
+    for (const auto& attachment : details.attachments) {
+        UserFile file;
+        file.id = attachment.id;
+        file.parentId = id;
+        file.filename = attachment.filename.value_or(interpolatedFilename(attachment));
+        file.size = static_cast<std::int64_t>(attachment.data.size());
+        file.fileType = attachment.fileType;
+        file.createdAt = text.createdAt;
+        file.downloaded = true;
+        shown.messages.push_back(file);
+    }
+    sharedStore()->dispatch(shown);
     const int before = completed;
     sharedStore()->dispatch(details);
     return platform::MainQueue::shared().runUntil([&] { return completed > before; });
@@ -124,10 +173,20 @@ int main(int argc, char** argv) {
                       << "\n";
     }
 
-    // Conversation rows: printed here from the shared store's RequestTableState once the
-    // conversation table reducer is in the shared store.
+    // What the agent wrote joins the conversation the way a fetch of new comments brings it.
+    Actions::NewCommentsFetched fetched;
+    fetched.comments = conversation.value_or(std::vector<Request::Comment>{});
+    sharedStore()->dispatch(fetched);
+    std::cout << "\nconversation rows:\n";
+    if (const auto* table = sharedStore()->state().valueOfType<RequestTableState>())
+        for (const auto& row : table->cellItems) std::cout << "  " << describeRow(row) << "\n";
 
-    // List cell: printed here from the ticket's request list cell data once the list cells exist.
+    const auto request = desk.requests().front();
+    const auto cell = RequestListCellData::fromRequest(request, {agent}, false);
+    std::cout << "\nlist cell: " << cell.requestTitle << " | " << rawValue(cell.requestStatus) << " | "
+              << cell.displayTimestamp << " | " << cell.commentCount << " comments | last: "
+              << cell.requestLastComment.value_or("") << " | agent: "
+              << (cell.agentAvatarInfo ? cell.agentAvatarInfo->agentName : std::string("none")) << "\n";
 
     std::cout << "\nid map: request " << requestId << " -> local " << ids.remoteToLocal.at(requestId) << "\n";
     subscription.removeListener();
