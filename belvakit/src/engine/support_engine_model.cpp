@@ -1,5 +1,7 @@
 #include "belvakit/engine/support_engine_model.hpp"
 
+#include "belvakit/Request/queue/request_operations.hpp"
+
 #include "belvakit/engine/support_interaction.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "corvane/core_logger.hpp"
@@ -18,16 +20,6 @@ SupportTextQuery userText(std::string id, quorvel::ItemDeliveryStatus status, st
 }
 
 } // namespace
-
-dastrel::CRVCreateRequest makeSupportEngineRequest(const std::string& body, const RequestUiConfiguration& configuration) {
-    dastrel::CRVCreateRequest request;
-    request.requestDescription = body;
-    request.subject = configuration.subject;
-    request.tags = configuration.tags;
-    request.customFields = configuration.customFields;
-    request.ticketFormId = configuration.ticketFormID;
-    return request;
-}
 
 SupportEngineModel::SupportEngineModel(std::shared_ptr<RequestProvider> requestProvider,
                                        SupportEngineSettingsFetcher supportSettingsRequester,
@@ -119,7 +111,7 @@ void SupportEngineModel::onEmailEntered(const std::string& text, const std::stri
 
 void SupportEngineModel::createTicket(const SupportEngineState::CreateTicket& ticket) {
     sendInput(std::nullopt, false);
-    const auto request = makeSupportEngineRequest(ticket.body, requestConfiguration_.value_or(RequestUiConfiguration{}));
+    const auto request = makeCreateRequest(ticket.body, requestConfiguration_.value_or(RequestUiConfiguration{}));
     requestProvider_->createRequest(request, [weak = weak_from_this()](auto response, auto error) {
         if (auto self = weak.lock()) self->onTicketResult(response, error);
     });

@@ -61,7 +61,4 @@ private:
     std::string retryOptionsMessageId_;
 };
 
-// The new ticket: the dialog's text as its description, the rest from the configuration.
-dastrel::CRVCreateRequest makeSupportEngineRequest(const std::string& body, const RequestUiConfiguration& configuration);
-
 } // namespace belvakit

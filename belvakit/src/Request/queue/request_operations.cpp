@@ -82,13 +82,18 @@ TicketRequestOperation::TicketRequestOperation(std::string id, std::string text,
     : body(std::move(text)), attachments(std::move(files)), requestProvider(freshProvider(std::move(provider))),
       attachmentUploader(std::move(uploader)), config(std::move(configuration)), id_(std::move(id)) {}
 
-void TicketRequestOperation::execute(std::optional<TicketInfo>) {
+dastrel::CRVCreateRequest makeCreateRequest(const std::string& body, const RequestUiConfiguration& configuration) {
     dastrel::CRVCreateRequest request;
     request.requestDescription = body;
-    request.subject = config.subject;
-    request.tags = config.tags;
-    request.customFields = config.customFields;
-    request.ticketFormId = config.ticketFormID;
+    request.subject = configuration.subject;
+    request.tags = configuration.tags;
+    request.customFields = configuration.customFields;
+    request.ticketFormId = configuration.ticketFormID;
+    return request;
+}
+
+void TicketRequestOperation::execute(std::optional<TicketInfo>) {
+    dastrel::CRVCreateRequest request = makeCreateRequest(body, config);
 
     auto self = shared_from_this();
     uploadThen(

@@ -85,4 +85,7 @@ private:
 // came back without a file record.
 std::vector<std::pair<std::string, Upload::Attachment>> sentAttachments(const UploadResults& uploads);
 
+// A new request of `body`, with the subject, tags, custom fields and form of the configuration.
+dastrel::CRVCreateRequest makeCreateRequest(const std::string& body, const RequestUiConfiguration& configuration);
+
 } // namespace belvakit
