@@ -8,6 +8,9 @@ template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+// Spelt out for compilers without aggregate deduction.
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 const char* statusName(ItemDeliveryStatus status) {
     switch (status) {
