@@ -3,6 +3,8 @@
 #include "belvakit/Request/conversation/request_table_reducer.hpp"
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "belvakit/Request/queue/request_queue_middleware.hpp"
+#include "belvakit/Request/requestlist/request_list_middleware.hpp"
+#include "belvakit/Request/requestlist/request_list_reducer.hpp"
 #include "tivra/async.hpp"
 #include "tivra/tivra.hpp"
 
@@ -15,6 +17,7 @@ namespace {
 std::shared_ptr<tivra::CombinedReducer> makeReducer() {
     auto reducer = tivra::CombinedReducer::empty();
     reducer = reducer + std::make_shared<RequestTableReducer>();
+    reducer = reducer + std::make_shared<RequestListReducer>();
     reducer = reducer + std::make_shared<CreateRequestReducer>();
     return reducer;
 }
@@ -27,6 +30,7 @@ std::shared_ptr<tivra::Middleware> makeMiddleware() {
     std::shared_ptr<tivra::Middleware> chain = std::make_shared<tivra::CombinedMiddleWare>();
     chain = chain + std::make_shared<tivra::AsyncMiddleware>();
     chain = chain + RequestQueueMiddleWare::make({}, RequestQueueState::initial(), RequestUiConfiguration());
+    chain = chain + std::make_shared<RequestListMiddleware>();
     return chain;
 }
 

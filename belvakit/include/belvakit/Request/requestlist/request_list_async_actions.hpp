@@ -1,0 +1,67 @@
+#pragma once
+
+#include "belvakit/Request/queue/local_id_store.hpp"
+#include "belvakit/Request/queue/request_provider.hpp"
+#include "belvakit/Request/requestlist/request_list_cell_data.hpp"
+#include "belvakit/Request/requestlist/request_list_service.hpp"
+#include "belvakit/attachments/cache.hpp"
+#include "dastrel/request.hpp"
+#include "dastrel/request_updates.hpp"
+#include "tivra/action.hpp"
+
+#include <memory>
+#include <vector>
+
+// The stages of loading the ticket list. Each ends by dispatching the action that starts the next.
+namespace belvakit::Actions {
+
+// The list the help desk last sent, from the tickets cache.
+struct FetchCachedRequests final : tivra::AsyncAction {
+    std::shared_ptr<Cache> cache;
+
+    void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
+};
+
+struct FetchRequests final : tivra::AsyncAction {
+    bool isRefreshing = false;
+    std::shared_ptr<const RequestListServiceProtocol> service;
+    std::shared_ptr<RequestProvider> provider;
+    std::shared_ptr<Cache> cache;
+
+    void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
+};
+
+// Adds the tickets only this device knows, then sorts and filters the whole list.
+struct FetchLocalOnlyRequests final : tivra::AsyncAction {
+    std::shared_ptr<Cache> cache;
+    std::vector<RequestListCellData> requestDataFetchedFromNetwork;
+    bool remoteRequestsFromCache = false;
+    bool showClosedRequests = false;
+
+    void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
+};
+
+struct FetchAgentAvatars final : tivra::AsyncAction {
+    std::vector<RequestListCellData> requestDatums;
+    std::shared_ptr<Cache> cache;
+    std::shared_ptr<const RequestListServiceProtocol> service;
+    bool requestsFromCache = false;
+
+    void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
+};
+
+} // namespace belvakit::Actions
+
+namespace belvakit {
+
+// One row per request, in order, with the response's agents and the device's unread marks.
+std::vector<RequestListCellData> requestListCells(const dastrel::CRVRequestsWithCommentingAgents& response,
+                                                  const dastrel::RequestUpdates& updates);
+// Marks the rows of tickets that still hold failed messages.
+void markRequestsWithFailedMessages(std::vector<RequestListCellData>& requests,
+                                    const RequestsWithFailedMessagesIdStore& failedStore = {});
+// Newest first; closed tickets left out unless they are to be shown.
+std::vector<RequestListCellData> sortedAndFilteredRequests(std::vector<RequestListCellData> requests,
+                                                           bool showClosedRequests);
+
+} // namespace belvakit

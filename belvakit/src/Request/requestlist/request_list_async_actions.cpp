@@ -1,0 +1,183 @@
+#include "belvakit/Request/requestlist/request_list_async_actions.hpp"
+
+#include "belvakit/Request/conversation/message_list.hpp"
+#include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "corvane/core_logger.hpp"
+#include "corvane/corvane.hpp"
+#include "dastrel/support.hpp"
+
+#include <algorithm>
+#include <set>
+
+namespace belvakit {
+
+std::vector<RequestListCellData> requestListCells(const dastrel::CRVRequestsWithCommentingAgents& response,
+                                                  const dastrel::RequestUpdates& updates) {
+    std::vector<RequestListCellData> cells;
+    cells.reserve(response.requests.size());
+    for (const auto& request : response.requests)
+        cells.push_back(RequestListCellData::fromRequest(request, response.commentingAgents,
+                                                         updates.isRequestUnread(request.requestId)));
+    return cells;
+}
+
+void markRequestsWithFailedMessages(std::vector<RequestListCellData>& requests,
+                                    const RequestsWithFailedMessagesIdStore& failedStore) {
+    const auto ids = failedStore.ids();
+    if (ids.empty()) return;
+    const std::set<std::string> failed(ids.begin(), ids.end());
+    for (auto& request : requests)
+        if (failed.contains(request.requestId)) request.isErrored = true;
+}
+
+std::vector<RequestListCellData> sortedAndFilteredRequests(std::vector<RequestListCellData> requests,
+                                                           bool showClosedRequests) {
+    std::sort(requests.begin(), requests.end(), [](const RequestListCellData& left, const RequestListCellData& right) {
+        return left.updatedAtDate > right.updatedAtDate;
+    });
+    if (!showClosedRequests)
+        std::erase_if(requests, [](const RequestListCellData& row) { return rawValue(row.requestStatus) == "closed"; });
+    return requests;
+}
+
+namespace {
+
+std::vector<RequestListCellData> cellsMarked(const dastrel::CRVRequestsWithCommentingAgents& response,
+                                             const dastrel::RequestUpdates& updates) {
+    auto cells = requestListCells(response, updates);
+    markRequestsWithFailedMessages(cells);
+    return cells;
+}
+
+// The row of a conversation only this device has, shaped like a failed ticket's; nothing when its
+// first message carries no text.
+std::optional<RequestListCellData> localOnlyRow(const std::string& localId, const std::vector<Message>& messages) {
+    if (messages.empty()) return std::nullopt;
+    const auto* description = std::visit(
+        [](const auto& first) -> const std::string* {
+            if constexpr (TextMessage<std::decay_t<decltype(first)>>)
+                return &first.body;
+            else
+                return nullptr;
+        },
+        messages.front());
+    if (!description) return std::nullopt;
+    return RequestListCellData::local(localId, *description, createdAt(messages.front()), true);
+}
+
+// Loads the conversations one after the other, since the cache answers asynchronously.
+struct LocalOnlyWalk : std::enable_shared_from_this<LocalOnlyWalk> {
+    std::shared_ptr<Cache> cache;
+    std::vector<std::string> ids;
+    std::size_t next = 0;
+    std::vector<RequestListCellData> rows;
+    std::function<void(std::vector<RequestListCellData>)> completion;
+
+    void step() {
+        if (next >= ids.size()) return completion(std::move(rows));
+        cache->fetch(ids[next], [self = shared_from_this()](std::optional<std::string> bytes) {
+            const auto& localId = self->ids[self->next];
+            if (bytes)
+                loadConversation(*bytes, MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
+                    if (auto row = localOnlyRow(localId, messages)) self->rows.push_back(std::move(*row));
+                });
+            ++self->next;
+            self->step();
+        });
+    }
+};
+
+std::vector<std::string> localOnlyIds(const LocalIDStore& store) {
+    std::set<std::string> mapped;
+    for (const auto& entry : store.remoteToLocal) mapped.insert(entry.second);
+    std::vector<std::string> ids;
+    for (const auto& id : store.localIdList)
+        if (!mapped.contains(id) && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(id);
+    return ids;
+}
+
+} // namespace
+
+namespace Actions {
+
+void FetchCachedRequests::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
+    if (!corvane::Corvane::instance()) {
+        dispatch(RequestsFetchedFailed{});
+        return;
+    }
+    const auto support = dastrel::Support::instance();
+    const auto updates = support ? support->requestStorage().calculateRequestUpdates(support->requestStorage().requests())
+                                 : dastrel::RequestUpdates{};
+    auto finish = [dispatch, updates](std::optional<std::string> bytes) {
+        auto response = bytes ? decodeRequestListOfflineCache(*bytes) : std::nullopt;
+        if (!response) {
+            corvane::CoreLogger::debug("No requests stored in cache.");
+            response.emplace();
+        }
+        RequestsFetched fetched;
+        fetched.requests = cellsMarked(*response, updates);
+        fetched.isFromCache = true;
+        dispatch(fetched);
+    };
+    if (!cache) return finish(std::nullopt);
+    cache->fetch(requestListOfflineCacheKey, std::move(finish));
+}
+
+void FetchRequests::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
+    if (isRefreshing) {
+        RefreshRequests refresh;
+        refresh.refreshing = true;
+        dispatch(refresh);
+    }
+    if (!service) return;
+    service->fetchRequests(cache, [dispatch, requestProvider = provider](
+                                      std::optional<dastrel::CRVRequestsWithCommentingAgents> response,
+                                      std::optional<NetworkError> error) {
+        if (error == NetworkError::generic) return dispatch(RequestsFetchedFailed{});
+        if (error == NetworkError::auth) return dispatch(RequestsFetchedFailedWIthAuthError{});
+        if (!response) return;
+        if (!requestProvider) return dispatch(RequestsFetchedFailed{});
+        requestProvider->getUpdatesForDevice([dispatch, response = std::move(*response)](
+                                          std::optional<dastrel::RequestUpdates> updates) {
+            if (!updates) return dispatch(RequestsFetchedFailed{});
+            RequestsFetched fetched;
+            fetched.requests = cellsMarked(response, *updates);
+            fetched.isFromCache = false;
+            dispatch(fetched);
+        });
+    });
+}
+
+void FetchLocalOnlyRequests::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
+    auto finish = [dispatch, merged = requestDataFetchedFromNetwork, fromCache = remoteRequestsFromCache,
+                   showClosed = showClosedRequests](std::vector<RequestListCellData> localRows) mutable {
+        merged.insert(merged.end(), std::make_move_iterator(localRows.begin()), std::make_move_iterator(localRows.end()));
+        LocalRequestsFetched fetched;
+        fetched.mergedLocalAndRemoteRequestDatums = sortedAndFilteredRequests(std::move(merged), showClosed);
+        fetched.remoteRequestsFromCache = fromCache;
+        dispatch(fetched);
+    };
+    auto ids = localOnlyIds(LocalIDStore());
+    if (ids.empty() || !cache) return finish({});
+    auto walk = std::make_shared<LocalOnlyWalk>();
+    walk->cache = cache;
+    walk->ids = std::move(ids);
+    walk->completion = std::move(finish);
+    walk->step();
+}
+
+void FetchAgentAvatars::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
+    if (!service) return;
+    service->fetchAgentAvatars(requestDatums, cache, makeAttachmentsProvider(),
+                               [dispatch, fromCache = requestsFromCache](std::vector<RequestListCellData> rows) {
+                                   RequestsWithAvatarsFetched fetched;
+                                   fetched.requests = std::move(rows);
+                                   fetched.requestListStateType = fromCache ? RequestListStateType::LoadedFromCache
+                                                                            : RequestListStateType::LoadedFromNetwork;
+                                   dispatch(fetched);
+                               });
+}
+
+} // namespace Actions
+
+} // namespace belvakit

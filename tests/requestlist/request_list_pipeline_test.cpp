@@ -1,0 +1,241 @@
+#include "../queue/host_fixture.hpp"
+#include "belvakit/Request/conversation/message_list.hpp"
+#include "belvakit/Request/queue/local_id_store.hpp"
+#include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "belvakit/Request/requestlist/request_list_async_actions.hpp"
+#include "belvakit/Request/requestlist/request_list_state.hpp"
+#include "belvakit/entry/shared_store.hpp"
+#include "platform/image_codec.hpp"
+#include "test_support.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace belvakit;
+using queue_testing::settle;
+
+namespace {
+
+std::vector<std::string> idsOf(const std::vector<RequestListCellData>& rows) {
+    std::vector<std::string> ids;
+    for (const auto& cell : rows) ids.push_back(cell.requestId);
+    return ids;
+}
+
+// The list's actions as the shared store saw them, and each state of the slice.
+class ListRecorder {
+public:
+    ListRecorder()
+        : actions_(sharedStore()->addActionListener([this](const tivra::Action& action) {
+              events.push_back(action.description());
+          })),
+          states_(sharedStore()->addListener<RequestListState>(
+              [this](const RequestListState& state) { states.push_back(state); })) {}
+    ~ListRecorder() {
+        actions_.removeListener();
+        states_.removeListener();
+    }
+
+    bool saw(const std::string& event) const { return std::count(events.begin(), events.end(), event) > 0; }
+    bool reached(RequestListStateType type) const {
+        return std::any_of(states.begin(), states.end(), [&](const auto& state) { return state.stateType == type; });
+    }
+
+    std::vector<std::string> events;
+    std::vector<RequestListState> states;
+
+private:
+    tivra::ActionSubscription actions_;
+    tivra::Subscription<RequestListState> states_;
+};
+
+class RequestListPipelineTest : public testing::Test {
+protected:
+    void SetUp() override { sharedStore()->dispatch(Actions::ClearRequestList{}); }
+    void TearDown() override { sharedStore()->dispatch(Actions::ClearRequestList{}); }
+
+    bool settled(const std::function<bool()>& done) { return settle(time_, done); }
+
+    std::string createTicket(const std::string& description) {
+        bool answered = false;
+        host_.tickets().createRequest({.requestDescription = description}, [&](auto, auto) { answered = true; });
+        EXPECT_TRUE(settled([&] { return answered; }));
+        clock_.clock->advance(60);
+        return host_.tickets().requests().back().requestId;
+    }
+
+    void loadSettings(bool showClosedRequests = false) {
+        Actions::FetchRequestListSettingsSuccess settings;
+        settings.conversationsEnabled = true;
+        settings.showClosedRequests = showClosedRequests;
+        sharedStore()->dispatch(settings);
+    }
+
+    void fetchCached() {
+        Actions::FetchCachedRequests cached;
+        cached.cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
+        sharedStore()->dispatch(cached);
+    }
+
+    // Waits for the pass that ends with `type`, started by `start`.
+    void load(RequestListStateType type, const std::function<void()>& start) {
+        ListRecorder recorder;
+        start();
+        ASSERT_TRUE(settled([&] { return recorder.reached(type); }));
+    }
+
+    const RequestListState& list() const { return *sharedStore()->state().valueOfType<RequestListState>(); }
+
+    testing_support::VirtualTime time_;
+    queue_testing::FixedClock clock_;
+    testing_support::TemporaryDirectory directory_;
+    queue_testing::Host host_{directory_.path()};
+};
+
+} // namespace
+
+TEST_F(RequestListPipelineTest, AVisitGoesFromSettingsToTheNetworkRowsWithAvatarsAndKeepsThemForOffline) {
+    const auto first = createTicket("Broken zip");
+    const auto second = createTicket("Late order");
+    const auto agent = host_.tickets().addAgent("Ada", "https://belva.example.com/avatars/ada.png");
+    host_.helpDesk->attachments()->serve(*agent.avatarURL, *platform::encodePNG(*platform::makeImage(4, 4)));
+    host_.tickets().addAgentComment(first, agent.userId, "We are on it");
+    testing_support::CapturedLog log;
+
+    ListRecorder recorder;
+    loadSettings();
+    ASSERT_TRUE(settled([&] { return recorder.reached(RequestListStateType::LoadedFromNetwork); }));
+    EXPECT_EQ(recorder.events,
+              (std::vector<std::string>{"FetchRequestListSettingsSuccess", "FetchRequests", "RequestsFetched",
+                                        "FetchLocalOnlyRequests", "LocalRequestsFetched", "FetchAgentAvatars",
+                                        "RequestsWithAvatarsFetched"}));
+    EXPECT_EQ(recorder.states.front().stateType, RequestListStateType::Loading);
+    // The agent's comment is the newest change.
+    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{first, second}));
+    const auto& avatar = list().requests[0].agentAvatarInfo;
+    ASSERT_TRUE(avatar);
+    EXPECT_EQ(avatar->agentName, "Ada");
+    ASSERT_TRUE(avatar->avatarImage);
+    EXPECT_EQ(avatar->avatarImage->width, 4);
+    EXPECT_FALSE(list().requests[1].agentAvatarInfo);
+    const auto debug = log.messages(platform::LogLevel::debug);
+    EXPECT_EQ(std::count(debug.begin(), debug.end(), "Agent avatar fetched success"), 1);
+
+    // The answer was kept: offline, the cached pass shows the same rows, the avatar from its cache.
+    host_.tickets().setOffline(true);
+    log.clear();
+    const auto networkRows = list().requests;
+    load(RequestListStateType::LoadedFromCache, [&] { fetchCached(); });
+    EXPECT_EQ(idsOf(list().requests), idsOf(networkRows));
+    EXPECT_EQ(list().requests[0].requestLastComment, "We are on it");
+    ASSERT_TRUE(list().requests[0].agentAvatarInfo);
+    EXPECT_TRUE(list().requests[0].agentAvatarInfo->avatarImage);
+    const auto later = log.messages(platform::LogLevel::debug);
+    EXPECT_EQ(std::count(later.begin(), later.end(), "Agent avatar fetched success"), 0);
+}
+
+TEST_F(RequestListPipelineTest, StartingOfflineShowsTheCachedRowsAndAFailedRefreshKeepsThem) {
+    const auto ticket = createTicket("Broken zip");
+    load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(); });
+
+    host_.tickets().setOffline(true);
+    ListRecorder recorder;
+    loadSettings();
+    fetchCached();
+    ASSERT_TRUE(settled([&] {
+        return recorder.reached(RequestListStateType::LoadedFromCache) && recorder.saw("RequestsFetchedFailed");
+    }));
+    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{ticket}));
+
+    Actions::FetchRequests refresh;
+    refresh.isRefreshing = true;
+    refresh.service = RequestListService::shared();
+    refresh.provider = makeRequestProvider();
+    refresh.cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
+    ListRecorder refreshing;
+    sharedStore()->dispatch(refresh);
+    ASSERT_TRUE(settled([&] { return refreshing.reached(RequestListStateType::ErroredFromNetwork); }));
+    EXPECT_EQ(refreshing.states.front().stateType, RequestListStateType::Refreshing);
+    EXPECT_EQ(list().error, NetworkError::generic);
+    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{ticket}));
+}
+
+TEST_F(RequestListPipelineTest, WithNothingCachedTheCachedPassLogsAndShowsNoRows) {
+    testing_support::CapturedLog log;
+    load(RequestListStateType::LoadedFromCache, [&] { fetchCached(); });
+    EXPECT_TRUE(list().requests.empty());
+    const auto debug = log.messages(platform::LogLevel::debug);
+    EXPECT_EQ(std::count(debug.begin(), debug.end(), "No requests stored in cache."), 1);
+}
+
+TEST_F(RequestListPipelineTest, AnUnauthorizedAnswerFailsWithAuthThenGeneric) {
+    createTicket("Broken zip");
+    host_.tickets().setUnauthorized(true);
+    ListRecorder recorder;
+    loadSettings();
+    ASSERT_TRUE(settled([&] { return recorder.saw("RequestsFetchedFailed"); }));
+    queue_testing::pass(time_, platform::milliseconds(500));
+    EXPECT_EQ(recorder.events, (std::vector<std::string>{"FetchRequestListSettingsSuccess", "FetchRequests",
+                                                         "RequestsFetchedFailedWIthAuthError",
+                                                         "RequestsFetchedFailed"}));
+    // Listeners see `auth` before the list settles on `generic`.
+    ASSERT_EQ(recorder.states.size(), 3u);
+    EXPECT_EQ(recorder.states[1].error, NetworkError::auth);
+    EXPECT_EQ(recorder.states[2].error, NetworkError::generic);
+    EXPECT_EQ(list().stateType, RequestListStateType::ErroredFromNetwork);
+}
+
+TEST_F(RequestListPipelineTest, ATicketOnlyThisDeviceKnowsComesFirstMarkedErrored) {
+    const auto first = createTicket("Broken zip");
+    const auto second = createTicket("Late order");
+    clock_.clock->advance(600);
+    auto cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
+    LocalIDStore ids;
+    ids.addLocalId("local-only");
+    // A local conversation that got its remote ticket is that ticket's row already.
+    ids.remoteToLocal[second] = "local-sent";
+    ids.addLocalId("local-sent");
+    for (const auto* id : {"local-only", "local-sent"})
+        persistConversation({UserMessage{.id = id, .status = DeliveryStatus::failed, .body = "Typed offline",
+                                         .createdAt = platform::now()}},
+                            std::string(id), std::nullopt, {}, MessageList::currentVersion, false, cache);
+    // A conversation that can't be read adds no row.
+    ids.addLocalId("local-corrupt");
+    cache->store("local-corrupt", "{not json");
+    bool written = false;
+    cache->run([&] { platform::MainQueue::shared().async([&] { written = true; }); });
+    ASSERT_TRUE(settled([&] { return written; }));
+    RequestsWithFailedMessagesIdStore{}.add(first);
+
+    load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(); });
+    ASSERT_EQ(idsOf(list().requests), (std::vector<std::string>{"local-only", second, first}));
+    EXPECT_TRUE(list().requests[0].isErrored);
+    EXPECT_EQ(list().requests[0].requestTitle, "Typed offline");
+    EXPECT_EQ(list().requests[0].updatedAtDate, platform::now());
+    EXPECT_FALSE(list().requests[1].isErrored);
+    EXPECT_TRUE(list().requests[2].isErrored);
+}
+
+TEST_F(RequestListPipelineTest, ClosedTicketsShowOnlyWhenTheSettingsAskForThem) {
+    const auto closed = createTicket("Broken zip");
+    const auto open = createTicket("Late order");
+    host_.tickets().setStatus(closed, "closed");
+
+    load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(false); });
+    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open}));
+    load(RequestListStateType::LoadedFromCache, [&] { fetchCached(); });
+    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open}));
+
+    load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(true); });
+    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open, closed}));
+    EXPECT_EQ(list().requests[1].requestStatus, RequestStatus::closed);
+}
+
+TEST_F(RequestListPipelineTest, AnEmptyAnswerStillEndsLoadedFromNetwork) {
+    ListRecorder recorder;
+    loadSettings();
+    ASSERT_TRUE(settled([&] { return recorder.reached(RequestListStateType::LoadedFromNetwork); }));
+    EXPECT_TRUE(recorder.saw("FetchAgentAvatars"));
+    EXPECT_TRUE(list().requests.empty());
+}
