@@ -34,22 +34,11 @@ std::shared_ptr<tivra::Middleware> makeMiddleware() {
     return chain;
 }
 
-std::shared_ptr<tivra::Store> makeStore() {
-    const auto reducer = makeReducer();
-    // A store of one slice hands its reducer the slice itself rather than the State, so a lone
-    // slice's reducer goes in on its own instead of inside the combination.
-    if (reducer->reducers().size() == 1) {
-        const auto& sole = *reducer->reducers().begin();
-        return tivra::Store::make(tivra::State(reducer->states()), sole.second, makeMiddleware());
-    }
-    return tivra::Tivra::createStore(reducer, makeMiddleware());
-}
-
 } // namespace
 
 std::shared_ptr<tivra::Store> sharedStore() {
     // A function-local static: made once, safely from any thread.
-    static const std::shared_ptr<tivra::Store> store = makeStore();
+    static const std::shared_ptr<tivra::Store> store = tivra::Tivra::createStore(makeReducer(), makeMiddleware());
     return store;
 }
 
