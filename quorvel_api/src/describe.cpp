@@ -8,6 +8,9 @@ template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+// Older clang needs the guide that GCC infers.
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 const char* statusName(ItemDeliveryStatus status) {
     switch (status) {

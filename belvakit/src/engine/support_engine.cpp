@@ -14,6 +14,9 @@ template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+// Older clang needs the guide that GCC infers.
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 } // namespace
 

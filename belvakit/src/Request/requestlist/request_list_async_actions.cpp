@@ -7,6 +7,8 @@
 #include "dastrel/support.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <set>
 
 namespace belvakit {
@@ -32,9 +34,12 @@ void markRequestsWithFailedMessages(std::vector<RequestListCellData>& requests,
 
 std::vector<RequestListCellData> sortedAndFilteredRequests(std::vector<RequestListCellData> requests,
                                                            bool showClosedRequests) {
-    std::sort(requests.begin(), requests.end(), [](const RequestListCellData& left, const RequestListCellData& right) {
-        return left.updatedAtDate > right.updatedAtDate;
-    });
+    // A date that is not a number would break the order for all rows; it sorts as the oldest.
+    const auto key = [](const RequestListCellData& row) {
+        return std::isnan(row.updatedAtDate) ? -std::numeric_limits<double>::infinity() : row.updatedAtDate;
+    };
+    std::sort(requests.begin(), requests.end(),
+              [&](const RequestListCellData& left, const RequestListCellData& right) { return key(left) > key(right); });
     if (!showClosedRequests)
         std::erase_if(requests, [](const RequestListCellData& row) { return rawValue(row.requestStatus) == "closed"; });
     return requests;
