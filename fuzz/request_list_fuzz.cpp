@@ -2,6 +2,8 @@
 #include "belvakit/Request/requestlist/request_list_async_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_service.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -13,9 +15,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto rows = belvakit::requestListCells(*response, {});
     if (rows.size() != response->requests.size()) __builtin_trap();
     const auto shown = belvakit::sortedAndFilteredRequests(rows, false);
+    // Newest first; a date that is not a number counts as the oldest.
     for (std::size_t i = 1; i < shown.size(); ++i)
-        if (shown[i - 1].updatedAtDate < shown[i].updatedAtDate) __builtin_trap();
-    // What was read must write back and read again whole.
+        if (!std::isnan(shown[i].updatedAtDate) &&
+            (std::isnan(shown[i - 1].updatedAtDate) || shown[i - 1].updatedAtDate < shown[i].updatedAtDate))
+            __builtin_trap();
+    // What was read must write back and read again whole. A date too large for a double reads
+    // as infinite and has no JSON form, so only finite ones are held to that.
+    const bool finite = std::all_of(response->requests.begin(), response->requests.end(), [](const auto& request) {
+        return std::isfinite(request.createdAt) && std::isfinite(request.updatedAt.value_or(0)) &&
+               std::isfinite(request.publicUpdatedAt.value_or(0));
+    });
+    if (!finite) return 0;
     const auto again = belvakit::decodeRequestListOfflineCache(belvakit::encodeRequestListOfflineCache(*response));
     if (!again || again->requests.size() != response->requests.size() ||
         again->commentingAgents.size() != response->commentingAgents.size())

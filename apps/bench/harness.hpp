@@ -31,5 +31,6 @@ std::vector<Metric> conversationMetrics();
 std::vector<Metric> richtextMetrics();
 std::vector<Metric> queueMetrics();
 std::vector<Metric> tableMetrics();
+std::vector<Metric> requestListMetrics();
 
 } // namespace bench

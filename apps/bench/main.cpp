@@ -14,7 +14,7 @@ namespace {
 std::vector<bench::Metric> allMetrics() {
     std::vector<bench::Metric> all;
     for (auto&& group : {bench::storeMetrics(), bench::conversationMetrics(), bench::richtextMetrics(),
-                         bench::tableMetrics(), bench::queueMetrics()})
+                         bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics()})
         for (auto& metric : group) all.push_back(metric);
     return all;
 }

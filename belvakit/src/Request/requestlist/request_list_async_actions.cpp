@@ -5,8 +5,12 @@
 #include "corvane/core_logger.hpp"
 #include "corvane/corvane.hpp"
 #include "dastrel/support.hpp"
+#include "platform/files.hpp"
+#include "platform/main_queue.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <set>
 
 namespace belvakit {
@@ -32,9 +36,12 @@ void markRequestsWithFailedMessages(std::vector<RequestListCellData>& requests,
 
 std::vector<RequestListCellData> sortedAndFilteredRequests(std::vector<RequestListCellData> requests,
                                                            bool showClosedRequests) {
-    std::sort(requests.begin(), requests.end(), [](const RequestListCellData& left, const RequestListCellData& right) {
-        return left.updatedAtDate > right.updatedAtDate;
-    });
+    // A date that is not a number would break the order for all rows; it sorts as the oldest.
+    const auto key = [](const RequestListCellData& row) {
+        return std::isnan(row.updatedAtDate) ? -std::numeric_limits<double>::infinity() : row.updatedAtDate;
+    };
+    std::sort(requests.begin(), requests.end(),
+              [&](const RequestListCellData& left, const RequestListCellData& right) { return key(left) > key(right); });
     if (!showClosedRequests)
         std::erase_if(requests, [](const RequestListCellData& row) { return rawValue(row.requestStatus) == "closed"; });
     return requests;
@@ -65,27 +72,25 @@ std::optional<RequestListCellData> localOnlyRow(const std::string& localId, cons
     return RequestListCellData::local(localId, *description, createdAt(messages.front()), true);
 }
 
-// Loads the conversations one after the other, since the cache answers asynchronously.
-struct LocalOnlyWalk : std::enable_shared_from_this<LocalOnlyWalk> {
-    std::shared_ptr<Cache> cache;
-    std::vector<std::string> ids;
-    std::size_t next = 0;
-    std::vector<RequestListCellData> rows;
-    std::function<void(std::vector<RequestListCellData>)> completion;
-
-    void step() {
-        if (next >= ids.size()) return completion(std::move(rows));
-        cache->fetch(ids[next], [self = shared_from_this()](std::optional<std::string> bytes) {
-            const auto& localId = self->ids[self->next];
-            if (bytes)
-                loadConversation(*bytes, MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
-                    if (auto row = localOnlyRow(localId, messages)) self->rows.push_back(std::move(*row));
-                });
-            ++self->next;
-            self->step();
+// Reads the conversations one after the other on the cache's own queue, after its pending
+// writes, and answers once on the main queue rather than once per conversation.
+void loadLocalOnlyRows(const std::shared_ptr<Cache>& cache, std::vector<std::string> ids,
+                       std::function<void(std::vector<RequestListCellData>)> completion) {
+    cache->run([cache, ids = std::move(ids), completion = std::move(completion)]() mutable {
+        std::vector<RequestListCellData> rows;
+        for (const auto& localId : ids) {
+            const auto file = cache->fileURL(localId);
+            const auto bytes = file ? platform::readFile(*file) : std::nullopt;
+            if (!bytes) continue;
+            loadConversation(*bytes, MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
+                if (auto row = localOnlyRow(localId, messages)) rows.push_back(std::move(*row));
+            });
+        }
+        platform::MainQueue::shared().async([rows = std::move(rows), completion = std::move(completion)]() mutable {
+            completion(std::move(rows));
         });
-    }
-};
+    });
+}
 
 std::vector<std::string> localOnlyIds(const LocalIDStore& store) {
     std::set<std::string> mapped;
@@ -159,11 +164,7 @@ void FetchLocalOnlyRequests::execute(const tivra::GetState&, const tivra::Dispat
     };
     auto ids = localOnlyIds(LocalIDStore());
     if (ids.empty() || !cache) return finish({});
-    auto walk = std::make_shared<LocalOnlyWalk>();
-    walk->cache = cache;
-    walk->ids = std::move(ids);
-    walk->completion = std::move(finish);
-    walk->step();
+    loadLocalOnlyRows(cache, std::move(ids), std::move(finish));
 }
 
 void FetchAgentAvatars::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
