@@ -65,6 +65,17 @@ const std::string* parentIdOf(const Message& message) {
         message);
 }
 
+const std::string* bodyOf(const Message& message) {
+    return std::visit(
+        [](const auto& record) -> const std::string* {
+            if constexpr (TextMessage<std::decay_t<decltype(record)>>)
+                return &record.body;
+            else
+                return nullptr;
+        },
+        message);
+}
+
 const std::string& id(const CellItem& item) {
     return std::visit(
         [](const auto& row) -> const std::string& {

@@ -38,14 +38,7 @@ boost::json::array toJson(const std::vector<std::string>& list) { return boost::
 // message carries no text.
 std::optional<dastrel::CRVRequest> requestFrom(const std::vector<Message>& messages) {
     if (messages.empty()) return std::nullopt;
-    const auto* description = std::visit(
-        [](const auto& first) -> const std::string* {
-            if constexpr (TextMessage<std::decay_t<decltype(first)>>)
-                return &first.body;
-            else
-                return nullptr;
-        },
-        messages.front());
+    const std::string* description = bodyOf(messages.front());
     if (!description) return std::nullopt;
     dastrel::CRVRequest request;
     request.requestId = id(messages.back());

@@ -60,14 +60,7 @@ std::vector<RequestListCellData> cellsMarked(const dastrel::CRVRequestsWithComme
 // first message carries no text.
 std::optional<RequestListCellData> localOnlyRow(const std::string& localId, const std::vector<Message>& messages) {
     if (messages.empty()) return std::nullopt;
-    const auto* description = std::visit(
-        [](const auto& first) -> const std::string* {
-            if constexpr (TextMessage<std::decay_t<decltype(first)>>)
-                return &first.body;
-            else
-                return nullptr;
-        },
-        messages.front());
+    const std::string* description = bodyOf(messages.front());
     if (!description) return std::nullopt;
     return RequestListCellData::local(localId, *description, createdAt(messages.front()), true);
 }

@@ -173,6 +173,8 @@ bool setStatus(Message& message, DeliveryStatus status);
 bool hasAttachment(const Message& message);
 // The text an attachment belongs to; null for text rows.
 const std::string* parentIdOf(const Message& message);
+// The text of a text message; null for an attachment.
+const std::string* bodyOf(const Message& message);
 
 const std::string& id(const CellItem& item);
 EventType type(const CellItem& item);
