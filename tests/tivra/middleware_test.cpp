@@ -76,6 +76,44 @@ TEST(CombinedMiddleWare, ALateNextGoesThroughWhileTheChainLivesAndIsDroppedAfter
     EXPECT_EQ(reached, 1);
 }
 
+// A chain run by a store keeps its continuations between dispatches; they must stay sound when
+// a second store runs the same chain in the middle of a dispatch, when kept and called late,
+// and after the chain is gone.
+TEST(CombinedMiddleWare, KeptContinuationsSurviveAStoreSwitchMidDispatchAndTheChainsEnd) {
+    std::shared_ptr<Store> other;
+    DispatchFunction keptNext;
+    bool switched = false;
+    auto switcher = std::make_shared<BlockMiddleware>(
+        [&](const Action& action, const GetState&, const DispatchFunction&, const DispatchFunction& next) {
+            if (other && !switched) {
+                switched = true;
+                other->dispatch(Increment(10));
+            }
+            keptNext = next;
+            next(action);
+        });
+    std::shared_ptr<Middleware> chain = passOn() + switcher + passOn();
+    auto first = storeWith(chain);
+    other = storeWith(chain);
+    first->dispatch(Increment());
+    EXPECT_EQ(counterIn(*first), 1);
+    EXPECT_EQ(counterIn(*other), 10);
+
+    keptNext(Increment(5));  // late: the chain is held for the call
+    EXPECT_EQ(counterIn(*first), 6);
+
+    first->dispatch(Increment());
+    other->dispatch(Increment());
+    EXPECT_EQ(counterIn(*first), 7);
+    EXPECT_EQ(counterIn(*other), 11);
+
+    const DispatchFunction kept = keptNext;
+    other.reset();
+    chain.reset();
+    first.reset();
+    kept(Increment());  // chain and stores gone: nothing happens, nothing dangles
+}
+
 TEST(CombinedMiddleWare, PlusFollowsItsFourRows) {
     auto a = passOn();
     auto b = passOn();

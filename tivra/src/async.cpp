@@ -4,7 +4,7 @@ namespace tivra {
 
 void AsyncMiddleware::onAction(const Action& action, const GetState& getState, const DispatchFunction& dispatch,
                                const DispatchFunction& next) {
-    if (const auto* async = actionAs<AsyncAction>(action)) {
+    if (const auto* async = action.asAsyncAction()) {
         async->execute(getState, dispatch);
         return;
     }

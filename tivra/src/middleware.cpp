@@ -5,11 +5,23 @@
 namespace tivra {
 
 // What one run of the chain was given; shared by its continuations, which may be called late.
-struct CombinedMiddleWare::Call {
+struct CombinedMiddleWare::Link {
     std::weak_ptr<CombinedMiddleWare> chain;
+    // Set while the link is the chain's cache; the chain clears it before it goes.
+    CombinedMiddleWare* cachedBy = nullptr;
     GetState getState;
     DispatchFunction dispatch;
     DispatchFunction next;
+};
+
+struct CombinedMiddleWare::Running {
+    explicit Running(CombinedMiddleWare& running) : chain(running) { ++chain.running_; }
+    ~Running() {
+        if (--chain.running_ == 0) chain.retired_.clear();
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+    CombinedMiddleWare& chain;
 };
 
 namespace {
@@ -20,55 +32,73 @@ bool sameStore(const DispatchFunction& a, const DispatchFunction& b) {
 }
 } // namespace
 
+CombinedMiddleWare::~CombinedMiddleWare() {
+    if (cache_.link) cache_.link->cachedBy = nullptr;
+    for (const Cache& retired : retired_) retired.link->cachedBy = nullptr;
+}
+
 void CombinedMiddleWare::onAction(const Action& action, const GetState& getState, const DispatchFunction& dispatch,
                                   const DispatchFunction& next) {
     if (middlewares.empty()) return;
+    const Running running(*this);
     if (middlewares.size() == 1) {
         middlewares.front()->onAction(action, getState, dispatch, next);
         return;
     }
     if (next.target<detail::StoreNext>()) {
-        // Held for the call: a nested dispatch may rebuild the cache.
-        const auto continuations = cacheFor(getState, dispatch, next).continuations;
-        middlewares.front()->onAction(action, getState, dispatch, (*continuations)[1]);
+        middlewares.front()->onAction(action, getState, dispatch, cacheFor(getState, dispatch, next).continuations[1]);
         return;
     }
-    auto call = std::make_shared<const Call>(Call{weak_from_this(), getState, dispatch, next});
-    const DispatchFunction continuation = [call](const Action& forwarded) { runElement(call, 1, forwarded); };
+    auto link = std::make_shared<Link>(Link{weak_from_this(), nullptr, getState, dispatch, next});
+    const DispatchFunction continuation = [link](const Action& forwarded) { runElement(link, 1, forwarded); };
     middlewares.front()->onAction(action, getState, dispatch, continuation);
 }
 
 const CombinedMiddleWare::Cache& CombinedMiddleWare::cacheFor(const GetState& getState,
                                                               const DispatchFunction& dispatch,
                                                               const DispatchFunction& next) {
-    const bool valid = cache_.call && sameStore(cache_.call->next, next) &&
-                       cache_.continuations->size() == middlewares.size();
+    const bool valid = cache_.link && sameStore(cache_.link->next, next) &&
+                       cache_.continuations.size() == middlewares.size();
     if (valid) return cache_;
-    auto call = std::make_shared<const Call>(Call{weak_from_this(), getState, dispatch, next});
-    auto continuations = std::make_shared<Continuations>(middlewares.size());
+    if (cache_.link) {
+        cache_.link->cachedBy = nullptr;
+        retired_.push_back(std::move(cache_));
+    }
+    auto link = std::make_shared<Link>(Link{weak_from_this(), this, getState, dispatch, next});
+    std::vector<DispatchFunction> continuations(middlewares.size());
     for (std::size_t index = 1; index < middlewares.size(); ++index)
-        (*continuations)[index] = [call, index](const Action& forwarded) { runElement(call, index, forwarded); };
-    cache_ = {std::move(call), std::move(continuations)};
+        continuations[index] = [link, index](const Action& forwarded) { runElement(link, index, forwarded); };
+    cache_ = {std::move(link), std::move(continuations)};
     return cache_;
 }
 
-void CombinedMiddleWare::runElement(const std::shared_ptr<const Call>& call, std::size_t index, const Action& action) {
-    const auto chain = call->chain.lock();
-    if (!chain || index >= chain->middlewares.size()) return;
-    const auto element = chain->middlewares[index];
+void CombinedMiddleWare::runElement(const std::shared_ptr<Link>& link, std::size_t index, const Action& action) {
+    CombinedMiddleWare* chain = link->cachedBy;
+    // Called after its dispatch returned, or from a link the chain no longer keeps: nothing up
+    // the stack may hold the chain, so hold it and the element for the call.
+    std::shared_ptr<CombinedMiddleWare> heldChain;
+    std::shared_ptr<Middleware> heldElement;
+    if (!chain || chain->running_ == 0) {
+        heldChain = link->chain.lock();
+        if (!heldChain) return;
+        chain = heldChain.get();
+    }
+    if (index >= chain->middlewares.size()) return;
+    if (heldChain) heldElement = chain->middlewares[index];
+    Middleware& element = *chain->middlewares[index];
+    const Running running(*chain);
     if (index + 1 >= chain->middlewares.size()) {
-        element->onAction(action, call->getState, call->dispatch, call->next);
+        element.onAction(action, link->getState, link->dispatch, link->next);
         return;
     }
-    if (chain->cache_.call == call && chain->cache_.continuations->size() == chain->middlewares.size()) {
-        const auto continuations = chain->cache_.continuations;
-        element->onAction(action, call->getState, call->dispatch, (*continuations)[index + 1]);
+    if (chain->cache_.link == link && chain->cache_.continuations.size() == chain->middlewares.size()) {
+        element.onAction(action, link->getState, link->dispatch, chain->cache_.continuations[index + 1]);
         return;
     }
-    const DispatchFunction continuation = [call, index](const Action& forwarded) {
-        runElement(call, index + 1, forwarded);
+    const DispatchFunction continuation = [link, index](const Action& forwarded) {
+        runElement(link, index + 1, forwarded);
     };
-    element->onAction(action, call->getState, call->dispatch, continuation);
+    element.onAction(action, link->getState, link->dispatch, continuation);
 }
 
 std::shared_ptr<Middleware> operator+(const std::shared_ptr<Middleware>& left,

@@ -7,19 +7,28 @@ std::optional<std::any> CombinedReducer::reduce(const std::any& state, const Act
     // Not a State: hand the value back with no changed keys; the store sees no known shape.
     if (!incoming) return std::any(std::pair<std::any, std::vector<std::string>>{state, {}});
     State working = *incoming;
-    std::vector<std::string> changed;
+    ChangedKeys changed;
+    reduce(working, action, changed);
+    std::vector<std::string> keys;
+    keys.reserve(changed.size());
+    for (const std::string* key : changed) keys.push_back(*key);
+    return std::any(Result{std::move(working), std::move(keys)});
+}
+
+void CombinedReducer::reduce(State& state, const Action& action, ChangedKeys& changed) const {
+    // The slices are walked as they came in while `state` takes the results.
+    const State incoming = state;
     // Both are in key order, so one walk pairs each slice with its reducer. A reducer whose slice
     // is missing is not called: a slice is never created by reducing, only by the initial state.
     auto reducer = reducers_.begin();
-    incoming->forEach([&](const std::string& key, const std::any& slice) {
+    incoming.forEach([&](const std::string& key, const std::any& slice) {
         while (reducer != reducers_.end() && reducer->first < key) ++reducer;
         if (reducer == reducers_.end() || reducer->first != key) return;
         std::optional<std::any> result = reducer->second(slice, action);
         if (!result) return;
-        working.set(key, std::move(*result));
-        changed.push_back(key);
+        state.set(key, std::move(*result));
+        changed.push_back(&reducer->first);
     });
-    return std::any(Result{std::move(working), std::move(changed)});
 }
 
 std::vector<ReducerEntry> CombinedReducer::entries() const {
@@ -29,9 +38,7 @@ std::vector<ReducerEntry> CombinedReducer::entries() const {
 }
 
 ReducingFunction CombinedReducer::erased() const {
-    return [self = shared_from_this()](const std::any& state, const Action& action) {
-        return self->reduce(state, action);
-    };
+    return Erased{shared_from_this()};
 }
 
 std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right) {

@@ -5,44 +5,44 @@
 namespace tivra {
 
 namespace {
-template <class Entries>
-auto lowerBound(Entries& entries, const std::string& key) {
-    return std::lower_bound(entries.begin(), entries.end(), key,
-                            [](const auto& entry, const std::string& wanted) { return *entry.key < wanted; });
+template <class Keys>
+boost::intrusive_ptr<const Keys> noKeys() {
+    // Shared by every empty state; never freed, since this reference stays.
+    static const boost::intrusive_ptr<const Keys> none(new Keys());
+    return none;
 }
 } // namespace
 
-State::State() : slices_(new Slices()) {}
+State::State() : slices_(new Slices()) { const_cast<Slices&>(*slices_).keys = noKeys<Keys>(); }
 
 State::State(const Dictionary& dictionary) : State() {
-    auto& entries = mutableSlices().entries;
-    for (const auto& [key, value] : dictionary)
-        if (value.has_value())
-            entries.push_back({std::make_shared<const std::string>(key), std::make_shared<const std::any>(value)});
+    auto* keys = new Keys();
+    auto& slices = mutableSlices();
+    for (const auto& [key, value] : dictionary) {
+        if (!value.has_value()) continue;
+        keys->names.push_back(key);
+        slices.values.push_back(std::make_shared<const std::any>(value));
+    }
+    slices.keys = keys;
 }
 
 State::State(std::initializer_list<std::pair<const std::string, std::any>> pairs) : State(Dictionary(pairs)) {}
 
-std::vector<std::string> State::keys() const {
-    std::vector<std::string> out;
-    out.reserve(slices_->entries.size());
-    for (const auto& entry : slices_->entries) out.push_back(*entry.key);
-    return out;
-}
+std::vector<std::string> State::keys() const { return slices_->keys->names; }
 
-std::size_t State::count() const { return slices_->entries.size(); }
+std::size_t State::count() const { return slices_->values.size(); }
 
-bool State::contains(const std::string& key) const { return find(key) != nullptr; }
+bool State::contains(const std::string& key) const { return find(key).second; }
 
-const State::Entry* State::find(const std::string& key) const {
-    const auto& entries = slices_->entries;
-    auto found = lowerBound(entries, key);
-    return found != entries.end() && *found->key == key ? &*found : nullptr;
+std::pair<std::size_t, bool> State::find(const std::string& key) const {
+    const auto& names = slices_->keys->names;
+    const auto found = std::lower_bound(names.begin(), names.end(), key);
+    return {static_cast<std::size_t>(found - names.begin()), found != names.end() && *found == key};
 }
 
 const std::any* State::value(const std::string& key) const {
-    const Entry* entry = find(key);
-    return entry ? entry->value.get() : nullptr;
+    const auto [index, present] = find(key);
+    return present ? slices_->values[index].get() : nullptr;
 }
 
 void State::set(const std::string& key, std::any value) {
@@ -51,31 +51,43 @@ void State::set(const std::string& key, std::any value) {
         return;
     }
     auto boxed = std::make_shared<const std::any>(std::move(value));
-    auto& entries = mutableSlices().entries;
-    auto found = lowerBound(entries, key);
-    if (found != entries.end() && *found->key == key)
-        found->value = std::move(boxed);
-    else
-        entries.insert(found, {std::make_shared<const std::string>(key), std::move(boxed)});
+    const auto [index, present] = find(key);
+    auto& slices = mutableSlices();
+    const auto at = static_cast<std::ptrdiff_t>(index);
+    if (present) {
+        slices.values[index] = std::move(boxed);
+        return;
+    }
+    auto* keys = new Keys(*slices.keys);
+    keys->names.insert(keys->names.begin() + at, key);
+    slices.keys = keys;
+    slices.values.insert(slices.values.begin() + at, std::move(boxed));
 }
 
 void State::remove(const std::string& key) {
-    if (!contains(key)) return;
-    auto& entries = mutableSlices().entries;
-    entries.erase(lowerBound(entries, key));
+    const auto [index, present] = find(key);
+    if (!present) return;
+    auto& slices = mutableSlices();
+    const auto at = static_cast<std::ptrdiff_t>(index);
+    auto* keys = new Keys(*slices.keys);
+    keys->names.erase(keys->names.begin() + at);
+    slices.keys = keys;
+    slices.values.erase(slices.values.begin() + at);
 }
 
 State::Dictionary State::dictionary() const {
     Dictionary out;
-    for (const auto& entry : slices_->entries) out.emplace(*entry.key, *entry.value);
+    forEach([&](const std::string& key, const std::any& value) { out.emplace(key, value); });
     return out;
 }
 
 State::Slices& State::mutableSlices() {
-    // Copy on write: the entries are cloned only while another State shares them; slices stay shared.
+    // Copy on write: cloned only while another State shares them; the slices themselves and
+    // the key table stay shared.
     if (slices_->use_count() > 1) {
         boost::intrusive_ptr<Slices> copy(new Slices());
-        copy->entries = slices_->entries;
+        copy->keys = slices_->keys;
+        copy->values = slices_->values;
         slices_ = copy;
     }
     return const_cast<Slices&>(*slices_);

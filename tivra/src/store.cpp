@@ -46,6 +46,8 @@ void informWithCurrentState(const Store& store, const Listener& listener,
 Store::Store(State state, ReducingFunction reducer)
     : state_(std::move(state)),
       reducer_(std::move(reducer)),
+      combined_(reducer_.target<CombinedReducer::Erased>() ? reducer_.target<CombinedReducer::Erased>()->reducer.get()
+                                                          : nullptr),
       listeners_(std::make_shared<const std::vector<Registered>>()),
       actionListeners_(std::make_shared<const std::map<std::string, ActionListenerFunction>>()) {}
 
@@ -82,71 +84,83 @@ void Store::dispatch(const Action& action) {
 }
 
 void Store::dispatchOnMain(const Action& action) {
-    const auto actionListeners = actionListeners_;
-    for (const auto& entry : *actionListeners) entry.second(action);
+    if (!actionListeners_->empty()) {
+        const auto actionListeners = actionListeners_;
+        for (const auto& entry : *actionListeners) entry.second(action);
+    }
     if (dispatchingFunction_) dispatchingFunction_(action);
 }
 
 void Store::reduceAndNotify(const Action& action) {
     const State oldState = state_;
+    ChangedKeys changed;
+    std::vector<std::string> keyStorage;
     isDispatching_ = true;
-    const std::vector<std::string> changed = apply(action);
+    apply(action, changed, keyStorage);
     isDispatching_ = false;
     notifyListeners(changed, oldState);
 }
 
-std::vector<std::string> Store::apply(const Action& action) {
+void Store::apply(const Action& action, ChangedKeys& changed, std::vector<std::string>& keyStorage) {
     if (state_.count() == 1) {
         const State current = state_;
-        std::vector<std::string> changed;
         current.forEach([&](const std::string& key, const std::any& slice) {
             std::optional<std::any> result = reducer_(slice, action);
             if (!result) return;
             state_.set(key, std::move(*result));
-            changed.push_back(key);
+            changed.push_back(&keyStorage.emplace_back(key));
         });
-        return changed;
+        return;
+    }
+    if (combined_) {
+        State working = state_;
+        combined_->reduce(working, action, changed);
+        state_ = std::move(working);
+        return;
     }
     std::optional<std::any> result = reducer_(std::any(state_), action);
-    if (!result) return {};
+    if (!result) return;
     auto* combined = std::any_cast<CombinedReducer::Result>(&*result);
-    if (!combined) return {};
+    if (!combined) return;
     state_ = std::move(combined->first);
-    return std::move(combined->second);
+    keyStorage = std::move(combined->second);
+    for (const std::string& key : keyStorage) changed.push_back(&key);
 }
 
-void Store::notifyListeners(const std::vector<std::string>& changedKeys, const State& oldState) {
-    std::vector<std::size_t> changedHashes;
-    changedHashes.reserve(changedKeys.size());
-    for (const auto& key : changedKeys) changedHashes.push_back(std::hash<std::string>{}(key));
+void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldState) {
+    boost::container::small_vector<std::size_t, 8> changedHashes;
+    for (const std::string* key : changedKeys) changedHashes.push_back(std::hash<std::string>{}(*key));
     const auto isChanged = [&](const Registered& entry) {
         for (std::size_t i = 0; i < changedKeys.size(); ++i)
-            if (changedHashes[i] == entry.keyHash && changedKeys[i] == *entry.listener.stateKey) return true;
+            if (changedHashes[i] == entry.keyHash && *changedKeys[i] == *entry.listener.stateKey) return true;
         return false;
     };
 
     const auto snapshot = listeners_;
     std::optional<std::any> oldWhole;
+    // Keeps the slices a listener is given alive while it runs, since its nested dispatch may
+    // replace the state. Taken again only when the state did change.
+    State current = state_;
     // Listeners of one key tend to stand together: while the state holds still, their slices are
     // looked up once.
     const Registered* lastKeyed = nullptr;
-    State lastState;
     const std::any* lastOld = nullptr;
     const std::any* lastNew = nullptr;
     for (const Registered& entry : *snapshot) {
         const Listener& listener = entry.listener;
         if (listener.stateKey && !isChanged(entry)) continue;
-        // Read afresh, since an earlier listener's nested dispatch may have changed the state;
-        // the copy keeps this listener's slices alive while it runs.
-        const State current = state_;
+        // Read afresh, since an earlier listener's nested dispatch may have changed the state.
+        if (!current.isSameInstance(state_)) {
+            current = state_;
+            lastKeyed = nullptr;
+        }
         const std::any* oldValue = nullptr;
         const std::any* newValue = nullptr;
         if (listener.stateKey) {
             const bool sameSlice = lastKeyed && lastKeyed->keyHash == entry.keyHash &&
-                                   *lastKeyed->listener.stateKey == *listener.stateKey && lastState.isSameInstance(current);
+                                   *lastKeyed->listener.stateKey == *listener.stateKey;
             if (!sameSlice) {
                 lastKeyed = &entry;
-                lastState = current;
                 lastOld = oldState.value(*listener.stateKey);
                 lastNew = current.value(*listener.stateKey);
             }

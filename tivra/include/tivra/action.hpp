@@ -6,6 +6,7 @@
 namespace tivra {
 
 class State;
+class AsyncAction;
 
 // Marker of everything dispatched.
 class Action {
@@ -13,6 +14,8 @@ public:
     virtual ~Action() = default;
     // Printed form for logs; the type's unqualified name unless an action says more.
     virtual std::string description() const;
+    // Every dispatch asks this; a virtual call is cheaper than a cast that walks the hierarchy.
+    virtual const AsyncAction* asAsyncAction() const { return nullptr; }
 };
 
 using GetState = std::function<State()>;
@@ -22,6 +25,7 @@ using DispatchFunction = std::function<void(const Action&)>;
 class AsyncAction : public Action {
 public:
     virtual void execute(const GetState& getState, const DispatchFunction& dispatch) const = 0;
+    const AsyncAction* asAsyncAction() const final { return this; }
 };
 
 // The action as T, or null when it is of another type.

@@ -31,9 +31,15 @@ public:
 };
 
 // Runs its middlewares in order on the way down; code after `next` runs on the way back up.
+// Like the store, it is used on the main thread only.
 class CombinedMiddleWare final : public Middleware, public std::enable_shared_from_this<CombinedMiddleWare> {
 public:
     using MiddlewareFunction = BlockMiddleware::MiddlewareFunction;
+
+    CombinedMiddleWare() = default;
+    CombinedMiddleWare(const CombinedMiddleWare&) = delete;
+    CombinedMiddleWare& operator=(const CombinedMiddleWare&) = delete;
+    ~CombinedMiddleWare() override;
 
     void onAction(const Action& action, const GetState& getState, const DispatchFunction& dispatch,
                   const DispatchFunction& next) override;
@@ -43,19 +49,24 @@ public:
     std::vector<std::shared_ptr<Middleware>> middlewares;
 
 private:
-    struct Call;
-    using Continuations = std::vector<DispatchFunction>;
-    // Continuations built once for the store that last ran this chain, so that a dispatch does
-    // not allocate them anew. Each holds its Call; the Call holds the chain weakly.
+    struct Link;
+    struct Running;
+    // Continuations built once for the store that last ran this chain, so that a dispatch
+    // allocates none. Slot i runs middleware i.
     struct Cache {
-        std::shared_ptr<const Call> call;
-        std::shared_ptr<const Continuations> continuations;
+        std::shared_ptr<Link> link;
+        std::vector<DispatchFunction> continuations;
     };
 
     const Cache& cacheFor(const GetState& getState, const DispatchFunction& dispatch, const DispatchFunction& next);
-    static void runElement(const std::shared_ptr<const Call>& call, std::size_t index, const Action& action);
+    static void runElement(const std::shared_ptr<Link>& link, std::size_t index, const Action& action);
 
     Cache cache_;
+    // Caches replaced while the chain was running: a frame up the stack may still be in one.
+    std::vector<Cache> retired_;
+    // Frames of this chain on the stack. While there are any, something up the stack holds the
+    // chain, so a hop needs no hold of its own.
+    int running_ = 0;
 };
 
 // Builds chains. Left-built chains (the first two rows) are what the system uses:

@@ -4,6 +4,8 @@
 #include "tivra/state.hpp"
 #include "tivra/state_key.hpp"
 
+#include <boost/container/small_vector.hpp>
+
 #include <any>
 #include <functional>
 #include <memory>
@@ -16,6 +18,9 @@ namespace tivra {
 // A reducer with its slice type erased: the incoming value is the slice as a dynamic value.
 // An absent result means the slice did not change.
 using ReducingFunction = std::function<std::optional<std::any>(const std::any&, const Action&)>;
+
+// The keys a dispatch changed, pointing at keys the reducer owns. Few per dispatch: no heap.
+using ChangedKeys = boost::container::small_vector<const std::string*, 8>;
 
 // One slice as a reducer contributes it to a combination.
 struct ReducerEntry {
@@ -98,6 +103,17 @@ public:
 
     // Never absent: an action no slice cares about gives the same state and no keys.
     std::optional<std::any> reduce(const std::any& state, const Action& action) const;
+    // The same on a State the caller owns, with the changed keys appended: what a store does
+    // without boxing the result. The keys live as long as this reducer.
+    void reduce(State& state, const Action& action, ChangedKeys& changed) const;
+
+    // What `erased()` gives: a store that recognises it calls the reducer without boxing.
+    struct Erased {
+        std::shared_ptr<const CombinedReducer> reducer;
+        std::optional<std::any> operator()(const std::any& state, const Action& action) const {
+            return reducer->reduce(state, action);
+        }
+    };
 
     std::vector<ReducerEntry> entries() const override;
     ReducingFunction erased() const override;

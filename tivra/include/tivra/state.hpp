@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/container/small_vector.hpp>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <boost/smart_ptr/intrusive_ref_counter.hpp>
 
@@ -53,20 +54,24 @@ public:
     // Calls `visit(key, value)` for every slice, in key order.
     template <class Visit>
     void forEach(Visit&& visit) const {
-        for (const auto& entry : slices_->entries) visit(*entry.key, *entry.value);
+        const auto& names = slices_->keys->names;
+        for (std::size_t index = 0; index < names.size(); ++index) visit(names[index], *slices_->values[index]);
     }
 
 private:
-    struct Entry {
-        std::shared_ptr<const std::string> key;
-        std::shared_ptr<const std::any> value;
+    // The keys change far less often than the values: copies written to share one table.
+    struct Keys : boost::intrusive_ref_counter<Keys, boost::thread_safe_counter> {
+        std::vector<std::string> names;  // sorted
     };
-    // Few slices: a sorted vector beats a tree for lookups and for the copy on write.
+    // Few slices: sorted arrays beat a tree for lookups and for the copy on write, and the
+    // values of a usual state fit the copy's own allocation.
     struct Slices : boost::intrusive_ref_counter<Slices, boost::thread_safe_counter> {
-        std::vector<Entry> entries;
+        boost::intrusive_ptr<const Keys> keys;
+        boost::container::small_vector<std::shared_ptr<const std::any>, 8> values;
     };
 
-    const Entry* find(const std::string& key) const;
+    // The index of `key`, or of where it would go, and whether it is there.
+    std::pair<std::size_t, bool> find(const std::string& key) const;
     Slices& mutableSlices();
 
     boost::intrusive_ptr<const Slices> slices_;

@@ -81,11 +81,14 @@ private:
     Listener appendListener(Listener listener);
     void dispatchOnMain(const Action& action);
     void reduceAndNotify(const Action& action);
-    std::vector<std::string> apply(const Action& action);
-    void notifyListeners(const std::vector<std::string>& changedKeys, const State& oldState);
+    // `keyStorage` owns the changed keys that neither the state nor the reducer does.
+    void apply(const Action& action, ChangedKeys& changed, std::vector<std::string>& keyStorage);
+    void notifyListeners(const ChangedKeys& changedKeys, const State& oldState);
 
     State state_;
     ReducingFunction reducer_;
+    // The reducer when it is a combination, called without boxing the state or its result.
+    const CombinedReducer* combined_ = nullptr;
     struct Registered {
         Listener listener;
         std::size_t keyHash;  // lets the pass skip unchanged keys without comparing text
