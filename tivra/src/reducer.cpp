@@ -8,16 +8,15 @@ std::optional<std::any> CombinedReducer::reduce(const std::any& state, const Act
     if (!incoming) return std::any(std::pair<std::any, std::vector<std::string>>{state, {}});
     State working = *incoming;
     ChangedKeys changed;
-    reduce(working, action, changed);
+    reduce(*incoming, working, action, changed);
     std::vector<std::string> keys;
     keys.reserve(changed.size());
     for (const std::string* key : changed) keys.push_back(*key);
     return std::any(Result{std::move(working), std::move(keys)});
 }
 
-void CombinedReducer::reduce(State& state, const Action& action, ChangedKeys& changed) const {
-    // The slices are walked as they came in while `state` takes the results.
-    const State incoming = state;
+void CombinedReducer::reduce(const State& incoming, State& working, const Action& action,
+                             ChangedKeys& changed) const {
     // Both are in key order, so one walk pairs each slice with its reducer. A reducer whose slice
     // is missing is not called: a slice is never created by reducing, only by the initial state.
     auto reducer = reducers_.begin();
@@ -26,7 +25,7 @@ void CombinedReducer::reduce(State& state, const Action& action, ChangedKeys& ch
         if (reducer == reducers_.end() || reducer->first != key) return;
         std::optional<std::any> result = reducer->second(slice, action);
         if (!result) return;
-        state.set(key, std::move(*result));
+        working.set(key, std::move(*result));
         changed.push_back(&reducer->first);
     });
 }

@@ -96,14 +96,14 @@ void Store::reduceAndNotify(const Action& action) {
     ChangedKeys changed;
     std::vector<std::string> keyStorage;
     isDispatching_ = true;
-    apply(action, changed, keyStorage);
+    apply(action, oldState, changed, keyStorage);
     isDispatching_ = false;
     notifyListeners(changed, oldState);
 }
 
-void Store::apply(const Action& action, ChangedKeys& changed, std::vector<std::string>& keyStorage) {
-    if (state_.count() == 1) {
-        const State current = state_;
+void Store::apply(const Action& action, const State& current, ChangedKeys& changed,
+                  std::vector<std::string>& keyStorage) {
+    if (current.count() == 1) {
         current.forEach([&](const std::string& key, const std::any& slice) {
             std::optional<std::any> result = reducer_(slice, action);
             if (!result) return;
@@ -113,12 +113,12 @@ void Store::apply(const Action& action, ChangedKeys& changed, std::vector<std::s
         return;
     }
     if (combined_) {
-        State working = state_;
-        combined_->reduce(working, action, changed);
+        State working = current;
+        combined_->reduce(current, working, action, changed);
         state_ = std::move(working);
         return;
     }
-    std::optional<std::any> result = reducer_(std::any(state_), action);
+    std::optional<std::any> result = reducer_(std::any(current), action);
     if (!result) return;
     auto* combined = std::any_cast<CombinedReducer::Result>(&*result);
     if (!combined) return;

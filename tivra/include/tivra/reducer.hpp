@@ -103,9 +103,10 @@ public:
 
     // Never absent: an action no slice cares about gives the same state and no keys.
     std::optional<std::any> reduce(const std::any& state, const Action& action) const;
-    // The same on a State the caller owns, with the changed keys appended: what a store does
-    // without boxing the result. The keys live as long as this reducer.
-    void reduce(State& state, const Action& action, ChangedKeys& changed) const;
+    // The same without boxing, as a store calls it: the slices of `incoming` are reduced into
+    // `working` (a copy of it the caller owns) and the changed keys appended. The keys live as
+    // long as this reducer.
+    void reduce(const State& incoming, State& working, const Action& action, ChangedKeys& changed) const;
 
     // What `erased()` gives: a store that recognises it calls the reducer without boxing.
     struct Erased {

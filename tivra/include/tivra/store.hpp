@@ -81,8 +81,9 @@ private:
     Listener appendListener(Listener listener);
     void dispatchOnMain(const Action& action);
     void reduceAndNotify(const Action& action);
-    // `keyStorage` owns the changed keys that neither the state nor the reducer does.
-    void apply(const Action& action, ChangedKeys& changed, std::vector<std::string>& keyStorage);
+    // Reduces `current`, the state as the dispatch found it. `keyStorage` owns the changed keys
+    // that neither the state nor the reducer does.
+    void apply(const Action& action, const State& current, ChangedKeys& changed, std::vector<std::string>& keyStorage);
     void notifyListeners(const ChangedKeys& changedKeys, const State& oldState);
 
     State state_;
