@@ -12,6 +12,13 @@ namespace tivra {
 namespace detail {
 
 void StoreNext::operator()(const Action& action) const {
+    if (store.expired()) return;
+    // Within the store's own middleware run the store is held up the stack; called later, it
+    // is held here.
+    if (raw->middlewareDepth_ > 0) {
+        raw->reduceAndNotify(action);
+        return;
+    }
     if (auto strong = store.lock()) strong->reduceAndNotify(action);
 }
 
@@ -61,12 +68,14 @@ std::shared_ptr<Store> Store::make(State state, ReducingFunction reducer, std::s
     store->dispatch_ = [weak](const Action& action) {
         if (auto strong = weak.lock()) strong->dispatch(action);
     };
-    store->next_ = detail::StoreNext{weak};
+    store->next_ = detail::StoreNext{weak, store.get()};
     if (middleware) {
         store->dispatchingFunction_ = [weak, middleware = std::move(middleware)](const Action& action) {
             auto strong = weak.lock();
             if (!strong) return;
+            ++strong->middlewareDepth_;
             middleware->onAction(action, strong->getState_, strong->dispatch_, strong->next_);
+            --strong->middlewareDepth_;
         };
     } else {
         // Held weakly as well: a store nobody refers to has nothing left to dispatch.

@@ -99,6 +99,8 @@ private:
     std::shared_ptr<const std::map<std::string, ActionListenerFunction>> actionListeners_;
     std::function<void(const Action&)> dispatchingFunction_;
     bool isDispatching_ = false;
+    // Middleware runs of this store on the stack, each holding the store.
+    int middlewareDepth_ = 0;
     // What a middleware is given; they hold the store weakly.
     GetState getState_;
     DispatchFunction dispatch_;

@@ -13,6 +13,7 @@ namespace detail {
 // A chain recognises it to reuse its continuations across dispatches of the same store.
 struct StoreNext {
     std::weak_ptr<Store> store;
+    Store* raw = nullptr;  // read only while `store` has not expired
     void operator()(const Action& action) const;
 };
 
