@@ -147,9 +147,11 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldStat
 
     const auto snapshot = listeners_;
     std::optional<std::any> oldWhole;
-    // Keeps the slices a listener is given alive while it runs, since its nested dispatch may
-    // replace the state. Taken again only when the state did change.
-    State current = state_;
+    // The current state, boxed once for the whole-state listeners. Holding it keeps the slices
+    // a listener is given alive while it runs, since its nested dispatch may replace the state.
+    // Taken again only when the state did change.
+    std::any currentWhole(state_);
+    const State* current = std::any_cast<State>(&currentWhole);
     // Listeners of one key tend to stand together: while the state holds still, their slices are
     // looked up once.
     const Registered* lastKeyed = nullptr;
@@ -159,8 +161,9 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldStat
         const Listener& listener = entry.listener;
         if (listener.stateKey && !isChanged(entry)) continue;
         // Read afresh, since an earlier listener's nested dispatch may have changed the state.
-        if (!current.isSameInstance(state_)) {
-            current = state_;
+        if (!current->isSameInstance(state_)) {
+            currentWhole = state_;
+            current = std::any_cast<State>(&currentWhole);
             lastKeyed = nullptr;
         }
         const std::any* oldValue = nullptr;
@@ -171,14 +174,13 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldStat
             if (!sameSlice) {
                 lastKeyed = &entry;
                 lastOld = oldState.value(*listener.stateKey);
-                lastNew = current.value(*listener.stateKey);
+                lastNew = current->value(*listener.stateKey);
             }
             oldValue = lastOld;
             newValue = lastNew;
         }
-        std::optional<std::any> newWhole;
         if (!oldValue) oldValue = &(oldWhole ? *oldWhole : oldWhole.emplace(oldState));
-        if (!newValue) newValue = &newWhole.emplace(current);
+        if (!newValue) newValue = &currentWhole;
         if (listener.filterBlock(*oldValue, *newValue)) listener.notify(*newValue);
     }
 }
