@@ -6,16 +6,17 @@ std::optional<std::any> CombinedReducer::reduce(const std::any& state, const Act
     const State* incoming = std::any_cast<State>(&state);
     // Not a State: hand the value back with no changed keys; the store sees no known shape.
     if (!incoming) return std::any(std::pair<std::any, std::vector<std::string>>{state, {}});
-    State working = *incoming;
+    std::optional<State> reduced;
     ChangedKeys changed;
-    reduce(*incoming, working, action, changed);
+    reduce(*incoming, reduced, action, changed);
+    State working = reduced ? std::move(*reduced) : *incoming;
     std::vector<std::string> keys;
     keys.reserve(changed.size());
     for (const std::string* key : changed) keys.push_back(*key);
     return std::any(Result{std::move(working), std::move(keys)});
 }
 
-void CombinedReducer::reduce(const State& incoming, State& working, const Action& action,
+void CombinedReducer::reduce(const State& incoming, std::optional<State>& reduced, const Action& action,
                              ChangedKeys& changed) const {
     // Both are in key order, so one walk pairs each slice with its reducer. A reducer whose slice
     // is missing is not called: a slice is never created by reducing, only by the initial state.
@@ -25,7 +26,8 @@ void CombinedReducer::reduce(const State& incoming, State& working, const Action
         if (reducer == reducers_.end() || reducer->first != key) return;
         std::optional<std::any> result = reducer->second(slice, action);
         if (!result) return;
-        working.set(key, std::move(*result));
+        if (!reduced) reduced.emplace(State::detachedCopy(incoming));
+        reduced->set(key, std::move(*result));
         changed.push_back(&reducer->first);
     });
 }

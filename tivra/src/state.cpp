@@ -81,6 +81,14 @@ State::Dictionary State::dictionary() const {
     return out;
 }
 
+State State::detachedCopy(const State& other) {
+    State copy;
+    auto& slices = const_cast<Slices&>(*copy.slices_);
+    slices.keys = other.slices_->keys;
+    slices.values = other.slices_->values;
+    return copy;
+}
+
 State::Slices& State::mutableSlices() {
     // Copy on write: cloned only while another State shares them; the slices themselves and
     // the key table stay shared.

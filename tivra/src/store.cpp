@@ -28,7 +28,7 @@ void removeListener(Store& store, const std::string& id) {
     auto remaining = std::make_shared<std::vector<Store::Registered>>();
     std::copy_if(store.listeners_->begin(), store.listeners_->end(), std::back_inserter(*remaining),
                  [&](const Store::Registered& entry) { return entry.listener.id != id; });
-    store.listeners_ = std::move(remaining);
+    store.replaceListeners(std::move(remaining));
 }
 
 void removeActionListener(Store& store, const std::string& id) {
@@ -101,13 +101,15 @@ void Store::dispatchOnMain(const Action& action) {
 }
 
 void Store::reduceAndNotify(const Action& action) {
-    const State oldState = state_;
+    // Boxed from the start, as whole-state listeners are given it.
+    const std::any oldWhole(state_);
+    const State& oldState = *std::any_cast<State>(&oldWhole);
     ChangedKeys changed;
     std::vector<std::string> keyStorage;
     isDispatching_ = true;
     apply(action, oldState, changed, keyStorage);
     isDispatching_ = false;
-    notifyListeners(changed, oldState);
+    notifyListeners(changed, oldWhole);
 }
 
 void Store::apply(const Action& action, const State& current, ChangedKeys& changed,
@@ -122,9 +124,9 @@ void Store::apply(const Action& action, const State& current, ChangedKeys& chang
         return;
     }
     if (combined_) {
-        State working = current;
-        combined_->reduce(current, working, action, changed);
-        state_ = std::move(working);
+        std::optional<State> reduced;
+        combined_->reduce(current, reduced, action, changed);
+        if (reduced) state_ = std::move(*reduced);
         return;
     }
     std::optional<std::any> result = reducer_(std::any(current), action);
@@ -136,7 +138,8 @@ void Store::apply(const Action& action, const State& current, ChangedKeys& chang
     for (const std::string& key : keyStorage) changed.push_back(&key);
 }
 
-void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldState) {
+void Store::notifyListeners(const ChangedKeys& changedKeys, const std::any& oldWhole) {
+    const State& oldState = *std::any_cast<State>(&oldWhole);
     boost::container::small_vector<std::size_t, 8> changedHashes;
     for (const std::string* key : changedKeys) changedHashes.push_back(std::hash<std::string>{}(*key));
     const auto isChanged = [&](const Registered& entry) {
@@ -145,8 +148,10 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldStat
         return false;
     };
 
-    const auto snapshot = listeners_;
-    std::optional<std::any> oldWhole;
+    // The snapshot: a listener added or removed during the pass replaces `listeners_`, and the
+    // list replaced is kept until the pass is over.
+    const std::vector<Registered>& snapshot = *listeners_;
+    const NotifyingPass pass(*this);
     // The current state, boxed once for the whole-state listeners. Holding it keeps the slices
     // a listener is given alive while it runs, since its nested dispatch may replace the state.
     // Taken again only when the state did change.
@@ -157,7 +162,7 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldStat
     const Registered* lastKeyed = nullptr;
     const std::any* lastOld = nullptr;
     const std::any* lastNew = nullptr;
-    for (const Registered& entry : *snapshot) {
+    for (const Registered& entry : snapshot) {
         const Listener& listener = entry.listener;
         if (listener.stateKey && !isChanged(entry)) continue;
         // Read afresh, since an earlier listener's nested dispatch may have changed the state.
@@ -179,10 +184,21 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const State& oldStat
             oldValue = lastOld;
             newValue = lastNew;
         }
-        if (!oldValue) oldValue = &(oldWhole ? *oldWhole : oldWhole.emplace(oldState));
+        if (!oldValue) oldValue = &oldWhole;
         if (!newValue) newValue = &currentWhole;
         if (listener.filterBlock(*oldValue, *newValue)) listener.notify(*newValue);
     }
+}
+
+void Store::replaceListeners(std::shared_ptr<const std::vector<Registered>> listeners) {
+    if (notifyingPasses_ > 0) replacedListeners_.push_back(std::move(listeners_));
+    listeners_ = std::move(listeners);
+}
+
+Store::NotifyingPass::NotifyingPass(Store& passing) : store(passing) { ++store.notifyingPasses_; }
+
+Store::NotifyingPass::~NotifyingPass() {
+    if (--store.notifyingPasses_ == 0) store.replacedListeners_.clear();
 }
 
 ActionSubscription Store::addActionListener(ActionListenerFunction actionListener) {
@@ -198,7 +214,7 @@ Listener Store::appendListener(Listener listener) {
     auto updated = std::make_shared<std::vector<Registered>>(*listeners_);
     const std::size_t keyHash = listener.stateKey ? std::hash<std::string>{}(*listener.stateKey) : 0;
     updated->push_back({listener, keyHash});
-    listeners_ = std::move(updated);
+    replaceListeners(std::move(updated));
     return listener;
 }
 

@@ -103,10 +103,11 @@ public:
 
     // Never absent: an action no slice cares about gives the same state and no keys.
     std::optional<std::any> reduce(const std::any& state, const Action& action) const;
-    // The same without boxing, as a store calls it: the slices of `incoming` are reduced into
-    // `working` (a copy of it the caller owns) and the changed keys appended. The keys live as
-    // long as this reducer.
-    void reduce(const State& incoming, State& working, const Action& action, ChangedKeys& changed) const;
+    // The same without boxing, as a store calls it: `reduced` takes the new state, and stays
+    // absent when no slice changed; the changed keys are appended. The keys live as long as
+    // this reducer.
+    void reduce(const State& incoming, std::optional<State>& reduced, const Action& action,
+                ChangedKeys& changed) const;
 
     // What `erased()` gives: a store that recognises it calls the reducer without boxing.
     struct Erased {

@@ -48,6 +48,10 @@ public:
 
     Dictionary dictionary() const;
 
+    // A copy with its own table of slices from the start (the slices themselves stay shared),
+    // for a writer that knows it will write: its first write then copies nothing.
+    static State detachedCopy(const State& other);
+
     // Whether both are copies of one state that neither has written to since.
     bool isSameInstance(const State& other) const { return slices_ == other.slices_; }
 

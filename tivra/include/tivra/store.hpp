@@ -84,7 +84,8 @@ private:
     // Reduces `current`, the state as the dispatch found it. `keyStorage` owns the changed keys
     // that neither the state nor the reducer does.
     void apply(const Action& action, const State& current, ChangedKeys& changed, std::vector<std::string>& keyStorage);
-    void notifyListeners(const ChangedKeys& changedKeys, const State& oldState);
+    // `oldWhole` holds the state as the dispatch found it.
+    void notifyListeners(const ChangedKeys& changedKeys, const std::any& oldWhole);
 
     State state_;
     ReducingFunction reducer_;
@@ -94,8 +95,19 @@ private:
         Listener listener;
         std::size_t keyHash;  // lets the pass skip unchanged keys without comparing text
     };
-    // Copied on write, so a notification pass or dispatch keeps its own snapshot for free.
+    // Copied on write, so a notification pass keeps its own snapshot.
     std::shared_ptr<const std::vector<Registered>> listeners_;
+    // Lists replaced while a notification pass was walking them, kept until no pass is.
+    struct NotifyingPass {
+        explicit NotifyingPass(Store& passing);
+        ~NotifyingPass();
+        NotifyingPass(const NotifyingPass&) = delete;
+        NotifyingPass& operator=(const NotifyingPass&) = delete;
+        Store& store;
+    };
+    std::vector<std::shared_ptr<const std::vector<Registered>>> replacedListeners_;
+    int notifyingPasses_ = 0;
+    void replaceListeners(std::shared_ptr<const std::vector<Registered>> listeners);
     std::shared_ptr<const std::map<std::string, ActionListenerFunction>> actionListeners_;
     std::function<void(const Action&)> dispatchingFunction_;
     bool isDispatching_ = false;
