@@ -73,11 +73,18 @@ AgentImage imageMessage() {
 
 } // namespace
 
-TEST(FileFetcher, StoresNewBytesUnderTheFileKeyAndMarksTheMessageDownloaded) {
+TEST(FileFetcher, StoresNewBytesUnderTheFileKeyAndMarksTheMessageDownloadedEvenOnAFailure) {
     Fixture f;
-    f.provider->bytes["https://belva.example.com/f/12"] = "%PDF-1";
     const FileFetcher fetcher{f.provider, f.cache};
     std::optional<Message> result;
+    fetcher.fetch(fileMessage(), [&](Message message) { result = std::move(message); });
+    ASSERT_TRUE(result);
+    EXPECT_TRUE(std::get<UserFile>(*result).downloaded) << "a network failure still completes";
+    drain(*f.cache);
+    EXPECT_FALSE(f.cache->fileURL("12_data_ab.pdf"));
+
+    f.provider->bytes["https://belva.example.com/f/12"] = "%PDF-1";
+    result.reset();
     fetcher.fetch(fileMessage(), [&](Message message) { result = std::move(message); });
     ASSERT_TRUE(result);
     EXPECT_TRUE(std::get<UserFile>(*result).downloaded);
@@ -89,17 +96,6 @@ TEST(FileFetcher, StoresNewBytesUnderTheFileKeyAndMarksTheMessageDownloaded) {
     fetcher.fetch(fileMessage(), [](Message) {});
     drain(*f.cache);
     EXPECT_EQ(platform::readFile(f.cache->path() / "12_data_ab.pdf"), "%PDF-1");
-}
-
-TEST(FileFetcher, ANetworkFailureStillCompletesAndCachesNothing) {
-    Fixture f;
-    const FileFetcher fetcher{f.provider, f.cache};
-    std::optional<Message> result;
-    fetcher.fetch(fileMessage(), [&](Message message) { result = std::move(message); });
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(std::get<UserFile>(*result).downloaded);
-    drain(*f.cache);
-    EXPECT_FALSE(f.cache->fileURL("12_data_ab.pdf"));
 }
 
 TEST(ImageFetcher, AFullImageFromTheNetworkIsKeptForTheRowAndThePreview) {
