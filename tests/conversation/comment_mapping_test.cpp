@@ -10,14 +10,8 @@ using namespace belvakit;
 namespace {
 
 Request::Attachment attachment(std::int64_t id, std::string name, FileType type) {
-    Request::Attachment result;
-    result.id = id;
-    result.fileName = std::move(name);
-    result.fileUrl = "https://files/" + std::to_string(id);
-    result.fileType = type;
-    result.fileSize = 2048;
-    result.createdAt = 1700000050;
-    return result;
+    return {.id = id, .fileName = std::move(name), .fileUrl = "https://files/" + std::to_string(id), .fileType = type,
+            .fileSize = 2048, .createdAt = 1700000050};
 }
 
 Request::Comment comment(bool isAgent, std::string body, std::vector<Request::Attachment> attachments) {
