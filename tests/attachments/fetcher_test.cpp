@@ -54,21 +54,13 @@ struct Fixture {
 };
 
 UserFile fileMessage() {
-    UserFile file;
-    file.id = "12";
-    file.filename = "a/b.pdf";
-    file.attachmentUrl = "https://belva.example.com/f/12";
-    file.status = DeliveryStatus::delivered;
-    return file;
+    return {.id = "12", .filename = "a/b.pdf", .status = DeliveryStatus::delivered,
+            .attachmentUrl = "https://belva.example.com/f/12"};
 }
 
 AgentImage imageMessage() {
-    AgentImage image;
-    image.id = "30";
-    image.filename = "shot.png";
-    image.imageUrl = "https://belva.example.com/i/30";
-    image.thumbnailUrl = "https://belva.example.com/t/30";
-    return image;
+    return {.id = "30", .filename = "shot.png", .imageUrl = "https://belva.example.com/i/30",
+            .thumbnailUrl = "https://belva.example.com/t/30"};
 }
 
 } // namespace
@@ -147,8 +139,7 @@ TEST(AttachmentFetcher, AsksOnceForEachAttachmentAndTakesFilesFromTheCacheOnly) 
     std::vector<Message> filled;
     fetcher.setCallback([&](const Message& message) { filled.push_back(message); });
 
-    UserMessage text;
-    text.id = "1";
+    const UserMessage text{.id = "1"};
     auto uncachedFile = fileMessage();
     uncachedFile.id = "13";
     const std::vector<Message> table{text, fileMessage(), uncachedFile, imageMessage()};
