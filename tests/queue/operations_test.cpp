@@ -188,12 +188,8 @@ TEST_F(OperationsTest, ATicketIsMadeFromTheConfigurationAndItsAnswerIsRead) {
     config.subject = "Order";
     config.tags = {"mobile"};
     config.ticketFormID = 77;
-    dastrel::CRVRequest request;
-    request.requestId = "501";
-    request.requestDescription = "Help";
-    request.createdAt = 1600;
     const boost::json::object body{
-        {"request", request.toJson()},
+        {"request", dastrel::CRVRequest{.requestId = "501", .requestDescription = "Help", .createdAt = 1600}.toJson()},
         {"last_comment", dastrel::CRVComment{.commentId = 61, .body = "Help", .createdAt = 1600}.toJson()}};
     provider_->createResponse = dastrel::CRVDispatcherResponse{201, boost::json::serialize(body)};
     const auto results =
