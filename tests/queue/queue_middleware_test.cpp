@@ -188,8 +188,9 @@ TEST_F(QueueMiddlewareTest, DetailsOnAKnownTicketFetchBeforeTheCommentAndConfigR
     ASSERT_EQ(middleware_->requestOperations().size(), 2u);
     const auto& fetch = *middleware_->requestOperations()[0];
     EXPECT_NE(dynamic_cast<const FetchNewCommentsOperation*>(&fetch), nullptr);
-    EXPECT_EQ(fetch.id().size(), 36u) << "a UUID string";
-    EXPECT_EQ(fetch.id(), fetch.id());
+    const std::string fetchId = fetch.id();
+    EXPECT_EQ(fetchId.size(), 36u) << "a UUID string";
+    EXPECT_EQ(fetch.id(), fetchId) << "made once";
     const auto* comment = dynamic_cast<const CommentRequestOperation*>(middleware_->requestOperations()[1].get());
     ASSERT_NE(comment, nullptr);
     EXPECT_EQ(comment->id(), "local-1");
