@@ -63,13 +63,19 @@ TEST(ConcreteCache, WithoutACoreDirectoryThereIsNoCache) {
                                         "Could not retrieve core cache directory"}));
 }
 
-TEST(ConcreteCache, MakesItsDirectoryAndLabelsItsQueueWithIt) {
+TEST(ConcreteCache, MakesItsDirectoryLabelsItsQueueWithItAndGivesFileURLsOfStoredKeys) {
     TemporaryDirectory root;
     const auto cache = cacheIn(root.path() + "/nested", true);
     ASSERT_NE(cache, nullptr);
     EXPECT_TRUE(std::filesystem::is_directory(root.path() + "/nested/Tickets"));
     EXPECT_EQ(cache->queue().label(), "file://" + root.path() + "/nested/Tickets/");
     EXPECT_TRUE(cache->allowOverwrite());
+
+    // A key's file URL exists once it is stored.
+    EXPECT_FALSE(cache->fileURL("12_data_a.pdf"));
+    cache->store("12_data_a.pdf", "pdf");
+    drain(*cache);
+    EXPECT_EQ(cache->fileURL("12_data_a.pdf"), cache->path() / "12_data_a.pdf");
 }
 
 TEST(ConcreteCache, OverwriteKeepsTheLaterBytesWhenAllowedAndTheFirstOtherwise) {
@@ -105,15 +111,6 @@ TEST(ConcreteCache, FetchAnswersOnTheMainQueueWithBytesOrNothing) {
     EXPECT_FALSE(unknown.bytes);
     const auto verbose = log.messages(LogLevel::verbose);
     EXPECT_NE(std::find(verbose.begin(), verbose.end(), "Fetching from cache: unknown"), verbose.end());
-}
-
-TEST(ConcreteCache, FileURLIsTheKeyInTheDirectoryOnceStored) {
-    TemporaryDirectory root;
-    const auto cache = cacheIn(root.path(), true);
-    EXPECT_FALSE(cache->fileURL("12_data_a.pdf"));
-    cache->store("12_data_a.pdf", "pdf");
-    drain(*cache);
-    EXPECT_EQ(cache->fileURL("12_data_a.pdf"), cache->path() / "12_data_a.pdf");
 }
 
 TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {

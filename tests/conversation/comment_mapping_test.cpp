@@ -10,14 +10,8 @@ using namespace belvakit;
 namespace {
 
 Request::Attachment attachment(std::int64_t id, std::string name, FileType type) {
-    Request::Attachment result;
-    result.id = id;
-    result.fileName = std::move(name);
-    result.fileUrl = "https://files/" + std::to_string(id);
-    result.fileType = type;
-    result.fileSize = 2048;
-    result.createdAt = 1700000050;
-    return result;
+    return {.id = id, .fileName = std::move(name), .fileUrl = "https://files/" + std::to_string(id), .fileType = type,
+            .fileSize = 2048, .createdAt = 1700000050};
 }
 
 Request::Comment comment(bool isAgent, std::string body, std::vector<Request::Attachment> attachments) {
@@ -26,7 +20,7 @@ Request::Comment comment(bool isAgent, std::string body, std::vector<Request::At
 
 } // namespace
 
-TEST(CommentToMessages, UserCommentOfAttachmentsAloneHasNoText) {
+TEST(CommentToMessages, UserCommentOfAttachmentsAloneHasNoTextAndAgentRowsCarryTheirAuthor) {
     auto messages = messagesFromComment(comment(false, "[a.png, b.pdf]", {attachment(11, "a.png", FileType::png),
                                                                          attachment(12, "b.pdf", FileType::pdf)}));
     ASSERT_EQ(messages.size(), 2u);
@@ -47,37 +41,14 @@ TEST(CommentToMessages, UserCommentOfAttachmentsAloneHasNoText) {
     EXPECT_TRUE(std::holds_alternative<UserImage>(messages[2])) << "HEIC is an image";
     EXPECT_TRUE(std::holds_alternative<UserFile>(messagesFromComment(
         comment(false, "x", {attachment(13, "c", FileType::unknown)}))[1]));
-}
 
-TEST(CommentToMessages, AgentRowsCarryTheirAuthorAndKeepTheirText) {
-    const auto messages = messagesFromComment(
+    // Agent rows carry their author and keep their text.
+    messages = messagesFromComment(
         comment(true, "[a.png]", {attachment(11, "a.png", FileType::jpeg), attachment(12, "r.pdf", FileType::pdf)}));
     ASSERT_EQ(messages.size(), 3u);
     EXPECT_EQ(std::get<AgentMessage>(messages[0]).name, "Ada");
     EXPECT_EQ(std::get<AgentImage>(messages[1]).avatarURL, "https://avatars/3");
     EXPECT_EQ(std::get<AgentFile>(messages[2]).userID, 3);
-}
-
-TEST(ProviderComment, TakesItsAuthorAndAttachmentKindsFromTheRecords) {
-    dastrel::CRVCommentWithUser source;
-    source.comment.commentId = 55;
-    source.comment.createdAt = 1700000000;
-    source.comment.attachments = {dastrel::CRVAttachment{56, "p.heic", "https://files/56", "IMAGE/HEIC", 9, 10, 20,
-                                                         "https://thumbs/56", 1, 2},
-                                  dastrel::CRVAttachment{57, "x", "", "application/x-odd", 0, 0, 0, "", 0, 0}};
-    source.user = {9, "Grace", "https://avatars/9", true};
-    const auto comment = commentFromProvider(source);
-    EXPECT_EQ(comment.id, 55);
-    EXPECT_TRUE(comment.isAgent);
-    EXPECT_EQ(comment.name, "Grace");
-    ASSERT_EQ(comment.attachments.size(), 2u);
-    const auto& first = comment.attachments[0];
-    EXPECT_EQ(first.fileType, FileType::heic);
-    EXPECT_EQ(first.commentId, 55);
-    EXPECT_EQ(first.thumbUrl, "https://thumbs/56");
-    EXPECT_EQ(first.imageSize, (platform::Size{10, 20}));
-    EXPECT_EQ(first.createdAt, 1700000000);
-    EXPECT_EQ(comment.attachments[1].fileType, FileType::unknown);
 }
 
 TEST(LocalMessages, TextAndChosenAttachmentsAreQueuedTogether) {

@@ -25,7 +25,8 @@ TEST(FileType, RawValuesAndTableRows) {
     EXPECT_NE(icon(FileType::pdf), nullptr);
 }
 
-TEST(FileType, FromURLComparesTheExtensionExactly) {
+// URLs compare the extension exactly, MIME types ignore case.
+TEST(FileType, FromURLAndMimeType) {
     EXPECT_EQ(fileTypeFromURL("file:///tmp/a.png"), FileType::png);
     EXPECT_EQ(fileTypeFromURL("/tmp/dir.v2/b.numbers"), FileType::numbers);
     // The first of two cases with one extension wins.
@@ -34,17 +35,9 @@ TEST(FileType, FromURLComparesTheExtensionExactly) {
     EXPECT_EQ(fileTypeFromURL("file:///tmp/c.jpg"), FileType::unknown);
     EXPECT_EQ(fileTypeFromURL("file:///tmp/noextension"), FileType::unknown);
     EXPECT_EQ(fileTypeFromURL("https://x.example.com/d.pdf?download=1"), FileType::pdf);
-}
-
-TEST(FileType, FromMimeTypeIgnoresCase) {
     EXPECT_EQ(fileTypeFromMimeType("IMAGE/HEIC"), FileType::heic);
     EXPECT_EQ(fileTypeFromMimeType("Image/JPEG"), FileType::jpeg);
     EXPECT_EQ(fileTypeFromMimeType("application/msword"), FileType::doc);
     EXPECT_EQ(fileTypeFromMimeType(""), FileType::unknown);
     EXPECT_EQ(fileTypeFromMimeType("video/mp4"), FileType::unknown);
-}
-
-TEST(FileType, UnnamedAttachmentsTakeTheirIdAndExtension) {
-    EXPECT_EQ(interpolatedFilename("X", FileType::jpeg), "AttachmentX.jpeg");
-    EXPECT_EQ(interpolatedFilename("X", FileType::unknown), "AttachmentX.");
 }

@@ -2,90 +2,43 @@
 
 #include "belvakit/Request/conversation/message.hpp"
 
+// One record of each kind with every field set to something other than its default.
 namespace conversation_fixtures {
 
 using namespace belvakit;
 
 inline UserMessage userMessage(std::string id, DeliveryStatus status = DeliveryStatus::delivered) {
-    UserMessage message;
-    message.id = std::move(id);
-    message.status = status;
-    message.body = "Hello there";
-    message.htmlBody = "<p>Hello there</p>";
-    message.createdAt = 1700000000.25;
-    message.isEndOfGroup = true;
-    return message;
+    return {.id = std::move(id), .status = status, .body = "Hello there", .htmlBody = "<p>Hello there</p>",
+            .createdAt = 1700000000.25, .isEndOfGroup = true};
 }
 
 inline AgentMessage agentMessage(std::string id, std::int64_t userID = 77) {
-    AgentMessage message;
-    message.id = std::move(id);
-    message.body = "We are on it";
-    message.htmlBody = "<b>We</b> are on it";
-    message.createdAt = 1700000100.5;
-    message.userID = userID;
-    message.name = "Ada";
-    message.avatarURL = "https://belva.example.com/a.png";
-    return message;
+    return {.id = std::move(id), .body = "We are on it", .htmlBody = "<b>We</b> are on it", .createdAt = 1700000100.5,
+            .userID = userID, .name = "Ada", .avatarURL = "https://belva.example.com/a.png"};
 }
 
 inline UserImage userImage(std::string id, DeliveryStatus status = DeliveryStatus::failed) {
-    UserImage image;
-    image.id = std::move(id);
-    image.parentId = "P1";
-    image.filename = "photo.png";
-    image.status = status;
-    image.fileType = FileType::png;
-    image.imageUrl = "https://belva.example.com/i/1";
-    image.thumbnailUrl = "https://belva.example.com/t/1";
-    image.imageSize = {640.5, 480};
-    image.createdAt = 1700000200;
-    return image;
+    return {.id = std::move(id), .parentId = "P1", .filename = "photo.png", .status = status,
+            .fileType = FileType::png, .imageUrl = "https://belva.example.com/i/1",
+            .thumbnailUrl = "https://belva.example.com/t/1", .imageSize = {640.5, 480}, .createdAt = 1700000200};
 }
 
 inline AgentImage agentImage(std::string id) {
-    AgentImage image;
-    image.id = std::move(id);
-    image.parentId = "P2";
-    image.filename = "screen.jpeg";
-    image.fileType = FileType::heic;
-    image.imageUrl = "https://belva.example.com/i/2";
-    image.thumbnailUrl = "https://belva.example.com/t/2";
-    image.imageSize = {1024, 768.75};
-    image.createdAt = 1700000300;
-    image.userID = 78;
-    image.name = "Grace";
-    image.isEndOfGroup = true;
-    return image;
+    return {.id = std::move(id), .parentId = "P2", .filename = "screen.jpeg", .fileType = FileType::heic,
+            .imageUrl = "https://belva.example.com/i/2", .thumbnailUrl = "https://belva.example.com/t/2",
+            .imageSize = {1024, 768.75}, .createdAt = 1700000300, .userID = 78, .name = "Grace", .isEndOfGroup = true};
 }
 
 inline UserFile userFile(std::string id, DeliveryStatus status = DeliveryStatus::lastDelivered) {
-    UserFile file;
-    file.id = std::move(id);
-    file.parentId = "P3";
-    file.filename = "report.pdf";
-    file.status = status;
-    file.size = 123456;
-    file.attachmentUrl = "https://belva.example.com/f/3";
-    file.fileType = FileType::pdf;
-    file.createdAt = 1700000400;
-    file.downloaded = true;
-    return file;
+    return {.id = std::move(id), .parentId = "P3", .filename = "report.pdf", .status = status, .size = 123456,
+            .attachmentUrl = "https://belva.example.com/f/3", .fileType = FileType::pdf, .createdAt = 1700000400,
+            .downloaded = true};
 }
 
 inline AgentFile agentFile(std::string id) {
-    AgentFile file;
-    file.id = std::move(id);
-    file.parentId = "P4";
-    file.filename = "sheet.xls";
-    file.size = 42;
-    file.attachmentUrl = "https://belva.example.com/f/4";
-    file.fileType = FileType::xls;
-    file.createdAt = 1700000500;
-    file.userID = 79;
-    file.name = "Linus";
-    file.avatarURL = "https://belva.example.com/l.png";
-    return file;
+    return {.id = std::move(id), .parentId = "P4", .filename = "sheet.xls", .size = 42,
+            .attachmentUrl = "https://belva.example.com/f/4", .fileType = FileType::xls, .createdAt = 1700000500,
+            .userID = 79, .name = "Linus", .avatarURL = "https://belva.example.com/l.png"};
 }
 
 } // namespace conversation_fixtures

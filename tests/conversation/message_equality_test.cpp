@@ -35,6 +35,14 @@ TEST(EquatableMessage, ComparesIdGroupEndAndTheFieldsOfSharedCapabilities) {
     auto downloaded = userFile("5");
     downloaded.downloaded = !downloaded.downloaded;
     EXPECT_FALSE(sameRow(userFile("5"), downloaded));
+
+    // A user message and a user file of one id share only the status.
+    auto text = userMessage("same", DeliveryStatus::failed);
+    auto file = userFile("same", DeliveryStatus::failed);
+    file.isEndOfGroup = text.isEndOfGroup;
+    EXPECT_TRUE(sameRow(text, file));
+    file.status = DeliveryStatus::delivered;
+    EXPECT_FALSE(sameRow(text, file));
 }
 
 TEST(EquatableMessage, ImagesMustHoldTheVeryBitmapObjects) {
@@ -47,16 +55,6 @@ TEST(EquatableMessage, ImagesMustHoldTheVeryBitmapObjects) {
     EXPECT_TRUE(sameRow(left, right));
     right.thumbnailUrl = "elsewhere";
     EXPECT_FALSE(sameRow(left, right));
-}
-
-TEST(EquatableMessage, DifferentKindsWithOneIdCompareOnlyWhatTheyShare) {
-    // A user message and a user file of one id share only the status.
-    auto text = userMessage("same", DeliveryStatus::failed);
-    auto file = userFile("same", DeliveryStatus::failed);
-    file.isEndOfGroup = text.isEndOfGroup;
-    EXPECT_TRUE(sameRow(text, file));
-    file.status = DeliveryStatus::delivered;
-    EXPECT_FALSE(sameRow(text, file));
 }
 
 TEST(EquatableCellItem, MatchesByKindThenByContent) {
@@ -74,24 +72,21 @@ TEST(EquatableCellItem, MatchesByKindThenByContent) {
     EXPECT_FALSE(cell(Message(userMessage("2"))) == cell(Message(agentMessage("2"))));
 }
 
-TEST(GroupingEqutable, AgentsGroupByAuthorOnly) {
-    EXPECT_TRUE(continues(agentMessage("1", 5), agentFile("2")) == false);
+TEST(GroupingEqutable, AgentsByAuthorUsersWhateverTheirTimeAndAFailedRowEndsItsGroup) {
+    EXPECT_FALSE(continues(agentMessage("1", 5), agentFile("2")));
     auto file = agentFile("2");
     file.userID = 5;
     EXPECT_TRUE(continues(agentMessage("1", 5), file));
     EXPECT_FALSE(continues(agentMessage("1", 5), agentMessage("3", 6)));
-}
 
-TEST(GroupingEqutable, AFailedRowEndsItsGroupButMayJoinThePreviousOne) {
-    EXPECT_FALSE(continues(userMessage("1", DeliveryStatus::failed), userMessage("2", DeliveryStatus::delivered)));
-    EXPECT_TRUE(continues(userMessage("1", DeliveryStatus::delivered), userMessage("2", DeliveryStatus::failed)));
-    EXPECT_TRUE(continues(userMessage("1", DeliveryStatus::failed), userImage("2", DeliveryStatus::failed)));
-}
-
-TEST(GroupingEqutable, UserRowsGroupWhateverTheirTimeAndNeverWithAgents) {
     auto later = userFile("2", DeliveryStatus::delivered);
     later.createdAt = userMessage("1").createdAt + 7 * 24 * 3600;
     EXPECT_TRUE(continues(userMessage("1"), later));
     EXPECT_FALSE(continues(userMessage("1"), agentMessage("2")));
     EXPECT_FALSE(continues(agentMessage("2"), userMessage("1")));
+
+    // A failed row ends its group but may join the previous one.
+    EXPECT_FALSE(continues(userMessage("1", DeliveryStatus::failed), userMessage("2", DeliveryStatus::delivered)));
+    EXPECT_TRUE(continues(userMessage("1", DeliveryStatus::delivered), userMessage("2", DeliveryStatus::failed)));
+    EXPECT_TRUE(continues(userMessage("1", DeliveryStatus::failed), userImage("2", DeliveryStatus::failed)));
 }

@@ -1,7 +1,6 @@
 #include "belvakit/Request/conversation/request_table_reducer.hpp"
 
 #include "belvakit/Request/conversation/actions.hpp"
-#include "belvakit/entry/shared_store.hpp"
 #include "table_fixtures.hpp"
 
 using namespace table_fixtures;
@@ -196,15 +195,4 @@ TEST_F(RequestTableReducerTest, NoticesWaitForTheNextRecompute) {
     Actions::NewMessage next;
     next.message = agent("a1", t0 + 1);
     EXPECT_EQ(rowIds(reduce(state, next).cellItems), (Strings{"date", "u1", "system", "a1", "system"}));
-}
-
-TEST(SharedStore, HoldsTheConversationSlice) {
-    auto store = sharedStore();
-    Actions::NewMessage message;
-    message.message = text("shared", t0);
-    store->dispatch(message);
-    ASSERT_NE(store->state().valueOfType<RequestTableState>(), nullptr);
-    EXPECT_EQ(ids(store->state().valueOfType<RequestTableState>()->tableData), (Strings{"shared"}));
-    store->dispatch(Actions::InitializeRequestControllerState{});
-    EXPECT_TRUE(store->state().valueOfType<RequestTableState>()->tableData.empty());
 }

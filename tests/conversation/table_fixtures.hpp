@@ -24,14 +24,8 @@ inline AgentMessage agent(std::string id, Date at, std::int64_t userID = 7) {
 }
 
 inline UserImage image(std::string id, std::string parentId, Date at, DeliveryStatus status = DeliveryStatus::delivered) {
-    UserImage message;
-    message.id = std::move(id);
-    message.parentId = std::move(parentId);
-    message.filename = "pic.png";
-    message.status = status;
-    message.fileType = FileType::png;
-    message.createdAt = at;
-    return message;
+    return {.id = std::move(id), .parentId = std::move(parentId), .filename = "pic.png", .status = status,
+            .fileType = FileType::png, .createdAt = at};
 }
 
 inline Strings ids(const std::vector<Message>& messages) {

@@ -2,7 +2,6 @@
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
-#include "belvakit/entry/shared_store.hpp"
 #include "fenlow/common_theme.hpp"
 #include "platform/url_opener.hpp"
 #include "tivra/tivra.hpp"
@@ -32,22 +31,6 @@ CreateRequestActions::InitializeCreateRequest initialize(bool requiresEmail, boo
     action.referrerUrl = std::move(referrerUrl);
     return action;
 }
-
-// Swaps in a recording opener for the life of the object.
-class RecordedLinks {
-public:
-    RecordedLinks() : previous_(platform::URLOpener::setShared(opener_)) {}
-    ~RecordedLinks() { platform::URLOpener::setShared(previous_); }
-    std::vector<std::string> opened() const {
-        std::vector<std::string> texts;
-        for (const auto& url : opener_->openedURLs()) texts.push_back(url.absoluteString());
-        return texts;
-    }
-
-private:
-    std::shared_ptr<platform::HeadlessURLOpener> opener_ = std::make_shared<platform::HeadlessURLOpener>();
-    std::shared_ptr<platform::URLOpener> previous_;
-};
 
 } // namespace
 
@@ -163,43 +146,18 @@ TEST(CreateRequestReducer, EditsAttachmentButtonAndSettingsRowsAndSilenceForOthe
 }
 
 TEST(CreateRequestReducer, ReferOpenOpensOnlyAParsableLinkAndNeverChangesTheState) {
-    RecordedLinks links;
+    const auto opener = std::make_shared<platform::HeadlessURLOpener>();
+    const auto previous = platform::URLOpener::setShared(opener);
     const CreateRequestReducer reducer;
     auto state = initialCreateRequestState();
     for (const char* unusable : {"", "not a link", "http://bad host"}) {
         state.referrerUrl = unusable;
         EXPECT_FALSE(reducer.reduce(state, CreateRequestActions::ReferOpen()));
     }
-    EXPECT_TRUE(links.opened().empty());
+    EXPECT_TRUE(opener->openedURLs().empty());
 
     state.referrerUrl = "https://example.com/?ref=form";
     EXPECT_FALSE(reducer.reduce(state, CreateRequestActions::ReferOpen()));
-    EXPECT_EQ(links.opened(), std::vector<std::string>{"https://example.com/?ref=form"});
-}
-
-TEST(CreateRequestReducer, InAStoreAFailureSurvivesTheDrainedQueueWithoutANotification) {
-    auto store = tivra::Tivra::createStore(std::make_shared<CreateRequestReducer>());
-    std::vector<Sending> seen;
-    store->addListener<CreateRequestState>(std::nullopt, tivra::EqualsFilter,
-                                           [&](const CreateRequestState& s) { seen.push_back(s.sending); });
-
-    store->dispatch(initialize(false, false, false, ""));
-    store->dispatch(CreateRequestActions::SendPressed());
-    store->dispatch(Actions::TicketCreationError());
-    store->dispatch(RequestQueueActions::QueueCompleted());
-    EXPECT_EQ(store->state().value<CreateRequestState>("CreateRequestState")->sending, Sending::failure);
-
-    store->dispatch(CreateRequestActions::SendPressed());
-    store->dispatch(Actions::TicketCreated());
-    store->dispatch(RequestQueueActions::QueueCompleted());
-    store->dispatch(RequestQueueActions::QueueCompleted());  // equal state: filtered out
-    EXPECT_EQ(seen, (std::vector<Sending>{Sending::sending, Sending::failure, Sending::sending, Sending::success,
-                                          Sending::sent}));
-}
-
-TEST(CreateRequestReducer, TheSharedStoreStartsWithTheSliceUnderItsTypeName) {
-    const auto* slice = sharedStore()->state().value<CreateRequestState>("CreateRequestState");
-    ASSERT_TRUE(slice);
-    EXPECT_EQ(*slice, initialCreateRequestState());
-    EXPECT_EQ(slice->primaryColor, initialCreateRequestState().primaryColor);
+    EXPECT_EQ(opener->openedURLs(), std::vector{*platform::URL::parse("https://example.com/?ref=form")});
+    platform::URLOpener::setShared(previous);
 }

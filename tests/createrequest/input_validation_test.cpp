@@ -57,38 +57,16 @@ struct Form {
     }
 };
 
-// Collects the edits the form reports to the shared store.
-class EditsSeen {
-public:
-    EditsSeen()
-        : subscription_(sharedStore()->addActionListener([this](const tivra::Action& action) {
-              if (const auto* edited = tivra::actionAs<CreateRequestActions::Edited>(action))
-                  values.push_back(edited->hasEdits);
-          })) {}
-    ~EditsSeen() { subscription_.removeListener(); }
-    std::vector<bool> values;
-
-private:
-    tivra::ActionSubscription subscription_;
-};
-
 } // namespace
 
-TEST(FormValidator, EmailMustMatchWholeWithAShortLastLabel) {
+TEST(FormValidator, EmailMustMatchWholeWithAShortLastLabelAndAFailureTurnsInlineValidationOn) {
     FormValidator validator;
     for (const char* good : {"a@b.co", "a@b.info", "first.last+tag@mail.example.org", "A_1%x@x-y.Z"})
         EXPECT_TRUE(validator.isValid(good)) << good;
     EXPECT_FALSE(validator.inlineValidationEnabeled);  // successes don't turn it on
     for (const char* bad : {"a@b.museum", "a@b", "a b@c.de", " a@b.co", "a@b.co ", "a@b.co\nx@y.de", "@b.co", ""})
         EXPECT_FALSE(validator.isValid(bad)) << bad;
-}
-
-TEST(FormValidator, FirstFailureTurnsInlineValidationOnForGood) {
-    FormValidator validator;
-    EXPECT_TRUE(validator.isValid("a@b.co"));
-    EXPECT_FALSE(validator.inlineValidationEnabeled);
-    EXPECT_FALSE(validator.isValid("a@b"));
-    EXPECT_TRUE(validator.inlineValidationEnabeled);
+    EXPECT_TRUE(validator.inlineValidationEnabeled);  // the first failure turns it on for good
     EXPECT_TRUE(validator.isValid("a@b.co"));
     EXPECT_TRUE(validator.inlineValidationEnabeled);
 }
@@ -126,6 +104,14 @@ TEST(CreateRequestInputFieldsValidator, BindingMakesItTheDelegateAndListsTheView
     EXPECT_EQ(form.validator->views().size(), 3u);
     EXPECT_EQ(form.validator->views()[1], form.email);
 
+    // Beginning to edit runs the form's callback when it has one.
+    form.name->beginEditing();
+    form.description->beginEditing();
+    EXPECT_EQ(form.delegate->beganEditing, 2);
+    form.delegate->withCallback = false;
+    form.email->beginEditing();
+    EXPECT_EQ(form.delegate->beganEditing, 2);
+
     form.email.reset();  // the view list is built on each use
     EXPECT_EQ(form.validator->views().size(), 2u);
     EXPECT_EQ(form.validator->views()[1], form.description);
@@ -133,6 +119,10 @@ TEST(CreateRequestInputFieldsValidator, BindingMakesItTheDelegateAndListsTheView
 
 TEST(CreateRequestInputFieldsValidator, SendsOnlyWithAValidOnScreenEmailAndAllFieldsFilled) {
     Form form;
+    form.checkBeforeSend();  // an empty, unchecked email blocks only through "all filled"
+    EXPECT_EQ(form.sent, 0);
+    EXPECT_EQ(form.delegate->last(), std::pair(true, false));
+
     form.email->setText("a@b");
     form.checkBeforeSend();
     EXPECT_EQ(form.sent, 0);
@@ -146,13 +136,6 @@ TEST(CreateRequestInputFieldsValidator, SendsOnlyWithAValidOnScreenEmailAndAllFi
     form.description->setText("   ");
     form.checkBeforeSend();
     EXPECT_EQ(form.sent, 1);
-    EXPECT_EQ(form.delegate->last(), std::pair(true, false));
-}
-
-TEST(CreateRequestInputFieldsValidator, AnEmptyUncheckedEmailBlocksOnlyThroughAllFilled) {
-    Form form;
-    form.checkBeforeSend();
-    EXPECT_EQ(form.sent, 0);
     EXPECT_EQ(form.delegate->last(), std::pair(true, false));
 }
 
@@ -219,7 +202,10 @@ TEST(CreateRequestInputFieldsValidator, TypingFollowsTheFieldsFlagUntilTheFirstF
 }
 
 TEST(CreateRequestInputFieldsValidator, TextChangesReportEditsToTheStore) {
-    EditsSeen edits;
+    std::vector<bool> edits;
+    auto subscription = sharedStore()->addActionListener([&](const tivra::Action& action) {
+        if (const auto* edited = tivra::actionAs<CreateRequestActions::Edited>(action)) edits.push_back(edited->hasEdits);
+    });
     Form form;
     form.name->replaceText(" ");
     form.email->setText(std::nullopt);  // absent text: no report, but the edits still update
@@ -230,7 +216,8 @@ TEST(CreateRequestInputFieldsValidator, TextChangesReportEditsToTheStore) {
     form.name->replaceText("  ");
     EXPECT_EQ(form.delegate->reports.size(), reports + 1);
     form.description->replaceText("Help");
-    EXPECT_EQ(edits.values, (std::vector<bool>{true, false, false, true}));
+    subscription.removeListener();
+    EXPECT_EQ(edits, (std::vector<bool>{true, false, false, true}));
 }
 
 TEST(CreateRequestInputFieldsValidator, DescriptionChangesCheckTheEmailOnlyWhenItIsOnScreen) {
@@ -253,16 +240,6 @@ TEST(CreateRequestInputFieldsValidator, RebindingStopsWatchingTheOldField) {
     EXPECT_EQ(form.delegate->reports.size(), reports);  // the old field is no longer observed
     replacement->replaceText("x");
     EXPECT_EQ(form.delegate->reports.size(), reports + 1);
-}
-
-TEST(CreateRequestInputFieldsValidator, BeginEditingRunsTheFormsCallbackWhenItHasOne) {
-    Form form;
-    form.name->beginEditing();
-    form.description->beginEditing();
-    EXPECT_EQ(form.delegate->beganEditing, 2);
-    form.delegate->withCallback = false;
-    form.email->beginEditing();
-    EXPECT_EQ(form.delegate->beganEditing, 2);
 }
 
 TEST(PlaceHolderTextView, PlaceholderIsHiddenExactlyWhileThereIsText) {

@@ -9,19 +9,9 @@ using namespace dastrel;
 
 namespace {
 CRVRequest fullRequest() {
-    CRVRequest request;
-    request.requestId = "123";
-    request.requestDescription = "Printer on fire";
-    request.subject = "Help";
-    request.status = "pending";
-    request.createdAt = 1700000000.5;
-    request.updatedAt = 1700000100;
-    request.publicUpdatedAt = 1700000090;
-    request.commentCount = 3;
-    request.lastComment = "We are on it";
-    request.commentingAgentsIds = {501, 502};
-    request.requesterId = 1;
-    return request;
+    return {.requestId = "123", .requestDescription = "Printer on fire", .subject = "Help", .status = "pending",
+            .createdAt = 1700000000.5, .updatedAt = 1700000100, .publicUpdatedAt = 1700000090, .commentCount = 3,
+            .lastComment = "We are on it", .commentingAgentsIds = {501, 502}, .requesterId = 1};
 }
 } // namespace
 
@@ -29,30 +19,16 @@ TEST(DastrelRecords, RequestsUsersAndCommentsSurviveTheirJsonForm) {
     const CRVRequest request = fullRequest();
     EXPECT_EQ(CRVRequest::initWithDict(boost::json::parse(boost::json::serialize(request.toJson()))), request);
 
-    CRVRequest sparse;
-    sparse.requestId = "7";
-    sparse.requestDescription = "d";
+    const CRVRequest sparse{.requestId = "7", .requestDescription = "d"};
     EXPECT_EQ(CRVRequest::initWithDict(sparse.toJson()), sparse);
 
     const CRVSupportUser agent{501, "Ada", "https://x/a.png", true};
     EXPECT_EQ(CRVSupportUser::fromJson(agent.toJson()), agent);
 
-    CRVComment comment;
-    comment.commentId = 9;
-    comment.requestId = "123";
-    comment.body = "Hello";
-    comment.htmlBody = "<p>Hello</p>";
-    comment.authorId = 501;
-    comment.createdAt = 1700000001;
-    CRVAttachment file;
-    file.attachmentId = 77;
-    file.filename = "a.png";
-    file.contentURLString = "https://x/a.png";
-    file.contentType = "image/png";
-    file.size = 10;
-    file.width = 640;
-    file.height = 480;
-    comment.attachments = {file};
+    const CRVAttachment file{.attachmentId = 77, .filename = "a.png", .contentURLString = "https://x/a.png",
+                             .contentType = "image/png", .size = 10, .width = 640, .height = 480};
+    const CRVComment comment{.commentId = 9, .requestId = "123", .body = "Hello", .htmlBody = "<p>Hello</p>",
+                             .authorId = 501, .createdAt = 1700000001, .attachments = {file}};
     EXPECT_EQ(CRVComment::initWithDictionary(comment.toJson()), comment);
 }
 

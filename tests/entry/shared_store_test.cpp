@@ -1,3 +1,7 @@
+#include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/request_table_state.hpp"
+#include "belvakit/Request/createrequest/create_request_actions.hpp"
+#include "belvakit/Request/createrequest/create_request_state.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "tivra/async.hpp"
 
@@ -27,15 +31,28 @@ TEST(SharedStore, RunsAsyncActionsAtTheTopOfItsChain) {
     EXPECT_EQ(stateListenerCalls, 0);
 }
 
-#include "belvakit/Request/createrequest/create_request_actions.hpp"
-#include "belvakit/Request/createrequest/create_request_state.hpp"
+TEST(SharedStore, StartsWithEachSliceUnderItsTypeNameAndReducesIt) {
+    using namespace belvakit;
+    auto store = sharedStore();
+    const auto* initial = store->state().value<CreateRequestState>("CreateRequestState");
+    ASSERT_TRUE(initial);
+    EXPECT_EQ(*initial, initialCreateRequestState());
+    EXPECT_EQ(initial->primaryColor, initialCreateRequestState().primaryColor);
 
-TEST(SharedStore, ReducesEachSliceItHolds) {
-    auto store = belvakit::sharedStore();
-    belvakit::CreateRequestActions::Edited edited;
+    CreateRequestActions::Edited edited;
     edited.hasEdits = true;
     store->dispatch(edited);
-    const auto* slice = store->state().valueOfType<belvakit::CreateRequestState>();
+    const auto* slice = store->state().valueOfType<CreateRequestState>();
     ASSERT_NE(slice, nullptr) << "the slice must keep its type after a dispatch";
     EXPECT_TRUE(slice->hasEdits);
+
+    Actions::NewMessage message;
+    message.message = UserMessage{.id = "shared"};
+    store->dispatch(message);
+    const auto* table = store->state().valueOfType<RequestTableState>();
+    ASSERT_NE(table, nullptr);
+    ASSERT_EQ(table->tableData.size(), 1u);
+    EXPECT_EQ(id(table->tableData[0]), "shared");
+    store->dispatch(Actions::InitializeRequestControllerState{});
+    EXPECT_TRUE(store->state().valueOfType<RequestTableState>()->tableData.empty());
 }

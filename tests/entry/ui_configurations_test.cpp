@@ -17,7 +17,7 @@ std::shared_ptr<RequestUiConfiguration> requestConfiguration() {
 }
 } // namespace
 
-TEST(Configurations, AnEmptyListGainsADefaultOfTheWantedType) {
+TEST(Configurations, TheFirstOfATypeWinsAndAMissingOneGainsADefaultAtTheEnd) {
     mirrowset::Configurations configurations;
     EXPECT_EQ(configurations.configuration<RequestUiConfiguration>(), nullptr);
     const auto configuration = configurations.configurationAddingDefault<RequestUiConfiguration>();
@@ -27,20 +27,18 @@ TEST(Configurations, AnEmptyListGainsADefaultOfTheWantedType) {
     EXPECT_EQ(configurations.list().size(), 1u);
     configurations.addDefaultConfigIfNeeded<RequestUiConfiguration>();
     EXPECT_EQ(configurations.list().size(), 1u);
-}
 
-TEST(Configurations, TheFirstOfATypeWinsAndDefaultsGoAtTheEnd) {
+    // The first of a type wins and defaults go at the end.
     auto first = requestConfiguration();
-    auto second = std::make_shared<RequestUiConfiguration>();
-    auto article = std::make_shared<ArticleUiConfiguration>();
-    mirrowset::Configurations configurations({article, first, second});
-    EXPECT_EQ(configurations.configuration<RequestUiConfiguration>(), first);
-    configurations.addDefaultConfigIfNeeded<HelpCenterUiConfiguration>();
-    ASSERT_EQ(configurations.list().size(), 4u);
-    EXPECT_NE(std::dynamic_pointer_cast<HelpCenterUiConfiguration>(configurations.list().back()), nullptr);
+    mirrowset::Configurations mixed({std::make_shared<ArticleUiConfiguration>(), first,
+                                     std::make_shared<RequestUiConfiguration>()});
+    EXPECT_EQ(mixed.configuration<RequestUiConfiguration>(), first);
+    mixed.addDefaultConfigIfNeeded<HelpCenterUiConfiguration>();
+    ASSERT_EQ(mixed.list().size(), 4u);
+    EXPECT_NE(std::dynamic_pointer_cast<HelpCenterUiConfiguration>(mixed.list().back()), nullptr);
 }
 
-TEST(RequestUiConfiguration, EqualByEveryField) {
+TEST(UiConfigurations, RequestsAndArticlesAreEqualByEveryFieldHelpCentresAsObjects) {
     EXPECT_TRUE(requestConfiguration()->isEqual(*requestConfiguration()));
     auto formZero = requestConfiguration();
     formZero->ticketFormID = 0;
@@ -62,24 +60,12 @@ TEST(RequestUiConfiguration, EqualByEveryField) {
     EXPECT_TRUE(mirrowset::Configurations({requestConfiguration()}) ==
                 mirrowset::Configurations({requestConfiguration()}));
     EXPECT_FALSE(mirrowset::Configurations({requestConfiguration()}) == mirrowset::Configurations({otherTags}));
-}
 
-TEST(ArticleAndHelpCenterConfigurations, CompareAndForwardAsDeclared) {
-    ArticleUiConfiguration article;
-    ArticleUiConfiguration same;
-    EXPECT_TRUE(article.isEqual(same));
-    same.showContactOptions = false;
-    EXPECT_FALSE(article.isEqual(same));
-    EXPECT_EQ(&article.objcEngines(), &article.engines);
-
+    ArticleUiConfiguration article, otherArticle;
+    EXPECT_TRUE(article.isEqual(otherArticle));
+    otherArticle.showContactOptions = false;
+    EXPECT_FALSE(article.isEqual(otherArticle));
     HelpCenterUiConfiguration helpCenter;
-    HelpCenterUiConfiguration other;
     EXPECT_TRUE(helpCenter.isEqual(helpCenter));
-    EXPECT_FALSE(helpCenter.isEqual(other)) << "compared as objects";
-    helpCenter.setLabels(std::vector<std::string>{"faq"});
-    helpCenter.setGroupType(dastrel::CRVHelpCenterOverviewGroupType::category);
-    helpCenter.setGroupIds({7, 8});
-    EXPECT_EQ(helpCenter.overviewContentModel.labels, std::vector<std::string>{"faq"});
-    EXPECT_EQ(helpCenter.overviewContentModel.groupType, dastrel::CRVHelpCenterOverviewGroupType::category);
-    EXPECT_EQ(helpCenter.overviewContentModel.groupIds, (std::vector<std::int64_t>{7, 8}));
+    EXPECT_FALSE(helpCenter.isEqual(HelpCenterUiConfiguration())) << "compared as objects";
 }

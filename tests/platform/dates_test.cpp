@@ -20,12 +20,7 @@ TEST(Base64, KnownVectorsRoundTripAndRejectBadText) {
     EXPECT_EQ(base64Decode("Zm9*"), std::nullopt);
 }
 
-TEST(DateDescription, UtcTextWithSecondsTruncated) {
-    EXPECT_EQ(dateDescription(1700000000.75), "2023-11-14 22:13:20 +0000");
-    EXPECT_EQ(dateDescription(0), "1970-01-01 00:00:00 +0000");
-}
-
-TEST(Calendar, SameDayFollowsTheTimeZone) {
+TEST(Calendar, SameDayAndTheDayIntervalFollowTheTimeZone) {
     const Calendar berlin("en_US", "Europe/Berlin");
     // 2023-11-14 00:30 and 23:30 in Berlin (UTC+1): one day, 23 hours apart.
     const double earlyBerlin = 1699918200;  // 2023-11-13 23:30 UTC
@@ -35,6 +30,12 @@ TEST(Calendar, SameDayFollowsTheTimeZone) {
     EXPECT_FALSE(berlin.isSameDay(beforeMidnight, beforeMidnight + 600));
     // The same two instants in UTC lie on one day.
     EXPECT_TRUE(Calendar("en_US", "UTC").isSameDay(beforeMidnight, beforeMidnight + 600));
+
+    // The day interval is the local day around the instant.
+    EXPECT_EQ(berlin.dayInterval(1700046000), std::pair(1700002800.0, 1700089200.0));  // 15 Nov 2023, UTC+1
+    const auto shortDay = berlin.dayInterval(1711886400);  // 31 Mar 2024, clocks go forward
+    ASSERT_TRUE(shortDay);
+    EXPECT_EQ(shortDay->second - shortDay->first, 23 * 3600);
 }
 
 TEST(Calendar, FormatsPatternsInItsLocaleAndZone) {
@@ -42,6 +43,9 @@ TEST(Calendar, FormatsPatternsInItsLocaleAndZone) {
     EXPECT_EQ(calendar.format(1700000000, "HH:mm"), "22:13");
     EXPECT_EQ(calendar.format(1700000000, "d MMM"), "14 Nov");
     EXPECT_EQ(Calendar("de_DE", "Asia/Tokyo").format(1700000000, "d MMM"), "15 Nov.");
+    // The platform's description is UTC whatever the calendar, seconds truncated.
+    EXPECT_EQ(dateDescription(1700000000.75), "2023-11-14 22:13:20 +0000");
+    EXPECT_EQ(dateDescription(0), "1970-01-01 00:00:00 +0000");
 }
 
 TEST(WallClock, TestsCanFixTheTime) {
@@ -52,12 +56,4 @@ TEST(WallClock, TestsCanFixTheTime) {
     EXPECT_EQ(now(), 1002.5);
     setWallClock(previous);
     EXPECT_GT(now(), 1700000000);
-}
-
-TEST(Calendar, DayIntervalIsTheLocalDayAroundTheInstant) {
-    const Calendar berlin("en_US", "Europe/Berlin");
-    EXPECT_EQ(berlin.dayInterval(1700046000), std::pair(1700002800.0, 1700089200.0));  // 15 Nov 2023, UTC+1
-    const auto shortDay = berlin.dayInterval(1711886400);  // 31 Mar 2024, clocks go forward
-    ASSERT_TRUE(shortDay);
-    EXPECT_EQ(shortDay->second - shortDay->first, 23 * 3600);
 }

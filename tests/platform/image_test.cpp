@@ -72,13 +72,10 @@ TEST(ImageCodec, DamagedOrForeignBytesGiveNoImage) {
     EXPECT_FALSE(encodeJPEG(Image{2, 2, ImageOrientation::up, {1, 2, 3}}, 0.7));
 }
 
-TEST(FixOrientation, UprightImagesComeBackAsTheSameObject) {
-    const ImagePtr image = marked(3, 2);
-    EXPECT_EQ(fixOrientationOfImage(image), image);
+TEST(FixOrientation, TurnsAndMirrorsThePixelsUprightAndLeavesUprightImagesAlone) {
+    const ImagePtr upright = marked(3, 2);
+    EXPECT_EQ(fixOrientationOfImage(upright), upright) << "the same object";
     EXPECT_EQ(fixOrientationOfImage(nullptr), nullptr);
-}
-
-TEST(FixOrientation, TurnsAndMirrorsThePixelsUpright) {
     // Stored 3 wide and 2 high.
     const auto down = fixOrientationOfImage(marked(3, 2, ImageOrientation::down));
     EXPECT_EQ(down->orientation, ImageOrientation::up);

@@ -17,7 +17,9 @@ TEST(URL, ParsesAbsoluteAndRelativeReferencesAndRefusesEmptyOrMalformedText) {
     ASSERT_TRUE(relative);
     EXPECT_EQ(relative->scheme(), "");
 
-    for (const char* bad : {"", "not a url", "http://exa mple.com", "100%", "http://[::1", "a\nb"})
+    for (const char* good : {"u", "/path", "mailto:a@b.c", "%41"}) EXPECT_TRUE(URL::parse(good)) << good;
+    EXPECT_EQ(URL::parse("u")->absoluteString(), "u");
+    for (const char* bad : {"", "not a url", "http://exa mple.com", "100%", "http://[::1", "a\nb", "%zz", "<x>"})
         EXPECT_FALSE(URL::parse(bad)) << bad;
 }
 

@@ -55,6 +55,10 @@ TEST(NotificationCenter, TokensRemoveTheirObserverWhenDroppedOrReplaced) {
     EXPECT_FALSE(token);
     center->post("n", nullptr);
     EXPECT_EQ(calls, 2);
+
+    center.reset();  // a token may outlive its centre
+    moved.reset();
+    EXPECT_FALSE(moved);
 }
 
 TEST(NotificationCenter, ObserversRemovedDuringAPostAreNotCalledLater) {
@@ -68,14 +72,4 @@ TEST(NotificationCenter, ObserversRemovedDuringAPostAreNotCalledLater) {
     second = center->addObserver("n", nullptr, [&](const Notification&) { seen.push_back("second"); });
     center->post("n", nullptr);
     EXPECT_EQ(seen, std::vector<std::string>{"first"});
-}
-
-TEST(NotificationCenter, ATokenMayOutliveItsCentre) {
-    ObservationToken token;
-    {
-        auto center = NotificationCenter::make();
-        token = center->addObserver("n", nullptr, [](const Notification&) {});
-    }
-    token.reset();
-    EXPECT_FALSE(token);
 }

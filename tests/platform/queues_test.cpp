@@ -14,14 +14,12 @@ using namespace platform;
 using testing_support::pumpMainQueueUntil;
 using testing_support::VirtualTime;
 
-TEST(MainQueue, TestThreadIsMainAndOthersAreNot) {
+TEST(MainQueue, TestThreadIsMainAndSyncFromAnotherThreadRunsThereAndWaits) {
     EXPECT_TRUE(MainQueue::shared().isMainThread());
     bool otherIsMain = true;
     std::thread([&] { otherIsMain = MainQueue::shared().isMainThread(); }).join();
     EXPECT_FALSE(otherIsMain);
-}
 
-TEST(MainQueue, SyncFromAnotherThreadRunsOnMainAndWaits) {
     std::atomic<bool> ranOnMain = false;
     std::atomic<bool> returned = false;
     std::thread worker([&] {

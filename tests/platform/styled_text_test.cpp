@@ -2,7 +2,6 @@
 #include "platform/character_set.hpp"
 #include "platform/font.hpp"
 #include "platform/text_attributes.hpp"
-#include "platform/url.hpp"
 
 #include <gtest/gtest.h>
 
@@ -80,14 +79,6 @@ TEST(FontTest, TraitsPickAFaceOfTheSameFamily) {
     ASSERT_TRUE(Font::named("Courier", 9));
     EXPECT_EQ(Font::named("Courier", 9)->symbolicTraits(), platform::FontTrait::monoSpace);
     EXPECT_FALSE(Font::named("No Such Font", 9));
-}
-
-TEST(UrlTest, AcceptsUrlReferencesOnly) {
-    for (const char* good : {"u", "https://example.com/a?b=c#d", "/path", "mailto:a@b.c", "%41"})
-        EXPECT_TRUE(platform::URL::parse(good)) << good;
-    for (const char* bad : {"", "a b", "http://exa mple.com", "%zz", "<x>"})
-        EXPECT_FALSE(platform::URL::parse(bad)) << bad;
-    EXPECT_EQ(platform::URL::parse("u")->absoluteString(), "u");
 }
 
 TEST(CharacterSetTest, WhitespaceAndNewlines) {

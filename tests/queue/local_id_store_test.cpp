@@ -127,11 +127,7 @@ TEST(LocalIDStore, LocalRequestsComeFromTheCachedConversationsInListOrder) {
     auto cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
     ASSERT_NE(cache, nullptr);
     UserMessage first{.id = "m1", .status = DeliveryStatus::delivered, .body = "First words", .createdAt = 100};
-    UserImage image;
-    image.id = "img";
-    image.parentId = "m1";
-    image.createdAt = 101;
-    image.status = DeliveryStatus::delivered;
+    const UserImage image{.id = "img", .parentId = "m1", .status = DeliveryStatus::delivered, .createdAt = 101};
     persistConversation({first, image}, "conv-a", std::nullopt, {}, 1, false, cache);
     persistConversation({image}, "conv-b", std::nullopt, {}, 1, false, cache);
     persistConversation({UserMessage{.id = "m3", .status = DeliveryStatus::delivered, .body = "Second", .createdAt = 200}}, "conv-c", std::nullopt, {}, 1,

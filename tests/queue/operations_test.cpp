@@ -72,27 +72,36 @@ private:
 
 // Every result an operation reports, as copies of the concrete actions.
 struct Results {
-    std::vector<std::any> actions;
-    RequestBlock block() {
-        return [this](const tivra::Action& action) {
-            if (auto* a = tivra::actionAs<Actions::TicketCreated>(action)) actions.emplace_back(*a);
-            else if (auto* b = tivra::actionAs<Actions::CommentCreated>(action)) actions.emplace_back(*b);
-            else if (auto* c = tivra::actionAs<Actions::TicketCreationError>(action)) actions.emplace_back(*c);
-            else if (auto* d = tivra::actionAs<Actions::CommentCreationError>(action)) actions.emplace_back(*d);
-            else if (auto* e = tivra::actionAs<Actions::AttachmentsUploadError>(action)) actions.emplace_back(*e);
-            else if (auto* f = tivra::actionAs<Actions::NewCommentsFetched>(action)) actions.emplace_back(*f);
-            else if (auto* g = tivra::actionAs<Actions::FetchCommentsError>(action)) actions.emplace_back(*g);
-            else actions.emplace_back();
+    std::shared_ptr<std::vector<std::any>> actions = std::make_shared<std::vector<std::any>>();
+    RequestBlock block() const {
+        return [into = actions](const tivra::Action& action) {
+            keep<Actions::TicketCreated, Actions::CommentCreated, Actions::TicketCreationError,
+                 Actions::CommentCreationError, Actions::AttachmentsUploadError, Actions::NewCommentsFetched,
+                 Actions::FetchCommentsError>(*into, action);
         };
+    }
+    template <class... Known>
+    static void keep(std::vector<std::any>& into, const tivra::Action& action) {
+        const auto copy = [&](const auto* known) { return known && (into.emplace_back(*known), true); };
+        if (!(copy(tivra::actionAs<Known>(action)) || ...)) into.emplace_back();
     }
     template <class T>
     const T& only() const {
-        EXPECT_EQ(actions.size(), 1u);
-        const T* value = actions.empty() ? nullptr : std::any_cast<T>(&actions.front());
+        EXPECT_EQ(actions->size(), 1u);
+        const T* value = actions->empty() ? nullptr : std::any_cast<T>(&actions->front());
         if (!value) throw std::runtime_error("the operation reported another action");
         return *value;
     }
 };
+
+// Runs an operation once and gives what it reported (the scripted collaborators answer at once).
+template <class Operation>
+Results run(const std::shared_ptr<Operation>& operation, std::optional<TicketInfo> ticket) {
+    Results results;
+    operation->setRequestBlock(results.block());
+    operation->execute(std::move(ticket));
+    return results;
+}
 
 Upload::Attachment file(std::string id) { return {"bytes", std::move(id), FileType::png, std::nullopt}; }
 
@@ -104,49 +113,46 @@ dastrel::CRVUploadResponse uploaded(std::string token, std::optional<std::int64_
 
 class OperationsTest : public testing::Test {
 protected:
+    std::shared_ptr<CommentRequestOperation> comment(std::string id, std::vector<Upload::Attachment> files = {},
+                                                     std::shared_ptr<ScriptedUploader> uploader = nullptr) {
+        if (!uploader) uploader = std::make_shared<ScriptedUploader>(UploadResults{});
+        return std::make_shared<CommentRequestOperation>(std::move(id), "x", std::move(files), provider_, uploader);
+    }
+    std::shared_ptr<TicketRequestOperation> ticket(std::string id, std::vector<Upload::Attachment> files = {},
+                                                   UploadOutcome uploaded = UploadResults{},
+                                                   RequestUiConfiguration config = {}) {
+        return std::make_shared<TicketRequestOperation>(std::move(id), "Help", std::move(files), std::move(config),
+                                                        provider_, std::make_shared<ScriptedUploader>(uploaded));
+    }
+
     FixedClock clock_;
     testing_support::CapturedLog log_;
     std::shared_ptr<ScriptedProvider> provider_ = std::make_shared<ScriptedProvider>();
-    Results results_;
 };
 
 } // namespace
 
 TEST_F(OperationsTest, WithoutATicketCommentAndFetchReportOnceAndLog) {
-    auto comment = std::make_shared<CommentRequestOperation>("local", "Hi", std::vector<Upload::Attachment>{}, provider_,
-                                                             std::make_shared<ScriptedUploader>(UploadResults{}));
-    comment->setRequestBlock(results_.block());
-    comment->execute(std::nullopt);
-    const auto& failure = results_.only<Actions::CommentCreationError>();
+    const auto failure = run(comment("local"), std::nullopt).only<Actions::CommentCreationError>();
     EXPECT_EQ(failure.id, "local");
     EXPECT_EQ(failure.requestRemoteId, "");
     EXPECT_FALSE(failure.error);
     EXPECT_FALSE(provider_->commented);
-
-    Results fetchResults;
-    auto fetch = std::make_shared<FetchNewCommentsOperation>("f", provider_);
-    fetch->setRequestBlock(fetchResults.block());
-    fetch->execute(std::nullopt);
-    fetchResults.only<Actions::FetchCommentsError>();
-
-    auto lines = log_.messages(platform::LogLevel::error);
-    EXPECT_EQ(lines, (std::vector<std::string>{"No request ID found, unable to create comment",
-                                               "No RequestID found, cannot fetch"}));
+    run(std::make_shared<FetchNewCommentsOperation>("f", provider_), std::nullopt).only<Actions::FetchCommentsError>();
+    EXPECT_EQ(log_.messages(platform::LogLevel::error),
+              (std::vector<std::string>{"No request ID found, unable to create comment", "No RequestID found, cannot fetch"}));
 }
 
 TEST_F(OperationsTest, ACommentSendsTokensInOrderAndReportsRemoteIds) {
     provider_->comment = dastrel::CRVComment{.commentId = 88, .createdAt = 1234};
     auto uploader = std::make_shared<ScriptedUploader>(
         UploadResults{{file("a"), uploaded("t-a", 5)}, {file("b"), uploaded("t-b", std::nullopt)}});
-    auto comment = std::make_shared<CommentRequestOperation>("local", "Look", std::vector{file("a"), file("b")},
-                                                             provider_, uploader);
-    comment->setRequestBlock(results_.block());
-    comment->execute(TicketInfo{"300", 1});
+    const auto results = run(comment("local", {file("a"), file("b")}, uploader), TicketInfo{"300", 1});
 
     EXPECT_EQ(uploader->sent.size(), 2u);
-    EXPECT_EQ(*provider_->commented, std::make_tuple(std::string("Look"), std::string("300"),
-                                                     std::vector<std::string>{"t-a", "t-b"}));
-    const auto& created = results_.only<Actions::CommentCreated>();
+    EXPECT_EQ(*provider_->commented,
+              std::make_tuple(std::string("x"), std::string("300"), std::vector<std::string>{"t-a", "t-b"}));
+    const auto& created = results.only<Actions::CommentCreated>();
     EXPECT_EQ(created.localId, "local");
     EXPECT_EQ(created.remoteCommentId, "88");
     EXPECT_EQ(created.remoteCreatedAt, 1234);
@@ -158,40 +164,22 @@ TEST_F(OperationsTest, ACommentSendsTokensInOrderAndReportsRemoteIds) {
 
 TEST_F(OperationsTest, ACommentWithoutADateTakesTheTimeOfTheAnswerAndErrorsCarryTheirCode) {
     provider_->comment = dastrel::CRVComment{.commentId = 9};
-    auto comment = std::make_shared<CommentRequestOperation>("local", "x", std::vector<Upload::Attachment>{}, provider_,
-                                                             std::make_shared<ScriptedUploader>(UploadResults{}));
-    comment->setRequestBlock(results_.block());
-    comment->execute(TicketInfo{"300", 1});
-    EXPECT_EQ(results_.only<Actions::CommentCreated>().remoteCreatedAt, 1700000000);
+    EXPECT_EQ(run(comment("local"), TicketInfo{"300", 1}).only<Actions::CommentCreated>().remoteCreatedAt, 1700000000);
 
-    Results failed;
     provider_->comment.reset();
     provider_->error = dastrel::ProviderError{"HTTP", 422, "closed"};
-    auto second = std::make_shared<CommentRequestOperation>("l2", "x", std::vector<Upload::Attachment>{}, provider_,
-                                                            std::make_shared<ScriptedUploader>(UploadResults{}));
-    second->setRequestBlock(failed.block());
-    second->execute(TicketInfo{"300", 1});
-    const auto& failure = failed.only<Actions::CommentCreationError>();
+    const auto failure = run(comment("l2"), TicketInfo{"300", 1}).only<Actions::CommentCreationError>();
     EXPECT_EQ(failure.requestRemoteId, "300");
     EXPECT_EQ(failure.id, "l2");
     EXPECT_EQ(failure.error, 422);
 }
 
 TEST_F(OperationsTest, AFailedUploadStopsBeforeTheProvider) {
-    auto comment = std::make_shared<CommentRequestOperation>(
-        "local", "x", std::vector{file("a")}, provider_, std::make_shared<ScriptedUploader>(uploadError()));
-    comment->setRequestBlock(results_.block());
-    comment->execute(TicketInfo{"300", 1});
-    EXPECT_EQ(results_.only<Actions::AttachmentsUploadError>().id, "local");
+    const auto failing = std::make_shared<ScriptedUploader>(uploadError());
+    EXPECT_EQ(run(comment("local", {file("a")}, failing), TicketInfo{"300", 1}).only<Actions::AttachmentsUploadError>().id,
+              "local");
     EXPECT_FALSE(provider_->commented);
-
-    Results ticketResults;
-    auto ticket = std::make_shared<TicketRequestOperation>(
-        "t", "x", std::vector{file("a")}, RequestUiConfiguration(), provider_,
-        std::make_shared<ScriptedUploader>(uploadError()));
-    ticket->setRequestBlock(ticketResults.block());
-    ticket->execute(std::nullopt);
-    EXPECT_EQ(ticketResults.only<Actions::AttachmentsUploadError>().id, "t");
+    EXPECT_EQ(run(ticket("t", {file("a")}, uploadError()), std::nullopt).only<Actions::AttachmentsUploadError>().id, "t");
     EXPECT_FALSE(provider_->created);
 }
 
@@ -200,63 +188,43 @@ TEST_F(OperationsTest, ATicketIsMadeFromTheConfigurationAndItsAnswerIsRead) {
     config.subject = "Order";
     config.tags = {"mobile"};
     config.ticketFormID = 77;
-    dastrel::CRVRequest request;
-    request.requestId = "501";
-    request.requestDescription = "Where is it?";
-    request.createdAt = 1600;
-    const boost::json::object body{{"request", request.toJson()},
-                                   {"last_comment", dastrel::CRVComment{.commentId = 61, .body = "Where is it?",
-                                                                        .createdAt = 1600}
-                                                        .toJson()}};
+    const boost::json::object body{
+        {"request", dastrel::CRVRequest{.requestId = "501", .requestDescription = "Help", .createdAt = 1600}.toJson()},
+        {"last_comment", dastrel::CRVComment{.commentId = 61, .body = "Help", .createdAt = 1600}.toJson()}};
     provider_->createResponse = dastrel::CRVDispatcherResponse{201, boost::json::serialize(body)};
-    auto ticket = std::make_shared<TicketRequestOperation>(
-        "local", "Where is it?", std::vector{file("a")}, config, provider_,
-        std::make_shared<ScriptedUploader>(UploadResults{{file("a"), uploaded("t-a", 3)}}));
-    ticket->setRequestBlock(results_.block());
-    ticket->execute(TicketInfo{"ignored", 0});
+    const auto results =
+        run(ticket("local", {file("a")}, UploadResults{{file("a"), uploaded("t-a", 3)}}, config), TicketInfo{"ignored", 0});
 
     EXPECT_EQ(provider_->created->subject, "Order");
     EXPECT_EQ(provider_->created->tags, std::vector<std::string>{"mobile"});
     EXPECT_EQ(provider_->created->ticketFormId, 77);
     EXPECT_EQ(provider_->created->attachments, std::vector<std::string>{"t-a"});
-    const auto& created = results_.only<Actions::TicketCreated>();
+    const auto& created = results.only<Actions::TicketCreated>();
     EXPECT_EQ(created.localId, "local");
     EXPECT_EQ(created.remoteRequestId, "501");
     EXPECT_EQ(created.remoteCommentId, "61");
     EXPECT_EQ(created.remoteCreatedAt, 1600);
     EXPECT_EQ(created.subject, "Order");
-    EXPECT_EQ(created.body, "Where is it?");
+    EXPECT_EQ(created.body, "Help");
     ASSERT_EQ(created.attachments.size(), 1u);
     EXPECT_EQ(created.attachments[0].first, "3");
 }
 
 TEST_F(OperationsTest, ATicketAnswerWithMissingPartsFallsBackAndAnUnreadableOneFails) {
     provider_->createResponse = dastrel::CRVDispatcherResponse{201, R"({"request": {"id": 5}})"};
-    auto ticket = std::make_shared<TicketRequestOperation>("local", "Help", std::vector<Upload::Attachment>{},
-                                                           RequestUiConfiguration(), provider_,
-                                                           std::make_shared<ScriptedUploader>(UploadResults{}));
-    ticket->setRequestBlock(results_.block());
-    ticket->execute(std::nullopt);
-    const auto& created = results_.only<Actions::TicketCreated>();
+    const auto created = run(ticket("local"), std::nullopt).only<Actions::TicketCreated>();
     EXPECT_EQ(created.remoteRequestId, "no_id");
     EXPECT_EQ(created.remoteCommentId, "no_id");
     EXPECT_EQ(created.remoteCreatedAt, 1700000000);
 
     for (const auto* data : {"not json", "[1, 2]"}) {
-        Results failed;
         provider_->createResponse = dastrel::CRVDispatcherResponse{201, data};
-        auto again = std::make_shared<TicketRequestOperation>("l2", "Help", std::vector<Upload::Attachment>{},
-                                                              RequestUiConfiguration(), provider_,
-                                                              std::make_shared<ScriptedUploader>(UploadResults{}));
-        again->setRequestBlock(failed.block());
-        again->execute(std::nullopt);
-        const auto& failure = failed.only<Actions::TicketCreationError>();
+        const auto failure = run(ticket("l2"), std::nullopt).only<Actions::TicketCreationError>();
         EXPECT_EQ(failure.id, "l2");
         EXPECT_EQ(failure.requestDescription, "Help");
         EXPECT_EQ(failure.createdAtDate, 1700000000);
     }
 }
-
 TEST_F(OperationsTest, FetchAsksSinceTheTicketsDateAndConvertsEachComment) {
     dastrel::CRVAttachment image{.attachmentId = 4, .filename = "a.png", .contentURLString = "https://x/a.png",
                                  .contentType = "IMAGE/PNG", .size = 120, .width = 40, .height = 30,
@@ -266,11 +234,10 @@ TEST_F(OperationsTest, FetchAsksSinceTheTicketsDateAndConvertsEachComment) {
                                 .createdAt = 99, .attachments = {image, other}};
     provider_->comments = std::vector<dastrel::CRVCommentWithUser>{{comment, {500, "Agent", "https://x/av", true}}};
     auto fetch = std::make_shared<FetchNewCommentsOperation>("f", provider_);
-    fetch->setRequestBlock(results_.block());
-    fetch->execute(TicketInfo{"300", 42.5});
+    const auto results = run(fetch, TicketInfo{"300", 42.5});
 
     EXPECT_EQ(*provider_->fetchedWith, std::make_tuple(std::string("300"), 42.5, false));
-    const auto& fetched = results_.only<Actions::NewCommentsFetched>();
+    const auto& fetched = results.only<Actions::NewCommentsFetched>();
     ASSERT_EQ(fetched.comments.size(), 1u);
     const auto& converted = fetched.comments[0];
     EXPECT_EQ(converted.id, 70);
@@ -291,9 +258,6 @@ TEST_F(OperationsTest, FetchAsksSinceTheTicketsDateAndConvertsEachComment) {
     EXPECT_EQ(first.createdAt, 99);
     EXPECT_EQ(converted.attachments[1].fileType, FileType::unknown);
 
-    Results failed;
     provider_->comments.reset();
-    fetch->setRequestBlock(failed.block());
-    fetch->execute(TicketInfo{"300", 0});
-    failed.only<Actions::FetchCommentsError>();
+    run(fetch, TicketInfo{"300", 0}).only<Actions::FetchCommentsError>();
 }

@@ -99,6 +99,11 @@ protected:
     std::shared_ptr<ScriptedOperation> operation(std::string id) {
         return std::make_shared<ScriptedOperation>(std::move(id), journal_);
     }
+    void knownTicket(std::optional<std::string> id) {
+        RequestQueueActions::SetRequestId action;
+        action.id = std::move(id);
+        store_->dispatch(action);
+    }
     void run(std::vector<std::shared_ptr<ScriptedOperation>> operations) {
         RequestQueueActions::DispatchOperations action;
         action.operations.assign(operations.begin(), operations.end());
@@ -140,12 +145,10 @@ TEST_F(QueueMiddlewareTest, AFailedCreationLeavesNoTicketAndTheQueueStillComplet
 }
 
 TEST_F(QueueMiddlewareTest, SetRequestIdWithoutIdChangesNothingAndResetWhileIdleForgetsTheTicket) {
-    store_->dispatch(RequestQueueActions::SetRequestId{});
+    knownTicket(std::nullopt);
     EXPECT_EQ(middleware_->queueState(), State::initial());
 
-    RequestQueueActions::SetRequestId known;
-    known.id = "17";
-    store_->dispatch(known);
+    knownTicket("17");
     EXPECT_EQ(ticketInfo(middleware_->queueState()).value().first, "17");
 
     store_->dispatch(RequestQueueActions::ResetQueue{});
@@ -153,9 +156,7 @@ TEST_F(QueueMiddlewareTest, SetRequestIdWithoutIdChangesNothingAndResetWhileIdle
 }
 
 TEST_F(QueueMiddlewareTest, AResultAfterAResetLeavesTheQueueDirtyButRunsTheRest) {
-    RequestQueueActions::SetRequestId known;
-    known.id = "17";
-    store_->dispatch(known);
+    knownTicket("17");
     auto first = operation("a"), second = operation("b");
     run({first, second});
     store_->dispatch(RequestQueueActions::ResetQueue{});
@@ -177,9 +178,7 @@ TEST_F(QueueMiddlewareTest, DetailsOnAKnownTicketFetchBeforeTheCommentAndConfigR
 
     // Holds the ticket as in flight so that nothing reaches a provider.
     auto blocker = operation("blocker");
-    RequestQueueActions::SetRequestId known;
-    known.id = "17";
-    store_->dispatch(known);
+    knownTicket("17");
     run({blocker});
 
     RequestQueueActions::DispatchDetails details;
@@ -189,8 +188,9 @@ TEST_F(QueueMiddlewareTest, DetailsOnAKnownTicketFetchBeforeTheCommentAndConfigR
     ASSERT_EQ(middleware_->requestOperations().size(), 2u);
     const auto& fetch = *middleware_->requestOperations()[0];
     EXPECT_NE(dynamic_cast<const FetchNewCommentsOperation*>(&fetch), nullptr);
-    EXPECT_EQ(fetch.id().size(), 36u) << "a UUID string";
-    EXPECT_EQ(fetch.id(), fetch.id());
+    const std::string fetchId = fetch.id();
+    EXPECT_EQ(fetchId.size(), 36u) << "a UUID string";
+    EXPECT_EQ(fetch.id(), fetchId) << "made once";
     const auto* comment = dynamic_cast<const CommentRequestOperation*>(middleware_->requestOperations()[1].get());
     ASSERT_NE(comment, nullptr);
     EXPECT_EQ(comment->id(), "local-1");
