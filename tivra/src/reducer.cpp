@@ -21,15 +21,22 @@ void CombinedReducer::reduce(const State& incoming, std::optional<State>& reduce
     // Both are in key order, so one walk pairs each slice with its reducer. A reducer whose slice
     // is missing is not called: a slice is never created by reducing, only by the initial state.
     auto reducer = reducers_.begin();
-    incoming.forEach([&](const std::string& key, const std::any& slice) {
-        while (reducer != reducers_.end() && reducer->first < key) ++reducer;
-        if (reducer == reducers_.end() || reducer->first != key) return;
-        std::optional<std::any> result = reducer->second(slice, action);
-        if (!result) return;
+    std::size_t removed = 0;  // an empty result removes its slice, moving the later ones up
+    for (std::size_t index = 0; index < incoming.count() && reducer != reducers_.end(); ++index) {
+        int order = 0;
+        while (reducer != reducers_.end() && (order = reducer->first.compare(incoming.keyAt(index))) < 0) ++reducer;
+        if (reducer == reducers_.end() || order != 0) continue;
+        std::optional<std::any> result = reducer->second(incoming.valueAt(index), action);
+        if (!result) continue;
         if (!reduced) reduced.emplace(State::detachedCopy(incoming));
-        reduced->set(key, std::move(*result));
+        if (result->has_value()) {
+            reduced->setValueAt(index - removed, std::move(*result));
+        } else {
+            reduced->remove(reducer->first);
+            ++removed;
+        }
         changed.push_back(&reducer->first);
-    });
+    }
 }
 
 std::vector<ReducerEntry> CombinedReducer::entries() const {

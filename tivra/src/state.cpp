@@ -64,6 +64,12 @@ void State::set(const std::string& key, std::any value) {
     slices.values.insert(slices.values.begin() + at, std::move(boxed));
 }
 
+void State::setValueAt(std::size_t index, std::any value) {
+    if (!value.has_value() || index >= count()) return;
+    auto boxed = std::make_shared<const std::any>(std::move(value));
+    mutableSlices().values[index] = std::move(boxed);
+}
+
 void State::remove(const std::string& key) {
     const auto [index, present] = find(key);
     if (!present) return;
@@ -82,11 +88,10 @@ State::Dictionary State::dictionary() const {
 }
 
 State State::detachedCopy(const State& other) {
-    State copy;
-    auto& slices = const_cast<Slices&>(*copy.slices_);
-    slices.keys = other.slices_->keys;
-    slices.values = other.slices_->values;
-    return copy;
+    boost::intrusive_ptr<Slices> slices(new Slices());
+    slices->keys = other.slices_->keys;
+    slices->values = other.slices_->values;
+    return State(std::move(slices));
 }
 
 State::Slices& State::mutableSlices() {

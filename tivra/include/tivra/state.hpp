@@ -42,6 +42,12 @@ public:
     template <class T>
     const T* valueOfType() const;
 
+    // By position in key order, for a caller walking every slice.
+    const std::string& keyAt(std::size_t index) const { return slices_->keys->names[index]; }
+    const std::any& valueAt(std::size_t index) const { return *slices_->values[index]; }
+    // Replaces the value at a position; an empty value is ignored.
+    void setValueAt(std::size_t index, std::any value);
+
     // Setting an empty value removes the key.
     void set(const std::string& key, std::any value);
     void remove(const std::string& key);
@@ -73,6 +79,8 @@ private:
         boost::intrusive_ptr<const Keys> keys;
         boost::container::small_vector<std::shared_ptr<const std::any>, 8> values;
     };
+
+    explicit State(boost::intrusive_ptr<const Slices> slices) : slices_(std::move(slices)) {}
 
     // The index of `key`, or of where it would go, and whether it is there.
     std::pair<std::size_t, bool> find(const std::string& key) const;
