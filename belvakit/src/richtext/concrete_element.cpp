@@ -40,6 +40,8 @@ const platform::TextAttributes& RenderOutput::derived(const platform::TextAttrib
 ConcreteElement::~ConcreteElement() {
     // Releasing a deep subtree by recursion would go as deep as the tree: unlink it level by level
     // instead. A node someone else still holds survives, without its dangling parent.
+    if (children_.empty()) return;
+    const NodeArena::TearDown batch(children_.get_allocator().arena());
     std::vector<std::shared_ptr<Element>> pending;
     const auto release = [&pending](Element* owner, ElementList& children) {
         for (auto& child : children) {

@@ -40,6 +40,9 @@ private:
 class ConcreteElement : public Element {
 public:
     ConcreteElement() = default;
+    // A node whose longer child list grows in `arena` (none: on the heap).
+    explicit ConcreteElement(NodeArena* arena)
+        : children_(ElementList::allocator_type(NodeAllocator<std::shared_ptr<Element>>(arena))) {}
     ~ConcreteElement() override;
 
     ElementList& children() override { return children_; }
