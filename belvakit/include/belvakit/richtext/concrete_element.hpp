@@ -3,6 +3,7 @@
 #include "belvakit/richtext/element.hpp"
 
 #include <array>
+#include <cstdint>
 
 namespace belvakit {
 
@@ -31,7 +32,9 @@ private:
 
     platform::AttributedString text_;
     std::array<Derivation, 8> derivations_;
-    std::size_t nextDerivation_ = 0;
+    // Indices into `derivations_`, the most recently used first; a new one takes the last place.
+    // One-off styles (a link's) so push out each other rather than the ones in steady use.
+    std::array<std::uint8_t, 8> recency_{0, 1, 2, 3, 4, 5, 6, 7};
     platform::TextAttributes held_;
 };
 
