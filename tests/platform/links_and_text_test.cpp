@@ -26,7 +26,8 @@ TEST(URL, ParsesAbsoluteAndRelativeReferencesAndRefusesEmptyOrMalformedText) {
 
 // Common links skip the full grammar; whatever the way, the answer must be the grammar's.
 TEST(URL, AcceptsExactlyWhatTheUriGrammarAccepts) {
-    const std::vector<std::string> heads{"https://", "http://", "a+b.c-d://", "1x://", "x_y://", "mailto:", "//", "", "h:/"};
+    const std::vector<std::string> heads{"https://", "http://", "a+b.c-d://", "1x://",
+                                         "x_y://",   "mailto:", "//",         "",      "h:/"};
     const std::string tails = "aZ09-._~!$&'()*+,;=:@/?#%[] \"<>\\^`{|}\x7F\xC3\xA9";
     std::mt19937 random(20261122);
     for (int i = 0; i < 20000; ++i) {

@@ -127,7 +127,8 @@ TEST(RichRenderParseTest, ANodeOrChildListKeptPastItsTreeStaysWhole) {
     tree.reset();
 
     ASSERT_EQ(kept.size(), 300u);
-    for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_EQ(describe(*kept[i]), "Bold[Text\"" + std::to_string(i) + "\"]");
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        EXPECT_EQ(describe(*kept[i]), "Bold[Text\"" + std::to_string(i) + "\"]");
     EXPECT_EQ(grown->parent(), nullptr);
     ASSERT_EQ(grown->children().size(), 40u);
     EXPECT_EQ(describe(*grown->children().back()), "Text\"late\"");

@@ -30,7 +30,7 @@ NodeArena* NodeArena::make() { return new NodeArena; }
 NodeArena::~NodeArena() {
     while (blocks_) {
         Block* previous = blocks_->previous;
-        ::operator delete(blocks_, Block::header + blocks_->size);
+        ::operator delete(blocks_);
         blocks_ = previous;
     }
 }

@@ -28,7 +28,8 @@ public:
 
     Text() = default;
     explicit Text(std::string content) { setContent(std::move(content)); }
-    explicit Text(BorrowedContent content, NodeArena* arena = nullptr) : ConcreteElement(arena), content_(content.bytes) {}
+    explicit Text(BorrowedContent content, NodeArena* arena = nullptr)
+        : ConcreteElement(arena), content_(content.bytes) {}
     explicit Text(NodeArena* arena) : ConcreteElement(arena) {}
 
     std::string_view content() const { return content_; }

@@ -81,6 +81,8 @@ public:
         arena_->deallocate();
     }
     NodeArena* arena() const noexcept { return arena_; }
+    // A copy of a list is no part of the tree: it lives on the heap.
+    NodeAllocator select_on_container_copy_construction() const noexcept { return NodeAllocator(); }
 
     template <typename U>
     bool operator==(const NodeAllocator<U>& other) const noexcept { return arena_ == other.arena_; }
