@@ -56,12 +56,20 @@ TEST(RichRenderParseTest, FactoryMatchesTagNamesExactly) {
         {"h3", "Bold"},    {"h4", "Bold"},  {"h5", "Bold"},   {"h6", "Bold"},          {"h7", "Text"},
         {"strong", "Text"}, {"em", "Text"}, {"span", "Text"}, {"ol", "Text"},          {"I", "Text"},
         {"B", "Text"},     {"", "Text"},    {"bb", "Text"},   {"a ", "Text"}};
-    for (const auto& [tag, name] : expected) EXPECT_EQ(kind(tag), name) << "<" << tag << ">";
+    const std::unique_ptr<NodeArena, NodeArenaRelease> arena(NodeArena::make());
+    const auto kindInArena = [&](std::string_view tag) {
+        return platform::unqualifiedName(typeid(*factory.element(tag, *arena)));
+    };
+    for (const auto& [tag, name] : expected) {
+        EXPECT_EQ(kind(tag), name) << "<" << tag << ">";
+        EXPECT_EQ(kindInArena(tag), name) << "<" << tag << "> in an arena";
+    }
 
-    const auto made = factory.element("a");
-    EXPECT_TRUE(made->children().empty());
-    EXPECT_TRUE(made->attributes().empty());
-    EXPECT_EQ(made->parent(), nullptr);
+    for (const auto& made : {factory.element("a"), factory.element("a", *arena)}) {
+        EXPECT_TRUE(made->children().empty());
+        EXPECT_TRUE(made->attributes().empty());
+        EXPECT_EQ(made->parent(), nullptr);
+    }
 }
 
 TEST(RichRenderParseTest, KeepsTextVerbatimAndResolvesPredefinedReferences) {
@@ -104,6 +112,28 @@ TEST(RichRenderParseTest, ParentIsABackReferenceThatOwnsNothing) {
     }
     EXPECT_TRUE(root.expired()) << "a held child keeps no ancestor alive";
     EXPECT_EQ(text->parent(), nullptr) << "and forgets its parent once that is gone";
+}
+
+TEST(RichRenderParseTest, ANodeOrChildListKeptPastItsTreeStaysWhole) {
+    testing_support::CapturedLog quiet;
+    std::string html = "<div>";
+    for (int i = 0; i < 300; ++i) html += "<b>" + std::to_string(i) + "</b>";
+    html += "</div>";
+    auto tree = RichRender().parse(html);
+    ASSERT_TRUE(tree);
+    ElementList kept = std::move(tree->children().front()->children());
+    const auto grown = tree->children().front();
+    for (int i = 0; i < 40; ++i) grown->children().push_back(std::make_shared<Text>("late"));
+    tree.reset();
+
+    ASSERT_EQ(kept.size(), 300u);
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        EXPECT_EQ(describe(*kept[i]), "Bold[Text\"" + std::to_string(i) + "\"]");
+    EXPECT_EQ(grown->parent(), nullptr);
+    ASSERT_EQ(grown->children().size(), 40u);
+    EXPECT_EQ(describe(*grown->children().back()), "Text\"late\"");
+    grown->children().clear();
+    kept.clear();
 }
 
 TEST(RichRenderParseTest, AnythingThatIsNotOneWellFormedElementGivesNil) {

@@ -8,10 +8,13 @@
 namespace belvakit {
 namespace {
 
-// One open node of a render walk: the style its children get, and the next child to render.
+// One open node of a render walk and the next child to render. Its children's style is kept by
+// the frame at `styleOwner`: its own when the node changes the style, else an ancestor's, which
+// spares a copy per container node.
 struct Frame {
     const ConcreteElement* node;
-    platform::TextAttributes style;
+    std::size_t styleOwner;
+    platform::TextAttributes ownStyle;
     std::size_t next = 0;
 };
 
@@ -29,10 +32,17 @@ void RenderOutput::appendWithFont(std::string_view text, const platform::TextAtt
 }
 
 const platform::TextAttributes& RenderOutput::derived(const platform::TextAttributes& from, Derive derive) {
-    for (const auto& known : derivations_)
-        if (known.derive == derive && known.from.isSameStorage(from)) return known.to;
+    const auto promote = [this](std::size_t rank) {
+        const std::uint8_t index = recency_[rank];
+        for (; rank > 0; --rank) recency_[rank] = recency_[rank - 1];
+        return recency_[0] = index;
+    };
+    for (std::size_t rank = 0; rank < recency_.size(); ++rank) {
+        const auto& known = derivations_[recency_[rank]];
+        if (known.derive == derive && known.from.isSameStorage(from)) return derivations_[promote(rank)].to;
+    }
     // Holding `from` keeps its storage, and so the identity the lookup relies on, alive.
-    auto& slot = derivations_[nextDerivation_++ % derivations_.size()];
+    auto& slot = derivations_[promote(recency_.size() - 1)];
     slot = {from, derive, derive(from)};
     return slot.to;
 }
@@ -40,6 +50,8 @@ const platform::TextAttributes& RenderOutput::derived(const platform::TextAttrib
 ConcreteElement::~ConcreteElement() {
     // Releasing a deep subtree by recursion would go as deep as the tree: unlink it level by level
     // instead. A node someone else still holds survives, without its dangling parent.
+    if (children_.empty()) return;
+    const NodeArena::TearDown batch(children_.get_allocator().arena());
     std::vector<std::shared_ptr<Element>> pending;
     const auto release = [&pending](Element* owner, ElementList& children) {
         for (auto& child : children) {
@@ -79,7 +91,7 @@ platform::AttributedString ConcreteElement::render(const platform::TextAttribute
 
     std::vector<Frame> open;
     open.reserve(16);
-    open.push_back({this, *childStyle});
+    open.push_back({this, 0, *childStyle});
     while (!open.empty()) {
         auto& frame = open.back();
         if (frame.next == frame.node->children_.size()) {
@@ -88,19 +100,22 @@ platform::AttributedString ConcreteElement::render(const platform::TextAttribute
         }
         const Element* child = frame.node->children_[frame.next++].get();
         if (!child) continue;
+        const std::size_t owner = frame.styleOwner;
+        const auto& style = open[owner].ownStyle;
         const auto* concrete = child->asConcreteElement();
         if (!concrete) {
-            const auto rendered = child->render(frame.style);
+            const auto rendered = child->render(style);
             for (const auto& run : rendered.runs())
                 out.append(std::string_view(rendered.string()).substr(run.range.location, run.range.length),
                            run.attributes);
             continue;
         }
-        const auto* grandchildStyle = concrete->renderOwn(frame.style, out);
+        const auto* grandchildStyle = concrete->renderOwn(style, out);
         if (!grandchildStyle || concrete->children_.empty()) continue;
-        // Copied before the push, which may move the frame that `grandchildStyle` points into.
-        platform::TextAttributes style = *grandchildStyle;
-        open.push_back({concrete, std::move(style)});
+        if (grandchildStyle == &style)
+            open.push_back({concrete, owner, {}});
+        else
+            open.push_back({concrete, open.size(), *grandchildStyle});
     }
     return out.take();
 }

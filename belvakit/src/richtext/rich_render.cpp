@@ -1,7 +1,6 @@
 #include "belvakit/richtext/rich_render.hpp"
 
 #include "belvakit/richtext/elements.hpp"
-#include "node_arena.hpp"
 #include "corvane/core_logger.hpp"
 #include "platform/character_set.hpp"
 
@@ -62,9 +61,9 @@ std::shared_ptr<Element> RichRender::parse(const std::string& html) {
     std::string message;
     message.reserve(html.size() + 16);
     CoreLogger::verbose(message.append("Parsing HTML: ").append(html).append(" \n"));
-    root_ = std::make_shared<Root>();
+    arena_.reset(NodeArena::make());
+    root_ = std::allocate_shared<Root>(NodeAllocator<Root>(arena_.get()), arena_.get());
     tree_ = root_.get();
-    arena_ = std::make_shared<NodeArena>();
     parser_ = std::make_unique<platform::XmlParser>(html);
     parser_->setDelegate(this);
     parser_->parse();
@@ -74,7 +73,7 @@ std::shared_ptr<Element> RichRender::parse(const std::string& html) {
 }
 
 void RichRender::didStartElement(platform::XmlParser&, std::string_view name, platform::XmlAttributes attributes) {
-    auto element = elementCreator_->element(name);
+    auto element = elementCreator_->element(name, *arena_);
     Element* added = element.get();
     added->setParent(tree_);
     added->setAttributes(std::move(attributes));
@@ -83,8 +82,9 @@ void RichRender::didStartElement(platform::XmlParser&, std::string_view name, pl
 }
 
 void RichRender::foundCharacters(platform::XmlParser&, std::string_view characters) {
-    // The node's allocator keeps the arena, and so the copied bytes, alive with the node.
-    auto text = std::allocate_shared<Text>(NodeAllocator<Text>(arena_), Text::BorrowedContent{arena_->copy(characters)});
+    // The node holds the arena, and so the copied bytes, for as long as it lives.
+    auto text = std::allocate_shared<Text>(NodeAllocator<Text>(arena_.get()),
+                                           Text::BorrowedContent{arena_->copy(characters)}, arena_.get());
     text->setParent(tree_);
     insertionPoint().children().push_back(std::move(text));
 }

@@ -3,6 +3,7 @@
 #include "belvakit/richtext/element.hpp"
 
 #include <array>
+#include <cstdint>
 
 namespace belvakit {
 
@@ -31,7 +32,9 @@ private:
 
     platform::AttributedString text_;
     std::array<Derivation, 8> derivations_;
-    std::size_t nextDerivation_ = 0;
+    // Indices into `derivations_`, the most recently used first; a new one takes the last place.
+    // One-off styles (a link's) so push out each other rather than the ones in steady use.
+    std::array<std::uint8_t, 8> recency_{0, 1, 2, 3, 4, 5, 6, 7};
     platform::TextAttributes held_;
 };
 
@@ -40,6 +43,9 @@ private:
 class ConcreteElement : public Element {
 public:
     ConcreteElement() = default;
+    // A node whose longer child list grows in `arena` (none: on the heap).
+    explicit ConcreteElement(NodeArena* arena)
+        : children_(ElementList::allocator_type(NodeAllocator<std::shared_ptr<Element>>(arena))) {}
     ~ConcreteElement() override;
 
     ElementList& children() override { return children_; }

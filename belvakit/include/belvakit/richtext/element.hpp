@@ -1,5 +1,6 @@
 #pragma once
 
+#include "belvakit/richtext/node_arena.hpp"
 #include "platform/attributed_string.hpp"
 #include "platform/text_attributes.hpp"
 
@@ -14,8 +15,10 @@ namespace belvakit {
 class ConcreteElement;
 class Element;
 using ElementAttributes = std::map<std::string, std::string>;
-// Room for a few children in place: text has none, and most tags have one to three.
-using ElementList = boost::container::small_vector<std::shared_ptr<Element>, 3>;
+// Room for a few children in place: text has none, and most tags have one to three. Longer lists
+// of a parsed tree grow in its arena.
+using ElementList =
+    boost::container::small_vector<std::shared_ptr<Element>, 3, NodeAllocator<std::shared_ptr<Element>>>;
 
 // A node of the tree that an agent's HTML comment becomes.
 class Element {

@@ -12,6 +12,10 @@ class ElementFactory {
 public:
     virtual ~ElementFactory() = default;
     virtual std::shared_ptr<Element> element(std::string_view tagName) const = 0;
+    // The same, with the node carved from `arena`; a factory without arena support uses the heap.
+    virtual std::shared_ptr<Element> element(std::string_view tagName, NodeArena&) const {
+        return element(tagName);
+    }
 };
 
 // Matches tag names exactly, case included; an unknown tag becomes an empty `Text` so that what
@@ -19,6 +23,7 @@ public:
 class ConcreteElementFactory final : public ElementFactory {
 public:
     std::shared_ptr<Element> element(std::string_view tagName) const override;
+    std::shared_ptr<Element> element(std::string_view tagName, NodeArena& arena) const override;
 };
 
 } // namespace belvakit

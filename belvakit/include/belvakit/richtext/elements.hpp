@@ -9,6 +9,9 @@ namespace belvakit {
 
 // The top of a parsed tree. Renders its children in the default text style, whatever it is given.
 class Root final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
@@ -25,7 +28,9 @@ public:
 
     Text() = default;
     explicit Text(std::string content) { setContent(std::move(content)); }
-    explicit Text(BorrowedContent content) : content_(content.bytes) {}
+    explicit Text(BorrowedContent content, NodeArena* arena = nullptr)
+        : ConcreteElement(arena), content_(content.bytes) {}
+    explicit Text(NodeArena* arena) : ConcreteElement(arena) {}
 
     std::string_view content() const { return content_; }
     void setContent(std::string content) {
@@ -45,6 +50,8 @@ private:
 // `br`: a newline in the inherited style, without a font of its own.
 class Break final : public ConcreteElement {
 public:
+    using ConcreteElement::ConcreteElement;
+
     const std::string& content() const;
 
 protected:
@@ -54,6 +61,9 @@ protected:
 
 // `a`: its children link to `href` when that is a URL.
 class Link final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
@@ -61,6 +71,9 @@ protected:
 
 // `img`: shown as the text of its `src`; the picture itself is never fetched.
 class Image final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
@@ -68,6 +81,9 @@ protected:
 
 // `b` and the headings `h1`...`h6`.
 class Bold final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
@@ -75,6 +91,9 @@ protected:
 
 // `i`.
 class Italic final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
@@ -82,6 +101,9 @@ protected:
 
 // `code`: monospace in light grey, whatever the surrounding style.
 class Code final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
@@ -89,16 +111,28 @@ protected:
 
 // `blockquote`: italic in grey, whatever the surrounding style.
 class Quote final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+
 protected:
     const platform::TextAttributes* renderOwn(const platform::TextAttributes& received,
                                               RenderOutput& out) const override;
 };
 
 // `div`: a plain container.
-class Div final : public ConcreteElement {};
+class Div final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+};
 
 // Kinds no tag produces; they render their children as they are.
-class UnorderList final : public ConcreteElement {};
-class OrderedList final : public ConcreteElement {};
+class UnorderList final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+};
+class OrderedList final : public ConcreteElement {
+public:
+    using ConcreteElement::ConcreteElement;
+};
 
 } // namespace belvakit

@@ -2,6 +2,7 @@
 
 #include "belvakit/richtext/element.hpp"
 #include "belvakit/richtext/element_factory.hpp"
+#include "belvakit/richtext/node_arena.hpp"
 #include "platform/attributed_string.hpp"
 #include "platform/xml_parser.hpp"
 
@@ -10,8 +11,6 @@
 #include <string>
 
 namespace belvakit {
-
-class NodeArena;
 
 // One parse of an agent's HTML into an element tree. The HTML must be well-formed XML with a
 // single top element; nothing is wrapped or repaired, and any parser error means no tree at all.
@@ -38,7 +37,7 @@ private:
     std::unique_ptr<platform::XmlParser> parser_;
     Element* tree_ = nullptr;         // the insertion point; null after an error
     std::shared_ptr<Element> root_;  // owns the tree that `tree_` walks
-    std::shared_ptr<NodeArena> arena_;  // for the character data nodes
+    std::unique_ptr<NodeArena, NodeArenaRelease> arena_;  // held for the length of a parse
     std::shared_ptr<ElementFactory> elementCreator_;
 };
 
