@@ -85,7 +85,7 @@ void RequestListService::fetchAgentAvatars(std::vector<RequestListCellData> requ
             pass->slotOfRow.push_back(noAvatar);
             continue;
         }
-        const auto [slot, added] = slots.emplace(*info->avatarUrl, toFetch.size());
+        const auto [slot, added] = slots.try_emplace(*info->avatarUrl, toFetch.size());
         if (added) toFetch.push_back(*info);
         pass->slotOfRow.push_back(slot->second);
     }
