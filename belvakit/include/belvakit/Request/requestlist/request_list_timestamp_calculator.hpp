@@ -37,7 +37,7 @@ private:
     std::optional<std::pair<Date, Date>> today_;
     // By the day's first instant.
     std::map<Date, Day> days_;
-    // Rows tend to follow each other on one day.
+    // A row's two dates mostly fall on one day.
     std::map<Date, Day>::const_iterator lastDay_ = days_.end();
 };
 
