@@ -44,15 +44,15 @@ boost::json::value CRVRequest::toJson() const {
 std::optional<CRVRequest> CRVRequest::initWithDict(const boost::json::value& json) {
     const auto* object = json.if_object();
     if (!object) return std::nullopt;
-    const auto id = string(*object, "id");
-    const auto description = string(*object, "description");
-    const auto requestStatus = string(*object, "status");
+    auto id = string(*object, "id");
+    auto description = string(*object, "description");
+    auto requestStatus = string(*object, "status");
     const auto created = number(*object, "created_at");
     if (!id || !description || !requestStatus || !created) return std::nullopt;
     CRVRequest request;
-    request.requestId = *id;
-    request.requestDescription = *description;
-    request.status = *requestStatus;
+    request.requestId = std::move(*id);
+    request.requestDescription = std::move(*description);
+    request.status = std::move(*requestStatus);
     request.createdAt = *created;
     request.subject = string(*object, "subject");
     request.updatedAt = number(*object, "updated_at");
@@ -75,6 +75,7 @@ std::vector<Record> parseList(const boost::json::value& json, std::string_view k
     const auto* object = json.if_object();
     const auto* list = object ? object->if_contains(key) : nullptr;
     if (!list || !list->is_array()) return out;
+    out.reserve(list->get_array().size());
     for (const auto& entry : list->get_array())
         if (auto record = parse(entry)) out.push_back(std::move(*record));
     return out;

@@ -113,6 +113,29 @@ TEST(ConcreteCache, FetchAnswersOnTheMainQueueWithBytesOrNothing) {
     EXPECT_NE(std::find(verbose.begin(), verbose.end(), "Fetching from cache: unknown"), verbose.end());
 }
 
+TEST(ConcreteCache, ObjectsOfOneDirectoryWorkOnItsOneQueueSoAReadFollowsAnotherObjectsWrite) {
+    TemporaryDirectory root;
+    std::promise<void> gate;
+    auto writer = cacheIn(root.path(), true);
+    const platform::SerialQueue writerQueue = writer->queue();
+    writer->run([opened = gate.get_future().share()] { opened.wait(); });
+    writer->store("k", "written");
+    // The write is still held up when its cache object goes and another one is made.
+    writer.reset();
+    const auto reader = cacheIn(root.path(), true);
+    bool sameQueue = false;
+    writerQueue.async([&] { sameQueue = reader->queue().isCurrent(); });
+    gate.set_value();
+    EXPECT_EQ(fetchNow(*reader, "k").bytes, "written");
+    EXPECT_TRUE(sameQueue);
+
+    const auto other = cacheIn(root.path() + "/other", true);
+    bool otherQueue = true;
+    other->run([&] { otherQueue = reader->queue().isCurrent(); });
+    drain(*other);
+    EXPECT_FALSE(otherQueue) << "another directory keeps a queue of its own";
+}
+
 TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {
     TemporaryDirectory root;
     CapturedLog log;
@@ -126,6 +149,8 @@ TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {
     EXPECT_TRUE(std::filesystem::exists(cache->path() / "...._data_..escaped"));
     EXPECT_FALSE(cache->fileURL(".."));
     EXPECT_FALSE(fetchNow(*cache, "../escaped").bytes);
+    EXPECT_FALSE(cache->read("../escaped"));
+    EXPECT_EQ(cache->read("...._data_..escaped"), "y");
     const auto verbose = log.messages(LogLevel::verbose);
     EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Failed to cache item ../escaped"), 1);
 }

@@ -1,4 +1,5 @@
 #include "belvakit/Request/requestlist/avatar_fetcher.hpp"
+#include "belvakit/Request/requestlist/request_list_service.hpp"
 
 #include "platform/image_codec.hpp"
 #include "platform/main_queue.hpp"
@@ -6,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 using namespace belvakit;
@@ -75,4 +77,44 @@ TEST(AvatarFetcher, FailuresJunkAndMissingUrlsLeaveTheInfoWithoutImage) {
     auto provider = std::make_shared<FakeProvider>("x");
     EXPECT_EQ(fetch(AvatarFetcher{provider, cache}, noUrl).first, noUrl);
     EXPECT_TRUE(provider->requested.empty());
+}
+
+TEST(RequestListService, FetchesEachAvatarOnceAndFillsEveryRowThatShowsIt) {
+    testing_support::TemporaryDirectory directory;
+    testing_support::CapturedLog log;
+    auto cache = std::make_shared<ConcreteCache>(directory.path(), true);
+    auto provider = std::make_shared<FakeProvider>(*platform::encodePNG(*platform::makeImage(3, 2)));
+    auto failing = std::make_shared<FakeProvider>("");
+    const auto row = [](std::string id, std::optional<AgentAvatarInfo> info) {
+        RequestListCellData cell;
+        cell.requestId = std::move(id);
+        cell.agentAvatarInfo = std::move(info);
+        return cell;
+    };
+    auto emptyUrl = ada;
+    emptyUrl.avatarUrl = "";
+    std::vector<RequestListCellData> rows{row("1", ada), row("2", std::nullopt), row("3", ada), row("4", emptyUrl)};
+
+    std::optional<std::vector<RequestListCellData>> filled;
+    RequestListService().fetchAgentAvatars(rows, cache, provider, [&](auto result) { filled = std::move(result); });
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return filled.has_value(); }));
+    ASSERT_EQ(filled->size(), 4u);
+    EXPECT_EQ((*filled)[2].requestId, "3");
+    ASSERT_TRUE((*filled)[0].agentAvatarInfo->avatarImage);
+    EXPECT_EQ((*filled)[0].agentAvatarInfo->avatarImage, (*filled)[2].agentAvatarInfo->avatarImage);
+    EXPECT_FALSE((*filled)[1].agentAvatarInfo);
+    EXPECT_FALSE((*filled)[3].agentAvatarInfo->avatarImage);
+    EXPECT_EQ(provider->requested, std::vector<std::string>{*ada.avatarUrl});
+    const auto debug = log.messages(platform::LogLevel::debug);
+    EXPECT_EQ(std::count(debug.begin(), debug.end(), "Agent avatar fetched success"), 1);
+
+    // Without an image to be had, every row stays as it was.
+    auto bob = ada;
+    bob.avatarUrl = "https://avatars/people/8.png";
+    filled.reset();
+    RequestListService().fetchAgentAvatars({row("5", bob), row("6", bob)}, cache, failing,
+                                           [&](auto result) { filled = std::move(result); });
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return filled.has_value(); }));
+    EXPECT_EQ(*filled, (std::vector<RequestListCellData>{row("5", bob), row("6", bob)}));
+    EXPECT_EQ(failing->requested.size(), 1u);
 }

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using namespace belvakit;
 
 namespace {
@@ -53,6 +55,24 @@ TEST_F(RequestListCell, DatesShowTheTimeTodayAndDayAndMonthOtherwise) {
     EXPECT_EQ(updated.timeToCompare, now - 60);
     platform::Calendar::setCurrent(platform::Calendar("en_US", "Asia/Tokyo"));
     EXPECT_EQ(requestListDateText(now - 11 * 3600), "08:00") << "today in Tokyo";
+}
+
+TEST_F(RequestListCell, TextsOfAWholeListAreTheOneOffTextsAcrossMidnightsZonesAndDaylightSaving) {
+    // Around the end of daylight saving in New York as well as on a plain day.
+    auto clock = std::make_shared<platform::FixedWallClock>(now);
+    const auto previous = platform::setWallClock(clock);
+    for (const Date present : {now, Date(1699185600)}) {
+        clock->set(present);
+        for (const char* zone : {"UTC", "Asia/Kolkata", "America/New_York"}) {
+            platform::Calendar::setCurrent(platform::Calendar("en_US", zone));
+            RequestListDateTexts texts;
+            for (Date date = present - 3 * 86400; date < present + 2 * 86400; date += 1800 + 7)
+                ASSERT_EQ(texts.text(date), requestListDateText(date)) << zone << " " << date;
+            for (const Date odd : {std::numeric_limits<Date>::quiet_NaN(), std::numeric_limits<Date>::infinity()})
+                EXPECT_EQ(texts.text(odd), requestListDateText(odd)) << zone;
+        }
+    }
+    platform::setWallClock(previous);
 }
 
 TEST_F(RequestListCell, RowOfARequestTakesItsFieldsAndAgents) {

@@ -5,6 +5,8 @@
 #include "platform/files.hpp"
 #include "platform/main_queue.hpp"
 
+#include <map>
+#include <mutex>
 #include <system_error>
 
 namespace belvakit {
@@ -25,8 +27,29 @@ std::shared_ptr<ConcreteCache> ConcreteCache::named(const std::string& directory
     return make(core ? &core->storeModule() : nullptr, directoryName, true);
 }
 
+namespace {
+
+// The queue of a directory, by its label, for as long as a cache object or queued work holds it.
+std::shared_ptr<const platform::SerialQueue> directoryQueue(const std::string& label) {
+    static std::mutex mutex;
+    static std::map<std::string, std::weak_ptr<const platform::SerialQueue>> queues;
+    std::lock_guard lock(mutex);
+    std::erase_if(queues, [](const auto& entry) { return entry.second.expired(); });
+    auto& slot = queues[label];
+    auto queue = slot.lock();
+    if (!queue) {
+        queue = std::make_shared<const platform::SerialQueue>(label);
+        slot = queue;
+    }
+    return queue;
+}
+
+} // namespace
+
 ConcreteCache::ConcreteCache(std::filesystem::path path, bool allowOverwrite)
-    : path_(std::move(path)), allowOverwrite_(allowOverwrite), queue_("file://" + path_.string() + "/") {
+    : path_(std::move(path)),
+      allowOverwrite_(allowOverwrite),
+      queue_(directoryQueue("file://" + path_.string() + "/")) {
     // Creating a directory that exists succeeds, so there is no need to look first.
     std::error_code error;
     std::filesystem::create_directories(path_, error);
@@ -47,8 +70,9 @@ std::optional<std::filesystem::path> fileIn(const std::filesystem::path& directo
 } // namespace
 
 void ConcreteCache::store(const std::string& key, std::string bytes) {
-    // The work holds copies, not the cache, so that it may outlive the cache object.
-    queue_.async([directory = path_, allowOverwrite = allowOverwrite_, key, bytes = std::move(bytes)] {
+    // The work holds copies, not the cache, so that it may outlive the cache object; it holds the
+    // queue, so that a cache object made meanwhile finds this queue and reads after the write.
+    queue_->async([queue = queue_, directory = path_, allowOverwrite = allowOverwrite_, key, bytes = std::move(bytes)] {
         const auto file = fileIn(directory, key);
         std::error_code error;
         if (file && std::filesystem::exists(*file, error) && !allowOverwrite) {
@@ -60,11 +84,26 @@ void ConcreteCache::store(const std::string& key, std::string bytes) {
     });
 }
 
+std::optional<std::string> Cache::read(const std::string& key) const {
+    const auto file = fileURL(key);
+    return file ? platform::readFile(*file) : std::nullopt;
+}
+
+namespace {
+
+std::optional<std::string> readEntry(const std::filesystem::path& directory, const std::string& key) {
+    const auto file = fileIn(directory, key);
+    return file ? platform::readFile(*file) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::string> ConcreteCache::read(const std::string& key) const { return readEntry(path_, key); }
+
 void ConcreteCache::fetch(const std::string& key, FetchCompletion completion) {
     CoreLogger::verbose("Fetching from cache: " + key);
-    queue_.async([directory = path_, key, completion = std::move(completion)]() mutable {
-        const auto file = fileIn(directory, key);
-        auto bytes = file ? platform::readFile(*file) : std::nullopt;
+    queue_->async([queue = queue_, directory = path_, key, completion = std::move(completion)]() mutable {
+        auto bytes = readEntry(directory, key);
         platform::MainQueue::shared().async(
             [completion = std::move(completion), bytes = std::move(bytes)]() mutable { completion(std::move(bytes)); });
     });
@@ -77,6 +116,8 @@ std::optional<std::filesystem::path> ConcreteCache::fileURL(const std::string& k
     return file;
 }
 
-void ConcreteCache::run(std::function<void()> block) { queue_.async(std::move(block)); }
+void ConcreteCache::run(std::function<void()> block) {
+    queue_->async([queue = queue_, block = std::move(block)] { block(); });
+}
 
 } // namespace belvakit

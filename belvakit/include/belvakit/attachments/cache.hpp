@@ -25,9 +25,12 @@ public:
     virtual std::optional<std::filesystem::path> fileURL(const std::string& key) const = 0;
     // Runs the block on the cache's queue, after the work already given to it.
     virtual void run(std::function<void()> block) = 0;
+    // The bytes of an entry, read on the calling thread: for blocks that `run` gave to the queue.
+    virtual std::optional<std::string> read(const std::string& key) const;
 };
 
-// A cache directory under the core's cache directory, with one serial queue for its files.
+// A cache directory under the core's cache directory. Every cache object of one directory works on
+// that directory's one serial queue, so a read through one object sees the writes given to another.
 class ConcreteCache final : public Cache {
 public:
     static constexpr const char* ticketsDirectory = "Tickets";
@@ -43,17 +46,19 @@ public:
 
     const std::filesystem::path& path() const { return path_; }
     bool allowOverwrite() const { return allowOverwrite_; }
-    const platform::SerialQueue& queue() const { return queue_; }
+    const platform::SerialQueue& queue() const { return *queue_; }
 
     void store(const std::string& key, std::string bytes) override;
     void fetch(const std::string& key, FetchCompletion completion) override;
     std::optional<std::filesystem::path> fileURL(const std::string& key) const override;
     void run(std::function<void()> block) override;
+    std::optional<std::string> read(const std::string& key) const override;
 
 private:
     std::filesystem::path path_;
     bool allowOverwrite_;
-    platform::SerialQueue queue_;
+    // Shared with the directory's other cache objects and held by work still queued on it.
+    std::shared_ptr<const platform::SerialQueue> queue_;
 };
 
 } // namespace belvakit

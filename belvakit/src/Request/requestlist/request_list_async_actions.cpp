@@ -2,10 +2,10 @@
 
 #include "belvakit/Request/conversation/message_list.hpp"
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "belvakit/Request/requestlist/request_list_timestamp_calculator.hpp"
 #include "corvane/core_logger.hpp"
 #include "corvane/corvane.hpp"
 #include "dastrel/support.hpp"
-#include "platform/files.hpp"
 #include "platform/main_queue.hpp"
 
 #include <algorithm>
@@ -15,13 +15,15 @@
 
 namespace belvakit {
 
-std::vector<RequestListCellData> requestListCells(const dastrel::CRVRequestsWithCommentingAgents& response,
+std::vector<RequestListCellData> requestListCells(dastrel::CRVRequestsWithCommentingAgents response,
                                                   const dastrel::RequestUpdates& updates) {
+    RequestListDateTexts texts;
     std::vector<RequestListCellData> cells;
     cells.reserve(response.requests.size());
-    for (const auto& request : response.requests)
-        cells.push_back(RequestListCellData::fromRequest(request, response.commentingAgents,
-                                                         updates.isRequestUnread(request.requestId)));
+    for (auto& request : response.requests) {
+        const bool unread = updates.isRequestUnread(request.requestId);
+        cells.push_back(RequestListCellData::fromRequest(std::move(request), response.commentingAgents, unread, texts));
+    }
     return cells;
 }
 
@@ -34,35 +36,59 @@ void markRequestsWithFailedMessages(std::vector<RequestListCellData>& requests,
         if (failed.contains(request.requestId)) request.isErrored = true;
 }
 
+namespace {
+
+// Newest first over the rows of both lists, in the order of their concatenation where dates tie,
+// closed ones left out unless shown. Rows are large: their places are sorted by date and each row
+// then moves once. A date that is not a number would break the order for all rows; it sorts as
+// the oldest.
+std::vector<RequestListCellData> mergedSortedAndFiltered(std::vector<RequestListCellData>& first,
+                                                         std::vector<RequestListCellData>& second,
+                                                         bool showClosedRequests) {
+    const auto row = [&](std::size_t place) -> RequestListCellData& {
+        return place < first.size() ? first[place] : second[place - first.size()];
+    };
+    std::vector<std::pair<Date, std::size_t>> order;
+    order.reserve(first.size() + second.size());
+    for (std::size_t place = 0; place < first.size() + second.size(); ++place) {
+        const Date date = row(place).updatedAtDate;
+        order.emplace_back(std::isnan(date) ? -std::numeric_limits<Date>::infinity() : date, place);
+    }
+    std::stable_sort(order.begin(), order.end(), [](const auto& left, const auto& right) { return left.first > right.first; });
+    std::vector<RequestListCellData> sorted;
+    sorted.reserve(order.size());
+    for (const auto& entry : order) {
+        auto& next = row(entry.second);
+        if (showClosedRequests || next.requestStatus != RequestStatus::closed) sorted.push_back(std::move(next));
+    }
+    return sorted;
+}
+
+} // namespace
+
 std::vector<RequestListCellData> sortedAndFilteredRequests(std::vector<RequestListCellData> requests,
                                                            bool showClosedRequests) {
-    // A date that is not a number would break the order for all rows; it sorts as the oldest.
-    const auto key = [](const RequestListCellData& row) {
-        return std::isnan(row.updatedAtDate) ? -std::numeric_limits<double>::infinity() : row.updatedAtDate;
-    };
-    std::sort(requests.begin(), requests.end(),
-              [&](const RequestListCellData& left, const RequestListCellData& right) { return key(left) > key(right); });
-    if (!showClosedRequests)
-        std::erase_if(requests, [](const RequestListCellData& row) { return rawValue(row.requestStatus) == "closed"; });
-    return requests;
+    std::vector<RequestListCellData> none;
+    return mergedSortedAndFiltered(requests, none, showClosedRequests);
 }
 
 namespace {
 
-std::vector<RequestListCellData> cellsMarked(const dastrel::CRVRequestsWithCommentingAgents& response,
+std::vector<RequestListCellData> cellsMarked(dastrel::CRVRequestsWithCommentingAgents response,
                                              const dastrel::RequestUpdates& updates) {
-    auto cells = requestListCells(response, updates);
+    auto cells = requestListCells(std::move(response), updates);
     markRequestsWithFailedMessages(cells);
     return cells;
 }
 
 // The row of a conversation only this device has, shaped like a failed ticket's; nothing when its
 // first message carries no text.
-std::optional<RequestListCellData> localOnlyRow(const std::string& localId, const std::vector<Message>& messages) {
+std::optional<RequestListCellData> localOnlyRow(const std::string& localId, const std::vector<Message>& messages,
+                                                RequestListDateTexts& texts) {
     if (messages.empty()) return std::nullopt;
     const std::string* description = bodyOf(messages.front());
     if (!description) return std::nullopt;
-    return RequestListCellData::local(localId, *description, createdAt(messages.front()), true);
+    return RequestListCellData::local(localId, *description, createdAt(messages.front()), true, texts);
 }
 
 // Reads the conversations one after the other on the cache's own queue, after its pending
@@ -70,13 +96,13 @@ std::optional<RequestListCellData> localOnlyRow(const std::string& localId, cons
 void loadLocalOnlyRows(const std::shared_ptr<Cache>& cache, std::vector<std::string> ids,
                        std::function<void(std::vector<RequestListCellData>)> completion) {
     cache->run([cache, ids = std::move(ids), completion = std::move(completion)]() mutable {
+        RequestListDateTexts texts;
         std::vector<RequestListCellData> rows;
         for (const auto& localId : ids) {
-            const auto file = cache->fileURL(localId);
-            const auto bytes = file ? platform::readFile(*file) : std::nullopt;
+            const auto bytes = cache->read(localId);
             if (!bytes) continue;
             loadConversation(*bytes, MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
-                if (auto row = localOnlyRow(localId, messages)) rows.push_back(std::move(*row));
+                if (auto row = localOnlyRow(localId, messages, texts)) rows.push_back(std::move(*row));
             });
         }
         platform::MainQueue::shared().async([rows = std::move(rows), completion = std::move(completion)]() mutable {
@@ -113,7 +139,7 @@ void FetchCachedRequests::execute(const tivra::GetState&, const tivra::DispatchF
             response.emplace();
         }
         RequestsFetched fetched;
-        fetched.requests = cellsMarked(*response, updates);
+        fetched.requests = cellsMarked(std::move(*response), updates);
         fetched.isFromCache = true;
         dispatch(fetched);
     };
@@ -147,11 +173,10 @@ void FetchRequests::execute(const tivra::GetState&, const tivra::DispatchFunctio
 }
 
 void FetchLocalOnlyRequests::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
-    auto finish = [dispatch, merged = requestDataFetchedFromNetwork, fromCache = remoteRequestsFromCache,
+    auto finish = [dispatch, remoteRows = std::move(requestDataFetchedFromNetwork), fromCache = remoteRequestsFromCache,
                    showClosed = showClosedRequests](std::vector<RequestListCellData> localRows) mutable {
-        merged.insert(merged.end(), std::make_move_iterator(localRows.begin()), std::make_move_iterator(localRows.end()));
         LocalRequestsFetched fetched;
-        fetched.mergedLocalAndRemoteRequestDatums = sortedAndFilteredRequests(std::move(merged), showClosed);
+        fetched.mergedLocalAndRemoteRequestDatums = mergedSortedAndFiltered(remoteRows, localRows, showClosed);
         fetched.remoteRequestsFromCache = fromCache;
         dispatch(fetched);
     };
@@ -162,7 +187,7 @@ void FetchLocalOnlyRequests::execute(const tivra::GetState&, const tivra::Dispat
 
 void FetchAgentAvatars::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
     if (!service) return;
-    service->fetchAgentAvatars(requestDatums, cache, makeAttachmentsProvider(),
+    service->fetchAgentAvatars(std::move(requestDatums), cache, makeAttachmentsProvider(),
                                [dispatch, fromCache = requestsFromCache](std::vector<RequestListCellData> rows) {
                                    RequestsWithAvatarsFetched fetched;
                                    fetched.requests = std::move(rows);

@@ -6,18 +6,19 @@
 
 namespace belvakit {
 
-RequestListCellData RequestListCellData::fromRequest(const dastrel::CRVRequest& request,
-                                                     const std::vector<dastrel::CRVSupportUser>& commentingAgents,
-                                                     bool hasUnreadComments) {
-    const RequestListTimestampCalculator timestamps(request.createdAt, request.publicUpdatedAt);
+namespace {
+
+RequestListCellData requestRow(dastrel::CRVRequest&& request,
+                               const std::vector<dastrel::CRVSupportUser>& commentingAgents, bool hasUnreadComments,
+                               RequestListTimestampCalculator&& timestamps) {
     RequestListCellData cell;
-    cell.displayTimestamp = timestamps.ticketUpdatedAt.value_or(timestamps.ticketCreatedAt);
+    cell.displayTimestamp = std::move(timestamps.ticketUpdatedAt).value_or(std::move(timestamps.ticketCreatedAt));
     cell.updatedAtDate = request.publicUpdatedAt.value_or(request.createdAt);
     cell.requestId = request.requestId;
     cell.commentCount = request.commentCount;
     cell.requestDescription = request.requestDescription;
-    cell.requestLastComment = request.lastComment;
-    cell.requestTitle = request.requestDescription;
+    cell.requestLastComment = std::move(request.lastComment);
+    cell.requestTitle = std::move(request.requestDescription);
     cell.requestStatus = requestStatusFromRawValue(request.status).value_or(RequestStatus::open);
     cell.hasUnreadComments = hasUnreadComments;
     cell.isErrored = false;
@@ -36,9 +37,8 @@ RequestListCellData RequestListCellData::fromRequest(const dastrel::CRVRequest& 
     return cell;
 }
 
-RequestListCellData RequestListCellData::local(std::string requestId, const std::string& description, Date date,
-                                               bool isErrored) {
-    const RequestListTimestampCalculator timestamps(date, std::nullopt);
+RequestListCellData localRow(std::string requestId, const std::string& description, Date date, bool isErrored,
+                             const RequestListTimestampCalculator& timestamps) {
     RequestListCellData cell;
     cell.displayTimestamp = timestamps.ticketCreatedAt;
     cell.updatedAtDate = date;
@@ -49,6 +49,33 @@ RequestListCellData RequestListCellData::local(std::string requestId, const std:
     cell.commentCount = 1;
     cell.isErrored = isErrored;
     return cell;
+}
+
+} // namespace
+
+RequestListCellData RequestListCellData::fromRequest(const dastrel::CRVRequest& request,
+                                                     const std::vector<dastrel::CRVSupportUser>& commentingAgents,
+                                                     bool hasUnreadComments) {
+    RequestListTimestampCalculator timestamps(request.createdAt, request.publicUpdatedAt);
+    return requestRow(dastrel::CRVRequest(request), commentingAgents, hasUnreadComments, std::move(timestamps));
+}
+
+RequestListCellData RequestListCellData::fromRequest(dastrel::CRVRequest&& request,
+                                                     const std::vector<dastrel::CRVSupportUser>& commentingAgents,
+                                                     bool hasUnreadComments, RequestListDateTexts& texts) {
+    RequestListTimestampCalculator timestamps(request.createdAt, request.publicUpdatedAt, texts);
+    return requestRow(std::move(request), commentingAgents, hasUnreadComments, std::move(timestamps));
+}
+
+RequestListCellData RequestListCellData::local(std::string requestId, const std::string& description, Date date,
+                                               bool isErrored) {
+    return localRow(std::move(requestId), description, date, isErrored, RequestListTimestampCalculator(date, std::nullopt));
+}
+
+RequestListCellData RequestListCellData::local(std::string requestId, const std::string& description, Date date,
+                                               bool isErrored, RequestListDateTexts& texts) {
+    return localRow(std::move(requestId), description, date, isErrored,
+                    RequestListTimestampCalculator(date, std::nullopt, texts));
 }
 
 } // namespace belvakit

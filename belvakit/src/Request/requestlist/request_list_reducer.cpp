@@ -14,6 +14,18 @@ void removeRows(std::vector<RequestListCellData>& rows, const std::string& reque
     std::erase_if(rows, [&](const RequestListCellData& row) { return row.requestId == requestId; });
 }
 
+// The slice with other rows, without copying the rows it drops. Every other field is carried over.
+RequestListState withRows(const RequestListState& state, std::vector<RequestListCellData> rows) {
+    return RequestListState{.requests = std::move(rows),
+                            .agents = state.agents,
+                            .error = state.error,
+                            .stateType = state.stateType,
+                            .referrerUrl = state.referrerUrl,
+                            .showReferrerLogo = state.showReferrerLogo,
+                            .showClosedRequests = state.showClosedRequests,
+                            .cache = state.cache};
+}
+
 // A ticket made or failed on this device goes to the top, replacing its earlier row.
 RequestListState withLocalRowOnTop(RequestListState state, RequestListCellData row) {
     removeRows(state.requests, row.requestId);
@@ -26,8 +38,7 @@ RequestListState withLocalRowOnTop(RequestListState state, RequestListCellData r
 std::optional<RequestListState> RequestListReducer::reduce(const RequestListState& state,
                                                            const tivra::Action& action) const {
     if (const auto* settings = actionAs<Actions::FetchRequestListSettingsSuccess>(action)) {
-        RequestListState next = state;
-        next.requests.clear();
+        RequestListState next = withRows(state, {});
         next.referrerUrl = settings->referrerUrl;
         next.showReferrerLogo = settings->showReferrerLogo;
         next.showClosedRequests = settings->showClosedRequests;
@@ -49,8 +60,7 @@ std::optional<RequestListState> RequestListReducer::reduce(const RequestListStat
         return next;
     }
     if (actionAs<Actions::ClearRequestList>(action)) {
-        RequestListState next = state;
-        next.requests.clear();
+        RequestListState next = withRows(state, {});
         next.stateType = RequestListStateType::NotLoaded;
         return next;
     }
@@ -75,8 +85,7 @@ std::optional<RequestListState> RequestListReducer::reduce(const RequestListStat
         return next;
     }
     if (const auto* fetched = actionAs<Actions::RequestsWithAvatarsFetched>(action)) {
-        RequestListState next = state;
-        next.requests = fetched->requests;
+        RequestListState next = withRows(state, fetched->requests);
         next.stateType = fetched->requestListStateType;
         return next;
     }

@@ -5,9 +5,10 @@
 #include "corvane/core_logger.hpp"
 #include "platform/json.hpp"
 
+#include <boost/json/monotonic_resource.hpp>
 #include <boost/json/serialize.hpp>
 
-#include <map>
+#include <unordered_map>
 
 namespace belvakit {
 
@@ -16,7 +17,9 @@ std::string encodeRequestListOfflineCache(const dastrel::CRVRequestsWithCommenti
 }
 
 std::optional<dastrel::CRVRequestsWithCommentingAgents> decodeRequestListOfflineCache(std::string_view bytes) {
-    const auto json = platform::parseJson(bytes);
+    // The document is dropped once read: an arena makes both cheaper.
+    boost::json::monotonic_resource arena;
+    const auto json = platform::parseJson(bytes, boost::json::storage_ptr(&arena));
     if (!json || !json->is_object()) return std::nullopt;
     return dastrel::CRVRequestsWithCommentingAgents{dastrel::CRVRequestsResponse::parseRequestListWithDictionary(*json),
                                                     dastrel::CRVRequestsResponse::parseRequestListAgentsWithDictionary(*json)};
@@ -46,19 +49,21 @@ void RequestListService::fetchRequests(std::shared_ptr<Cache> cache, FetchReques
 
 namespace {
 
-// The avatars of one pass, by URL, gathered on the main queue where the fetcher answers.
+constexpr std::size_t noAvatar = static_cast<std::size_t>(-1);
+
+// The avatars of one pass, one slot per URL, gathered on the main queue where the fetcher answers.
 struct AvatarPass {
     std::vector<RequestListCellData> requests;
-    std::map<std::string, platform::ImagePtr> images;
+    // Each row's slot, or `noAvatar`.
+    std::vector<std::size_t> slotOfRow;
+    std::vector<platform::ImagePtr> images;
     std::size_t waiting = 0;
     RequestListServiceProtocol::FetchAgentAvatarsCompletion completion;
 
     void finish() {
-        for (auto& request : requests) {
-            auto& info = request.agentAvatarInfo;
-            if (!info || !info->avatarUrl) continue;
-            const auto image = images.find(*info->avatarUrl);
-            if (image != images.end() && image->second) info->avatarImage = image->second;
+        for (std::size_t row = 0; row < requests.size(); ++row) {
+            const auto slot = slotOfRow[row];
+            if (slot != noAvatar && images[slot]) requests[row].agentAvatarInfo->avatarImage = images[slot];
         }
         completion(std::move(requests));
     }
@@ -71,21 +76,29 @@ void RequestListService::fetchAgentAvatars(std::vector<RequestListCellData> requ
                                            FetchAgentAvatarsCompletion completion) const {
     auto pass = std::make_shared<AvatarPass>();
     pass->completion = std::move(completion);
+    std::unordered_map<std::string, std::size_t> slots;
     std::vector<AgentAvatarInfo> toFetch;
+    pass->slotOfRow.reserve(requests.size());
     for (const auto& request : requests) {
         const auto& info = request.agentAvatarInfo;
-        if (!info || !info->avatarUrl || info->avatarUrl->empty()) continue;
-        if (pass->images.emplace(*info->avatarUrl, nullptr).second) toFetch.push_back(*info);
+        if (!info || !info->avatarUrl || info->avatarUrl->empty()) {
+            pass->slotOfRow.push_back(noAvatar);
+            continue;
+        }
+        const auto [slot, added] = slots.try_emplace(*info->avatarUrl, toFetch.size());
+        if (added) toFetch.push_back(*info);
+        pass->slotOfRow.push_back(slot->second);
     }
     pass->requests = std::move(requests);
+    pass->images.resize(toFetch.size());
     pass->waiting = toFetch.size();
     if (toFetch.empty()) return pass->finish();
 
     const AvatarFetcher fetcher{std::move(attachmentsProvider), std::move(cache)};
-    for (const auto& info : toFetch) {
-        fetcher.fetch(info, [pass](AgentAvatarInfo fetched, bool fromNetwork) {
+    for (std::size_t slot = 0; slot < toFetch.size(); ++slot) {
+        fetcher.fetch(toFetch[slot], [pass, slot](AgentAvatarInfo fetched, bool fromNetwork) {
             if (fromNetwork) corvane::CoreLogger::debug("Agent avatar fetched success");
-            pass->images[*fetched.avatarUrl] = std::move(fetched.avatarImage);
+            pass->images[slot] = std::move(fetched.avatarImage);
             if (--pass->waiting == 0) pass->finish();
         });
     }

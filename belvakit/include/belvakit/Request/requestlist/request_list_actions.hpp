@@ -50,14 +50,15 @@ struct MarkRequestAsRead final : tivra::Action {
     RequestListCellData requestData;
 };
 
-// The stages of loading the list; each one's end starts the next.
+// The stages of loading the list; each one's end starts the next. The list's middleware is the
+// last reader of these two, and hands their rows on to the next stage instead of copying thousands.
 struct RequestsFetched final : tivra::Action {
-    std::vector<RequestListCellData> requests;
+    mutable std::vector<RequestListCellData> requests;
     bool isFromCache = false;
 };
 
 struct LocalRequestsFetched final : tivra::Action {
-    std::vector<RequestListCellData> mergedLocalAndRemoteRequestDatums;
+    mutable std::vector<RequestListCellData> mergedLocalAndRemoteRequestDatums;
     bool remoteRequestsFromCache = false;
 };
 

@@ -31,18 +31,20 @@ struct FetchRequests final : tivra::AsyncAction {
     void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
 };
 
-// Adds the tickets only this device knows, then sorts and filters the whole list.
+// Adds the tickets only this device knows, then sorts and filters the whole list. Running it
+// takes its rows: the pipeline dispatches each of its stages once.
 struct FetchLocalOnlyRequests final : tivra::AsyncAction {
     std::shared_ptr<Cache> cache;
-    std::vector<RequestListCellData> requestDataFetchedFromNetwork;
+    mutable std::vector<RequestListCellData> requestDataFetchedFromNetwork;
     bool remoteRequestsFromCache = false;
     bool showClosedRequests = false;
 
     void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
 };
 
+// Running it takes its rows, as above.
 struct FetchAgentAvatars final : tivra::AsyncAction {
-    std::vector<RequestListCellData> requestDatums;
+    mutable std::vector<RequestListCellData> requestDatums;
     std::shared_ptr<Cache> cache;
     std::shared_ptr<const RequestListServiceProtocol> service;
     bool requestsFromCache = false;
@@ -55,7 +57,7 @@ struct FetchAgentAvatars final : tivra::AsyncAction {
 namespace belvakit {
 
 // One row per request, in order, with the response's agents and the device's unread marks.
-std::vector<RequestListCellData> requestListCells(const dastrel::CRVRequestsWithCommentingAgents& response,
+std::vector<RequestListCellData> requestListCells(dastrel::CRVRequestsWithCommentingAgents response,
                                                   const dastrel::RequestUpdates& updates);
 // Marks the rows of tickets that still hold failed messages.
 void markRequestsWithFailedMessages(std::vector<RequestListCellData>& requests,

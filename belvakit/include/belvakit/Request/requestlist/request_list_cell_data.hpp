@@ -13,6 +13,8 @@
 
 namespace belvakit {
 
+class RequestListDateTexts;
+
 // One row of the ticket list, flat and ready to draw.
 struct RequestListCellData {
     std::string displayTimestamp;
@@ -36,8 +38,15 @@ struct RequestListCellData {
     static RequestListCellData fromRequest(const dastrel::CRVRequest& request,
                                            const std::vector<dastrel::CRVSupportUser>& commentingAgents,
                                            bool hasUnreadComments);
+    // The same for one of many rows, with the date texts of the whole list; the request's texts move
+    // into the row.
+    static RequestListCellData fromRequest(dastrel::CRVRequest&& request,
+                                           const std::vector<dastrel::CRVSupportUser>& commentingAgents,
+                                           bool hasUnreadComments, RequestListDateTexts& texts);
     // The row of a ticket known only on this device, or one whose sending failed.
     static RequestListCellData local(std::string requestId, const std::string& description, Date date, bool isErrored);
+    static RequestListCellData local(std::string requestId, const std::string& description, Date date, bool isErrored,
+                                     RequestListDateTexts& texts);
 };
 
 } // namespace belvakit
