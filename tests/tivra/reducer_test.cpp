@@ -21,11 +21,6 @@ CombinedReducer::Result resultOf(const std::optional<std::any>& reduced) {
 
 } // namespace
 
-TEST(Reducers, DefaultStateKeyIsTheSliceTypeName) {
-    EXPECT_EQ(counterReducer()->stateKey(), "Counter");
-    EXPECT_EQ(namesReducer()->stateKey(), "Names");
-}
-
 TEST(Reducers, PlusKeepsTheFirstOfEqualKeysAndFlattensNesting) {
     auto a = constant("a", 1, 10);
     auto duplicate = constant("a", 99, 99);
@@ -51,15 +46,6 @@ TEST(Reducers, CombinedReduceSkipsMissingSlicesAndListsOnlyChangedKeys) {
     EXPECT_EQ(*next.value<int>("silent"), 2);
     EXPECT_FALSE(next.contains("missing"));  // reducing never creates a slice
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "missing"), 0);
-}
-
-TEST(Reducers, AllSubReducersSilentGiveTheSameStateAndNoKeys) {
-    auto combined = constant("a", 0, std::nullopt) + constant("b", 0, std::nullopt);
-    State state{{"a", 1}, {"b", 2}};
-    const auto [next, changed] = resultOf(combined->reduce(std::any(state), Ignored()));
-    EXPECT_TRUE(changed.empty());
-    EXPECT_EQ(next.keys(), state.keys());
-    EXPECT_EQ(*next.value<int>("a"), 1);
 }
 
 TEST(Reducers, ASliceOfTheWrongTypePassesThroughButCountsAsChanged) {
