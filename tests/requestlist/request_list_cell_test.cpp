@@ -18,7 +18,7 @@ class RequestListCell : public ::testing::Test {
 protected:
     void SetUp() override {
         platform::Calendar::setCurrent(platform::Calendar("en_US", "UTC"));
-        previousClock_ = platform::setWallClock(std::make_shared<platform::FixedWallClock>(now));
+        previousClock_ = platform::setWallClock(clock_);
     }
     void TearDown() override {
         platform::setWallClock(previousClock_);
@@ -36,6 +36,7 @@ protected:
         result.commentingAgentsIds = {8, 7};
         return result;
     }
+    const std::shared_ptr<platform::FixedWallClock> clock_ = std::make_shared<platform::FixedWallClock>(now);
     const std::vector<dastrel::CRVSupportUser> agents{
         {6, "Nobody", std::nullopt, true}, {7, "Ada", "https://avatars/7", true}, {8, "Grace", std::nullopt, true}};
 
@@ -59,10 +60,8 @@ TEST_F(RequestListCell, DatesShowTheTimeTodayAndDayAndMonthOtherwise) {
 
 TEST_F(RequestListCell, TextsOfAWholeListAreTheOneOffTextsAcrossMidnightsZonesAndDaylightSaving) {
     // Around the end of daylight saving in New York as well as on a plain day.
-    auto clock = std::make_shared<platform::FixedWallClock>(now);
-    const auto previous = platform::setWallClock(clock);
     for (const Date present : {now, Date(1699185600)}) {
-        clock->set(present);
+        clock_->set(present);
         for (const char* zone : {"UTC", "Asia/Kolkata", "America/New_York"}) {
             platform::Calendar::setCurrent(platform::Calendar("en_US", zone));
             RequestListDateTexts texts;
@@ -72,7 +71,6 @@ TEST_F(RequestListCell, TextsOfAWholeListAreTheOneOffTextsAcrossMidnightsZonesAn
                 EXPECT_EQ(texts.text(odd), requestListDateText(odd)) << zone;
         }
     }
-    platform::setWallClock(previous);
 }
 
 TEST_F(RequestListCell, RowOfARequestTakesItsFieldsAndAgents) {

@@ -161,12 +161,18 @@ TEST_F(RequestListPipelineTest, StartingOfflineShowsTheCachedRowsAndAFailedRefre
     EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{ticket}));
 }
 
-TEST_F(RequestListPipelineTest, WithNothingCachedTheCachedPassLogsAndShowsNoRows) {
+TEST_F(RequestListPipelineTest, WithNoTicketsBothPassesEndLoadedAndEmpty) {
     testing_support::CapturedLog log;
     load(RequestListStateType::LoadedFromCache, [&] { fetchCached(); });
     EXPECT_TRUE(list().requests.empty());
     const auto debug = log.messages(platform::LogLevel::debug);
     EXPECT_EQ(std::count(debug.begin(), debug.end(), "No requests stored in cache."), 1);
+
+    ListRecorder recorder;
+    loadSettings();
+    ASSERT_TRUE(settled([&] { return recorder.reached(RequestListStateType::LoadedFromNetwork); }));
+    EXPECT_TRUE(recorder.saw("FetchAgentAvatars"));
+    EXPECT_TRUE(list().requests.empty());
 }
 
 TEST_F(RequestListPipelineTest, AnUnauthorizedAnswerFailsWithAuthThenGeneric) {
@@ -230,12 +236,4 @@ TEST_F(RequestListPipelineTest, ClosedTicketsShowOnlyWhenTheSettingsAskForThem) 
     load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(true); });
     EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open, closed}));
     EXPECT_EQ(list().requests[1].requestStatus, RequestStatus::closed);
-}
-
-TEST_F(RequestListPipelineTest, AnEmptyAnswerStillEndsLoadedFromNetwork) {
-    ListRecorder recorder;
-    loadSettings();
-    ASSERT_TRUE(settled([&] { return recorder.reached(RequestListStateType::LoadedFromNetwork); }));
-    EXPECT_TRUE(recorder.saw("FetchAgentAvatars"));
-    EXPECT_TRUE(list().requests.empty());
 }
