@@ -40,16 +40,14 @@ std::optional<Color> colorAt(const AttributedString& text, std::size_t index) {
     return color ? std::optional(*color) : std::nullopt;
 }
 
-TEST(RichTextFontsTest, FourDistinctFaces) {
+TEST(RichTextFontsTest, FourDistinctFacesAndFallbacks) {
     EXPECT_EQ(boldFont().symbolicTraits(), platform::FontTrait::bold);
     EXPECT_EQ(italicFont().symbolicTraits(), platform::FontTrait::italic);
     EXPECT_EQ(boldItalicFont().symbolicTraits(), platform::FontTrait::bold | platform::FontTrait::italic);
     EXPECT_EQ(codeFont().symbolicTraits(), platform::FontTrait::monoSpace);
     for (const Font& font : {boldFont(), italicFont(), boldItalicFont(), codeFont(), richTextSystemFont()})
         EXPECT_EQ(font.pointSize(), 16);
-}
-
-TEST(RichTextFontsTest, FallsBackToTheNamedFontThenToTheSystemFont) {
+    // Other traits fall back to the named font, then to the system font.
     EXPECT_EQ(richTextFont(platform::FontTrait::condensed, "Courier"), Font::named("Courier", 16));
     EXPECT_EQ(richTextFont(platform::FontTrait::condensed, "No Such Font"), richTextSystemFont());
 }
