@@ -133,10 +133,12 @@ TEST(RequestListOrdering, NewestFirstAndClosedOnlyWhenAsked) {
     const std::vector<RequestListCellData> rows = {row("a", 10), row("b", 30, RequestStatus::closed), row("c", 20)};
     EXPECT_EQ(idsOf(sortedAndFilteredRequests(rows, true)), (std::vector<std::string>{"b", "c", "a"}));
     EXPECT_EQ(idsOf(sortedAndFilteredRequests(rows, false)), (std::vector<std::string>{"c", "a"}));
-    // A date that is no number goes last instead of spoiling the order of the rest.
+    // A date that is no number goes last instead of spoiling the order of the rest, even after
+    // an infinitely old one (the fuzzer found the two tied).
     auto withNan = rows;
     withNan.insert(withNan.begin() + 1, row("n", std::numeric_limits<double>::quiet_NaN()));
-    EXPECT_EQ(idsOf(sortedAndFilteredRequests(withNan, true)), (std::vector<std::string>{"b", "c", "a", "n"}));
+    withNan.push_back(row("old", -std::numeric_limits<double>::infinity()));
+    EXPECT_EQ(idsOf(sortedAndFilteredRequests(withNan, true)), (std::vector<std::string>{"b", "c", "a", "old", "n"}));
 }
 
 TEST(RequestListOfflineCache, ReadsWhatItWroteAndKeepsTheReadablePartOfBadEntries) {

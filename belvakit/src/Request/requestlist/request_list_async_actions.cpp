@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <set>
 
 namespace belvakit {
@@ -50,11 +49,12 @@ std::vector<RequestListCellData> mergedSortedAndFiltered(std::vector<RequestList
     };
     std::vector<std::pair<Date, std::size_t>> order;
     order.reserve(first.size() + second.size());
-    for (std::size_t place = 0; place < first.size() + second.size(); ++place) {
-        const Date date = row(place).updatedAtDate;
-        order.emplace_back(std::isnan(date) ? -std::numeric_limits<Date>::infinity() : date, place);
-    }
-    std::stable_sort(order.begin(), order.end(), [](const auto& left, const auto& right) { return left.first > right.first; });
+    for (std::size_t place = 0; place < first.size() + second.size(); ++place)
+        order.emplace_back(row(place).updatedAtDate, place);
+    // Newest first; a date that is no number sorts after every other, even an infinitely old one.
+    std::stable_sort(order.begin(), order.end(), [](const auto& left, const auto& right) {
+        return !std::isnan(left.first) && (std::isnan(right.first) || left.first > right.first);
+    });
     std::vector<RequestListCellData> sorted;
     sorted.reserve(order.size());
     for (const auto& entry : order) {
