@@ -1,16 +1,12 @@
 #include "quorvel/update.hpp"
 
+#include "platform/overloaded.hpp"
+
 namespace quorvel {
 
 namespace {
 
-template <class... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-// Spelt out for compilers without aggregate deduction.
-template <class... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
+using platform::Overloaded;
 
 const char* statusName(ItemDeliveryStatus status) {
     switch (status) {

@@ -4,21 +4,12 @@
 #include "corvane/corvane.hpp"
 #include "dastrel/support.hpp"
 #include "platform/main_queue.hpp"
+#include "platform/overloaded.hpp"
 #include "platform/uuid.hpp"
 
 namespace belvakit {
 
-namespace {
-
-template <class... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-// Spelt out for compilers without aggregate deduction.
-template <class... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
-
-} // namespace
+using platform::Overloaded;
 
 SupportEngineResult SupportEngine::engine() {
     auto core = corvane::Corvane::instance();
