@@ -12,31 +12,45 @@ std::optional<std::any> CombinedReducer::reduce(const std::any& state, const Act
     State working = reduced ? std::move(*reduced) : *incoming;
     std::vector<std::string> keys;
     keys.reserve(changed.size());
-    for (const std::string* key : changed) keys.push_back(*key);
+    for (const ChangedKey& key : changed) keys.push_back(*key.key);
     return std::any(Result{std::move(working), std::move(keys)});
 }
 
 void CombinedReducer::reduce(const State& incoming, std::optional<State>& reduced, const Action& action,
                              ChangedKeys& changed) const {
-    // Both are in key order, so one walk pairs each slice with its reducer. A reducer whose slice
-    // is missing is not called: a slice is never created by reducing, only by the initial state.
-    auto reducer = reducers_.begin();
+    const std::vector<const Entry*>& slots = entriesBySlot(incoming);
     std::size_t removed = 0;  // an empty result removes its slice, moving the later ones up
-    for (std::size_t index = 0; index < incoming.count() && reducer != reducers_.end(); ++index) {
-        int order = 0;
-        while (reducer != reducers_.end() && (order = reducer->first.compare(incoming.keyAt(index))) < 0) ++reducer;
-        if (reducer == reducers_.end() || order != 0) continue;
-        std::optional<std::any> result = reducer->second(incoming.valueAt(index), action);
+    for (std::size_t index = 0; index < slots.size(); ++index) {
+        const Entry* entry = slots[index];
+        if (!entry) continue;
+        std::optional<std::any> result = entry->second(incoming.valueAt(index), action);
         if (!result) continue;
         if (!reduced) reduced.emplace(State::detachedCopy(incoming));
         if (result->has_value()) {
             reduced->setValueAt(index - removed, std::move(*result));
+            changed.push_back({&entry->first, removed == 0 ? std::optional(index) : std::nullopt});
         } else {
-            reduced->remove(reducer->first);
+            reduced->remove(entry->first);
             ++removed;
+            changed.push_back({&entry->first, std::nullopt});
         }
-        changed.push_back(&reducer->first);
     }
+}
+
+const std::vector<const CombinedReducer::Entry*>& CombinedReducer::entriesBySlot(const State& state) const {
+    if (state.hasLayout(slotsLayout_)) return slots_;
+    // Both are in key order, so one walk pairs each slice with its reducer. A slice without one
+    // gets none; a reducer whose slice is missing is never called, since reducing never creates
+    // a slice.
+    slots_.assign(state.count(), nullptr);
+    auto reducer = reducers_.begin();
+    for (std::size_t index = 0; index < state.count() && reducer != reducers_.end(); ++index) {
+        int order = 0;
+        while (reducer != reducers_.end() && (order = reducer->first.compare(state.keyAt(index))) < 0) ++reducer;
+        if (reducer != reducers_.end() && order == 0) slots_[index] = &*reducer;
+    }
+    slotsLayout_ = state.layout();
+    return slots_;
 }
 
 std::vector<ReducerEntry> CombinedReducer::entries() const {

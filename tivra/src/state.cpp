@@ -40,6 +40,19 @@ std::pair<std::size_t, bool> State::find(const std::string& key) const {
     return {static_cast<std::size_t>(found - names.begin()), found != names.end() && *found == key};
 }
 
+std::optional<std::size_t> State::Layout::indexOf(const std::string& key) const {
+    if (!keys_) return std::nullopt;
+    const auto& names = keys_->names;
+    const auto found = std::lower_bound(names.begin(), names.end(), key);
+    if (found == names.end() || *found != key) return std::nullopt;
+    return static_cast<std::size_t>(found - names.begin());
+}
+
+std::optional<std::size_t> State::indexOf(const std::string& key) const {
+    const auto [index, present] = find(key);
+    return present ? std::optional<std::size_t>(index) : std::nullopt;
+}
+
 const std::any* State::value(const std::string& key) const {
     const auto [index, present] = find(key);
     return present ? slices_->values[index].get() : nullptr;

@@ -119,7 +119,7 @@ void Store::apply(const Action& action, const State& current, ChangedKeys& chang
             std::optional<std::any> result = reducer_(slice, action);
             if (!result) return;
             state_.set(key, std::move(*result));
-            changed.push_back(&keyStorage.emplace_back(key));
+            changed.push_back({&keyStorage.emplace_back(key), std::nullopt});
         });
         return;
     }
@@ -135,18 +135,64 @@ void Store::apply(const Action& action, const State& current, ChangedKeys& chang
     if (!combined) return;
     state_ = std::move(combined->first);
     keyStorage = std::move(combined->second);
-    for (const std::string& key : keyStorage) changed.push_back(&key);
+    for (const std::string& key : keyStorage) changed.push_back({&key, std::nullopt});
+}
+
+namespace {
+// Which keys changed, as bits by position in the state the pass begins with when that serves
+// (every changed key still there, few slices), else by text.
+class ChangedSet {
+public:
+    ChangedSet(const ChangedKeys& keys, const State& state) : keys_(keys) {
+        if (state.count() > 64) return;
+        for (const ChangedKey& changed : keys) {
+            const auto position = changed.position ? changed.position : state.indexOf(*changed.key);
+            if (!position) return;
+            bits_ |= std::uint64_t{1} << *position;
+        }
+        byPosition_ = true;
+    }
+
+    // `position` is the key's place in the pass's first state, if it is there.
+    bool contains(const std::string& key, std::optional<std::size_t> position) const {
+        if (byPosition_) return position && (bits_ >> *position & 1U);
+        return std::any_of(keys_.begin(), keys_.end(), [&](const ChangedKey& changed) { return *changed.key == key; });
+    }
+
+private:
+    const ChangedKeys& keys_;
+    std::uint64_t bits_ = 0;
+    bool byPosition_ = false;
+};
+
+// The slice at `key`, found by `position` when the state has the layout the position belongs to.
+const std::any* sliceAt(const State& state, const State::Layout& layout, const std::string& key,
+                        std::optional<std::size_t> position) {
+    if (state.hasLayout(layout)) return position ? &state.valueAt(*position) : nullptr;
+    return state.value(key);
+}
+} // namespace
+
+std::optional<std::size_t> Store::Registered::positionIn(const State::Layout& layout,
+                                                         std::uint64_t generation) const {
+    if (layoutGeneration != generation) {
+        position = layout.indexOf(*listener.stateKey);
+        layoutGeneration = generation;
+    }
+    return position;
 }
 
 void Store::notifyListeners(const ChangedKeys& changedKeys, const std::any& oldWhole) {
     const State& oldState = *std::any_cast<State>(&oldWhole);
-    boost::container::small_vector<std::size_t, 8> changedHashes;
-    for (const std::string* key : changedKeys) changedHashes.push_back(std::hash<std::string>{}(*key));
-    const auto isChanged = [&](const Registered& entry) {
-        for (std::size_t i = 0; i < changedKeys.size(); ++i)
-            if (changedHashes[i] == entry.keyHash && *changedKeys[i] == *entry.listener.stateKey) return true;
-        return false;
-    };
+    // Positions of the listeners' keys are found once per key set, not once per pass. A nested
+    // pass may move the store on to another key set; this pass keeps its own.
+    if (!state_.hasLayout(layout_)) {
+        layout_ = state_.layout();
+        ++layoutGeneration_;
+    }
+    const State::Layout layout = layout_;
+    const std::uint64_t generation = layoutGeneration_;
+    const ChangedSet changed(changedKeys, state_);
 
     // The snapshot: a listener added or removed during the pass replaces `listeners_`, and the
     // list replaced is kept until the pass is over.
@@ -157,32 +203,23 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const std::any& oldW
     // Taken again only when the state did change.
     std::any currentWhole(state_);
     const State* current = std::any_cast<State>(&currentWhole);
-    // Listeners of one key tend to stand together: while the state holds still, their slices are
-    // looked up once.
-    const Registered* lastKeyed = nullptr;
-    const std::any* lastOld = nullptr;
-    const std::any* lastNew = nullptr;
     for (const Registered& entry : snapshot) {
         const Listener& listener = entry.listener;
-        if (listener.stateKey && !isChanged(entry)) continue;
+        std::optional<std::size_t> position;
+        if (listener.stateKey) {
+            position = entry.positionIn(layout, generation);
+            if (!changed.contains(*listener.stateKey, position)) continue;
+        }
         // Read afresh, since an earlier listener's nested dispatch may have changed the state.
         if (!current->isSameInstance(state_)) {
             currentWhole = state_;
             current = std::any_cast<State>(&currentWhole);
-            lastKeyed = nullptr;
         }
         const std::any* oldValue = nullptr;
         const std::any* newValue = nullptr;
         if (listener.stateKey) {
-            const bool sameSlice = lastKeyed && lastKeyed->keyHash == entry.keyHash &&
-                                   *lastKeyed->listener.stateKey == *listener.stateKey;
-            if (!sameSlice) {
-                lastKeyed = &entry;
-                lastOld = oldState.value(*listener.stateKey);
-                lastNew = current->value(*listener.stateKey);
-            }
-            oldValue = lastOld;
-            newValue = lastNew;
+            oldValue = sliceAt(oldState, layout, *listener.stateKey, position);
+            newValue = sliceAt(*current, layout, *listener.stateKey, position);
         }
         if (!oldValue) oldValue = &oldWhole;
         if (!newValue) newValue = &currentWhole;
@@ -212,8 +249,7 @@ ActionSubscription Store::addActionListener(ActionListenerFunction actionListene
 Listener Store::appendListener(Listener listener) {
     listener.id = detail::newListenerId();
     auto updated = std::make_shared<std::vector<Registered>>(*listeners_);
-    const std::size_t keyHash = listener.stateKey ? std::hash<std::string>{}(*listener.stateKey) : 0;
-    updated->push_back({listener, keyHash});
+    updated->push_back({listener});
     replaceListeners(std::move(updated));
     return listener;
 }

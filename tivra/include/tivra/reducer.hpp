@@ -19,8 +19,14 @@ namespace tivra {
 // An absent result means the slice did not change.
 using ReducingFunction = std::function<std::optional<std::any>(const std::any&, const Action&)>;
 
-// The keys a dispatch changed, pointing at keys the reducer owns. Few per dispatch: no heap.
-using ChangedKeys = boost::container::small_vector<const std::string*, 8>;
+// A key a dispatch changed, pointing at a key the reducer owns, with its position in the new
+// state when the reducer knows it.
+struct ChangedKey {
+    const std::string* key = nullptr;
+    std::optional<std::size_t> position;
+};
+// Few per dispatch: no heap.
+using ChangedKeys = boost::container::small_vector<ChangedKey, 8>;
 
 // One slice as a reducer contributes it to a combination.
 struct ReducerEntry {
@@ -97,15 +103,18 @@ public:
     // A combination of no slices, to build a chain on with `+`.
     static std::shared_ptr<CombinedReducer> empty() { return std::shared_ptr<CombinedReducer>(new CombinedReducer()); }
 
+    CombinedReducer(const CombinedReducer&) = delete;
+    CombinedReducer& operator=(const CombinedReducer&) = delete;
+
     const std::map<std::string, ReducingFunction>& reducers() const { return reducers_; }
     const std::map<std::string, std::any>& states() const { return states_; }
     std::any initialState() const { return states_; }
 
     // Never absent: an action no slice cares about gives the same state and no keys.
     std::optional<std::any> reduce(const std::any& state, const Action& action) const;
-    // The same without boxing, as a store calls it: `reduced` takes the new state, and stays
-    // absent when no slice changed; the changed keys are appended. The keys live as long as
-    // this reducer.
+    // The same without boxing, as a store calls it, on the main thread: `reduced` takes the new
+    // state, and stays absent when no slice changed; the changed keys are appended. The keys
+    // live as long as this reducer.
     void reduce(const State& incoming, std::optional<State>& reduced, const Action& action,
                 ChangedKeys& changed) const;
 
@@ -123,9 +132,17 @@ public:
     friend std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right);
 
 private:
+    using Entry = std::map<std::string, ReducingFunction>::value_type;
+
     CombinedReducer() = default;
+    // The reducer of each slice of a state with `layout`, by position; null where none is.
+    const std::vector<const Entry*>& entriesBySlot(const State& state) const;
+
     std::map<std::string, ReducingFunction> reducers_;
     std::map<std::string, std::any> states_;
+    // Paired once per key set, which a dispatch seldom changes. Touched on the main thread only.
+    mutable State::Layout slotsLayout_;
+    mutable std::vector<const Entry*> slots_;
 };
 
 // On a duplicate key the left operand wins; operands are never changed.

@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,8 +19,25 @@ namespace tivra {
 // until one of them writes, and each slice is shared too, so a copy never copies a slice.
 // A State is one pointer wide, so a std::any holds it without allocating.
 class State {
+    struct Keys;
+
 public:
     using Dictionary = std::map<std::string, std::any>;
+
+    // The set of keys of a state. Versions written without adding or removing a key share it,
+    // and a key keeps its position within it, so a position found once serves every such version.
+    class Layout {
+    public:
+        Layout() = default;
+        bool operator==(const Layout&) const = default;
+        // The position of `key`, or nothing when it is missing.
+        std::optional<std::size_t> indexOf(const std::string& key) const;
+
+    private:
+        friend class State;
+        explicit Layout(boost::intrusive_ptr<const Keys> keys) : keys_(std::move(keys)) {}
+        boost::intrusive_ptr<const Keys> keys_;
+    };
 
     State();
     explicit State(const Dictionary& dictionary);
@@ -41,6 +59,11 @@ public:
     // The slice under T's own key, as T.
     template <class T>
     const T* valueOfType() const;
+
+    Layout layout() const { return Layout(slices_->keys); }
+    bool hasLayout(const Layout& layout) const { return slices_->keys == layout.keys_; }
+    // The position of `key` in key order, or nothing when it is missing.
+    std::optional<std::size_t> indexOf(const std::string& key) const;
 
     // By position in key order, for a caller walking every slice.
     const std::string& keyAt(std::size_t index) const { return slices_->keys->names[index]; }
@@ -70,7 +93,7 @@ public:
 
 private:
     // The keys change far less often than the values: copies written to share one table.
-    struct Keys : boost::intrusive_ref_counter<Keys, boost::thread_safe_counter> {
+    struct Keys final : boost::intrusive_ref_counter<Keys, boost::thread_safe_counter> {
         std::vector<std::string> names;  // sorted
     };
     // Few slices: sorted arrays beat a tree for lookups and for the copy on write, and the

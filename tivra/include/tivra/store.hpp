@@ -93,8 +93,16 @@ private:
     const CombinedReducer* combined_ = nullptr;
     struct Registered {
         Listener listener;
-        std::size_t keyHash;  // lets the pass skip unchanged keys without comparing text
+        // The position of a keyed listener's key in the key set numbered `generation`.
+        std::optional<std::size_t> positionIn(const State::Layout& layout, std::uint64_t generation) const;
+        // Remembered for the last key set asked about. Main thread only, like the list.
+        mutable std::optional<std::size_t> position;
+        mutable std::uint64_t layoutGeneration = 0;
     };
+    // The key set of the last notification pass, numbered anew at each change, so that a
+    // listener's remembered position can tell whether it still holds.
+    State::Layout layout_;
+    std::uint64_t layoutGeneration_ = 0;
     // Copied on write, so a notification pass keeps its own snapshot.
     std::shared_ptr<const std::vector<Registered>> listeners_;
     // Lists replaced while a notification pass was walking them, kept until no pass is.
