@@ -109,6 +109,32 @@ TEST(StoreDispatch, UnchangedSliceSkipsKeyedListenersButNotWholeStateOnes) {
     EXPECT_EQ(filteredWhole, 1);
 }
 
+TEST(StoreDispatch, ASliceAddedDuringAPassMovesTheKeysWithoutMixingUpTheirListeners) {
+    auto store = twoSliceStore();
+    std::vector<std::pair<int, int>> counterSeen;
+    std::vector<std::string> namesSeen;
+    store->addListener<Counter>([&](const Counter& counter) {
+        if (counter.value != 1) return;
+        // "Added" sorts before both slices, so every slice moves to another place.
+        store->reset(std::any(std::string("new")), "Added");
+        store->dispatch(Increment(10));
+    });
+    store->addListener<Counter>(std::nullopt, Filter<Counter>([&](const Counter& oldValue, const Counter& newValue) {
+                                    counterSeen.emplace_back(oldValue.value, newValue.value);
+                                    return true;
+                                }),
+                                [](const Counter&) {});
+    store->addListener<Names>([&](const Names& names) { namesSeen.push_back(names.names.back()); });
+
+    store->dispatch(Increment());
+    EXPECT_EQ(counterSeen, (std::vector<std::pair<int, int>>{{1, 11}, {0, 11}}));
+    EXPECT_TRUE(namesSeen.empty());
+
+    store->dispatch(AddName("after"));
+    EXPECT_EQ(namesSeen, std::vector<std::string>{"after"});
+    EXPECT_EQ(counterSeen.size(), 2u);
+}
+
 TEST(StoreFilters, EqualsFilterSuppressesEqualValuesAndPassesNonComparableOnes) {
     auto reducer = counterReducer() + std::make_shared<BlockReducer<Opaque>>(
                                           Opaque{}, [](const Opaque& state, const Action&) -> std::optional<Opaque> {

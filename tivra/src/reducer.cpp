@@ -18,12 +18,13 @@ std::optional<std::any> CombinedReducer::reduce(const std::any& state, const Act
 
 void CombinedReducer::reduce(const State& incoming, std::optional<State>& reduced, const Action& action,
                              ChangedKeys& changed) const {
-    const std::vector<const Entry*>& slots = entriesBySlot(incoming);
+    const std::vector<Slot>& slots = slotsFor(incoming);
     std::size_t removed = 0;  // an empty result removes its slice, moving the later ones up
     for (std::size_t index = 0; index < slots.size(); ++index) {
-        const Entry* entry = slots[index];
+        const auto [entry, direct] = slots[index];
         if (!entry) continue;
-        std::optional<std::any> result = entry->second(incoming.valueAt(index), action);
+        const std::any& slice = incoming.valueAt(index);
+        std::optional<std::any> result = direct ? direct->reduceErased(slice, action) : entry->second(slice, action);
         if (!result) continue;
         if (!reduced) reduced.emplace(State::detachedCopy(incoming));
         if (result->has_value()) {
@@ -37,17 +38,19 @@ void CombinedReducer::reduce(const State& incoming, std::optional<State>& reduce
     }
 }
 
-const std::vector<const CombinedReducer::Entry*>& CombinedReducer::entriesBySlot(const State& state) const {
+const std::vector<CombinedReducer::Slot>& CombinedReducer::slotsFor(const State& state) const {
     if (state.hasLayout(slotsLayout_)) return slots_;
     // Both are in key order, so one walk pairs each slice with its reducer. A slice without one
     // gets none; a reducer whose slice is missing is never called, since reducing never creates
     // a slice.
-    slots_.assign(state.count(), nullptr);
+    slots_.assign(state.count(), Slot{});
     auto reducer = reducers_.begin();
     for (std::size_t index = 0; index < state.count() && reducer != reducers_.end(); ++index) {
         int order = 0;
         while (reducer != reducers_.end() && (order = reducer->first.compare(state.keyAt(index))) < 0) ++reducer;
-        if (reducer != reducers_.end() && order == 0) slots_[index] = &*reducer;
+        if (reducer == reducers_.end() || order != 0) continue;
+        const auto* erased = reducer->second.target<ErasedReducer>();
+        slots_[index] = {&*reducer, erased ? erased->reducer.get() : nullptr};
     }
     slotsLayout_ = state.layout();
     return slots_;
@@ -59,9 +62,7 @@ std::vector<ReducerEntry> CombinedReducer::entries() const {
     return out;
 }
 
-ReducingFunction CombinedReducer::erased() const {
-    return Erased{shared_from_this()};
-}
+ReducingFunction CombinedReducer::erased() const { return ErasedReducer{shared_from_this()}; }
 
 std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right) {
     std::vector<ReducerEntry> entries = left.entries();

@@ -25,8 +25,9 @@ void StoreNext::operator()(const Action& action) const {
 std::string newListenerId() { return platform::uuidString(); }
 
 void removeListener(Store& store, const std::string& id) {
-    auto remaining = std::make_shared<std::vector<Store::Registered>>();
-    std::copy_if(store.listeners_->begin(), store.listeners_->end(), std::back_inserter(*remaining),
+    auto remaining = std::make_shared<Store::ListenerList>();
+    const auto& entries = store.listeners_->entries;
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(remaining->entries),
                  [&](const Store::Registered& entry) { return entry.listener.id != id; });
     store.replaceListeners(std::move(remaining));
 }
@@ -53,9 +54,10 @@ void informWithCurrentState(const Store& store, const Listener& listener,
 Store::Store(State state, ReducingFunction reducer)
     : state_(std::move(state)),
       reducer_(std::move(reducer)),
-      combined_(reducer_.target<CombinedReducer::Erased>() ? reducer_.target<CombinedReducer::Erased>()->reducer.get()
-                                                          : nullptr),
-      listeners_(std::make_shared<const std::vector<Registered>>()),
+      combined_(reducer_.target<ErasedReducer>()
+                    ? dynamic_cast<const CombinedReducer*>(reducer_.target<ErasedReducer>()->reducer.get())
+                    : nullptr),
+      listeners_(std::make_shared<const ListenerList>()),
       actionListeners_(std::make_shared<const std::map<std::string, ActionListenerFunction>>()) {}
 
 std::shared_ptr<Store> Store::make(State state, ReducingFunction reducer, std::shared_ptr<Middleware> middleware) {
@@ -153,9 +155,9 @@ public:
         byPosition_ = true;
     }
 
-    // `position` is the key's place in the pass's first state, if it is there.
-    bool contains(const std::string& key, std::optional<std::size_t> position) const {
-        if (byPosition_) return position && (bits_ >> *position & 1U);
+    // `position` is the key's place in the pass's first state, negative when it is not there.
+    bool contains(const std::string& key, std::int32_t position) const {
+        if (byPosition_) return position >= 0 && (bits_ >> position & 1U);
         return std::any_of(keys_.begin(), keys_.end(), [&](const ChangedKey& changed) { return *changed.key == key; });
     }
 
@@ -167,19 +169,23 @@ private:
 
 // The slice at `key`, found by `position` when the state has the layout the position belongs to.
 const std::any* sliceAt(const State& state, const State::Layout& layout, const std::string& key,
-                        std::optional<std::size_t> position) {
-    if (state.hasLayout(layout)) return position ? &state.valueAt(*position) : nullptr;
+                        std::int32_t position) {
+    if (state.hasLayout(layout)) return position >= 0 ? &state.valueAt(static_cast<std::size_t>(position)) : nullptr;
     return state.value(key);
 }
 } // namespace
 
-std::optional<std::size_t> Store::Registered::positionIn(const State::Layout& layout,
-                                                         std::uint64_t generation) const {
-    if (layoutGeneration != generation) {
-        position = layout.indexOf(*listener.stateKey);
-        layoutGeneration = generation;
+const std::int32_t* Store::ListenerList::positionsIn(const State::Layout& layout, std::uint64_t generation) const {
+    if (generation_ != generation) {
+        positions_.clear();
+        for (const Registered& entry : entries) {
+            const auto& key = entry.listener.stateKey;
+            const auto position = key ? layout.indexOf(*key) : std::nullopt;
+            positions_.push_back(!key ? wholeState : position ? static_cast<std::int32_t>(*position) : missingKey);
+        }
+        generation_ = generation;
     }
-    return position;
+    return positions_.data();
 }
 
 void Store::notifyListeners(const ChangedKeys& changedKeys, const std::any& oldWhole) {
@@ -196,38 +202,33 @@ void Store::notifyListeners(const ChangedKeys& changedKeys, const std::any& oldW
 
     // The snapshot: a listener added or removed during the pass replaces `listeners_`, and the
     // list replaced is kept until the pass is over.
-    const std::vector<Registered>& snapshot = *listeners_;
+    const ListenerList& snapshot = *listeners_;
     const NotifyingPass pass(*this);
     // The current state, boxed once for the whole-state listeners. Holding it keeps the slices
     // a listener is given alive while it runs, since its nested dispatch may replace the state.
     // Taken again only when the state did change.
     std::any currentWhole(state_);
     const State* current = std::any_cast<State>(&currentWhole);
-    for (const Registered& entry : snapshot) {
-        const Listener& listener = entry.listener;
-        std::optional<std::size_t> position;
-        if (listener.stateKey) {
-            position = entry.positionIn(layout, generation);
-            if (!changed.contains(*listener.stateKey, position)) continue;
-        }
+    const std::int32_t* positions = snapshot.positionsIn(layout, generation);
+    for (std::size_t index = 0; index < snapshot.entries.size(); ++index) {
+        const std::int32_t position = positions[index];
+        const Registered& entry = snapshot.entries[index];
+        const auto& key = entry.listener.stateKey;
+        if (position != ListenerList::wholeState && !changed.contains(*key, position)) continue;
         // Read afresh, since an earlier listener's nested dispatch may have changed the state.
         if (!current->isSameInstance(state_)) {
             currentWhole = state_;
             current = std::any_cast<State>(&currentWhole);
         }
-        const std::any* oldValue = nullptr;
-        const std::any* newValue = nullptr;
-        if (listener.stateKey) {
-            oldValue = sliceAt(oldState, layout, *listener.stateKey, position);
-            newValue = sliceAt(*current, layout, *listener.stateKey, position);
-        }
-        if (!oldValue) oldValue = &oldWhole;
-        if (!newValue) newValue = &currentWhole;
-        if (listener.filterBlock(*oldValue, *newValue)) listener.notify(*newValue);
+        const std::any* oldValue = key ? sliceAt(oldState, layout, *key, position) : nullptr;
+        const std::any* newValue = key ? sliceAt(*current, layout, *key, position) : nullptr;
+        entry.call->filterAndNotify(oldValue ? *oldValue : oldWhole, newValue ? *newValue : currentWhole);
+        // A nested pass over another key set may have taken the positions over.
+        if (!snapshot.holdsFor(generation)) positions = snapshot.positionsIn(layout, generation);
     }
 }
 
-void Store::replaceListeners(std::shared_ptr<const std::vector<Registered>> listeners) {
+void Store::replaceListeners(std::shared_ptr<const ListenerList> listeners) {
     if (notifyingPasses_ > 0) replacedListeners_.push_back(std::move(listeners_));
     listeners_ = std::move(listeners);
 }
@@ -246,26 +247,28 @@ ActionSubscription Store::addActionListener(ActionListenerFunction actionListene
     return ActionSubscription{shared_from_this(), std::move(id)};
 }
 
-Listener Store::appendListener(Listener listener) {
+Listener Store::appendListener(Listener listener, std::shared_ptr<const detail::ListenerCall> call) {
     listener.id = detail::newListenerId();
-    auto updated = std::make_shared<std::vector<Registered>>(*listeners_);
-    updated->push_back({listener});
+    listener.notify = [call](const std::any& value) { call->notify(value); };
+    listener.filterBlock = [call](const std::any& oldValue, const std::any& newValue) {
+        return call->filter(oldValue, newValue);
+    };
+    auto updated = std::make_shared<ListenerList>();
+    updated->entries = listeners_->entries;
+    updated->entries.push_back({listener, std::move(call)});
     replaceListeners(std::move(updated));
     return listener;
 }
 
 Subscription<State> Store::addListener(Filter<State> filter, std::function<void(const State&)> callback) {
-    Listener listener;
-    listener.notify = [callback = std::move(callback)](const std::any& value) {
-        if (const State* state = std::any_cast<State>(&value)) callback(*state);
-    };
-    listener.filterBlock = detail::wrapFilter<State>(std::move(filter));
-    return Subscription<State>{shared_from_this(), appendListener(std::move(listener))};
+    return Subscription<State>{shared_from_this(),
+                               appendListener(Listener{}, std::make_shared<detail::TypedListenerCall<State>>(
+                                                              std::move(filter), std::move(callback)))};
 }
 
 std::vector<Listener> Store::listeners() const {
     std::vector<Listener> out;
-    for (const auto& entry : *listeners_) out.push_back(entry.listener);
+    for (const auto& entry : listeners_->entries) out.push_back(entry.listener);
     return out;
 }
 

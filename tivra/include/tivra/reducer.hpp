@@ -41,8 +41,18 @@ public:
     virtual ~AnyReducer() = default;
     // The slices this reducer covers, in order.
     virtual std::vector<ReducerEntry> entries() const = 0;
-    // The whole reducer, type erased, as the store calls it.
+    // The whole reducer over a dynamic value, as `erased()` calls it.
+    virtual std::optional<std::any> reduceErased(const std::any& state, const Action& action) const = 0;
+    // The whole reducer, type erased, as the store and a combination hold it.
     virtual ReducingFunction erased() const = 0;
+};
+
+// What `erased()` gives. Whoever recognises it may call the reducer without the function object.
+struct ErasedReducer {
+    std::shared_ptr<const AnyReducer> reducer;
+    std::optional<std::any> operator()(const std::any& state, const Action& action) const {
+        return reducer->reduceErased(state, action);
+    }
 };
 
 template <class S>
@@ -59,16 +69,20 @@ public:
         return {ReducerEntry{stateKey(), std::any(initialState()), erased()}};
     }
 
+    std::optional<std::any> reduceErased(const std::any& state, const Action& action) const override {
+        return reduceWith(state, [&](const S& typed) { return reduce(typed, action); });
+    }
+    ReducingFunction erased() const override { return ErasedReducer{this->shared_from_this()}; }
+
+protected:
     // A slice of another type passes through unchanged, but counts as changed.
-    ReducingFunction erased() const override {
-        return [self = this->shared_from_this()](const std::any& value, const Action& action)
-                   -> std::optional<std::any> {
-            const S* typed = std::any_cast<S>(&value);
-            if (!typed) return value;
-            std::optional<S> result = self->reduce(*typed, action);
-            if (!result) return std::nullopt;
-            return std::any(std::move(*result));
-        };
+    template <class Reduce>
+    static std::optional<std::any> reduceWith(const std::any& state, Reduce&& reduceTyped) {
+        const S* typed = std::any_cast<S>(&state);
+        if (!typed) return state;
+        std::optional<S> result = reduceTyped(*typed);
+        if (!result) return std::nullopt;
+        return std::any(std::move(*result));
     }
 };
 
@@ -86,6 +100,10 @@ public:
     std::string stateKey() const override { return stateKey_; }
     std::optional<T> reduce(const T& state, const Action& action) const override {
         return reduceFunction_(state, action);
+    }
+    // Straight to the function, without the virtual `reduce`.
+    std::optional<std::any> reduceErased(const std::any& state, const Action& action) const override {
+        return this->reduceWith(state, [&](const T& typed) { return reduceFunction_(typed, action); });
     }
 
 private:
@@ -118,14 +136,9 @@ public:
     void reduce(const State& incoming, std::optional<State>& reduced, const Action& action,
                 ChangedKeys& changed) const;
 
-    // What `erased()` gives: a store that recognises it calls the reducer without boxing.
-    struct Erased {
-        std::shared_ptr<const CombinedReducer> reducer;
-        std::optional<std::any> operator()(const std::any& state, const Action& action) const {
-            return reducer->reduce(state, action);
-        }
-    };
-
+    std::optional<std::any> reduceErased(const std::any& state, const Action& action) const override {
+        return reduce(state, action);
+    }
     std::vector<ReducerEntry> entries() const override;
     ReducingFunction erased() const override;
 
@@ -135,14 +148,19 @@ private:
     using Entry = std::map<std::string, ReducingFunction>::value_type;
 
     CombinedReducer() = default;
-    // The reducer of each slice of a state with `layout`, by position; null where none is.
-    const std::vector<const Entry*>& entriesBySlot(const State& state) const;
+    // The reducer of one slice; `direct`, when known, is what `entry`'s function calls.
+    struct Slot {
+        const Entry* entry = nullptr;
+        const AnyReducer* direct = nullptr;
+    };
+    // The reducer of each slice of `state`, by position; none where a slice has none.
+    const std::vector<Slot>& slotsFor(const State& state) const;
 
     std::map<std::string, ReducingFunction> reducers_;
     std::map<std::string, std::any> states_;
     // Paired once per key set, which a dispatch seldom changes. Touched on the main thread only.
     mutable State::Layout slotsLayout_;
-    mutable std::vector<const Entry*> slots_;
+    mutable std::vector<Slot> slots_;
 };
 
 // On a duplicate key the left operand wins; operands are never changed.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tivra/action.hpp"
+#include "tivra/detail/listener_body.hpp"
 #include "tivra/detail/store_next.hpp"
 #include "tivra/filters.hpp"
 #include "tivra/listener.hpp"
@@ -77,8 +78,9 @@ private:
     friend struct detail::StoreNext;
 
     explicit Store(State state, ReducingFunction reducer);
-    // Gives the listener an id, appends it and returns the stored copy.
-    Listener appendListener(Listener listener);
+    // Gives the listener an id and its filter and notification, appends it and returns the
+    // stored copy.
+    Listener appendListener(Listener listener, std::shared_ptr<const detail::ListenerCall> call);
     void dispatchOnMain(const Action& action);
     void reduceAndNotify(const Action& action);
     // Reduces `current`, the state as the dispatch found it. `keyStorage` owns the changed keys
@@ -93,18 +95,31 @@ private:
     const CombinedReducer* combined_ = nullptr;
     struct Registered {
         Listener listener;
-        // The position of a keyed listener's key in the key set numbered `generation`.
-        std::optional<std::size_t> positionIn(const State::Layout& layout, std::uint64_t generation) const;
-        // Remembered for the last key set asked about. Main thread only, like the list.
-        mutable std::optional<std::size_t> position;
-        mutable std::uint64_t layoutGeneration = 0;
+        std::shared_ptr<const detail::ListenerCall> call;
     };
+    // The listeners in order of adding, with the positions of their keys in one key set, so that
+    // a pass skips a listener on an unchanged slice by one bit test.
+    struct ListenerList {
+        static constexpr std::int32_t wholeState = -1;
+        static constexpr std::int32_t missingKey = -2;
+
+        std::vector<Registered> entries;
+        // Per entry, the position of its key in `layout`, the key set numbered `generation`.
+        // Good until a nested pass over another key set asks again: see `holdsFor`.
+        const std::int32_t* positionsIn(const State::Layout& layout, std::uint64_t generation) const;
+        bool holdsFor(std::uint64_t generation) const { return generation_ == generation; }
+
+    private:
+        // For the key set last asked about. Main thread only, like the list.
+        mutable std::vector<std::int32_t> positions_;
+        mutable std::uint64_t generation_ = 0;
+    };
+    // Copied on write, so a notification pass keeps its own snapshot.
+    std::shared_ptr<const ListenerList> listeners_;
     // The key set of the last notification pass, numbered anew at each change, so that a
-    // listener's remembered position can tell whether it still holds.
+    // list's remembered positions can tell whether they still hold.
     State::Layout layout_;
     std::uint64_t layoutGeneration_ = 0;
-    // Copied on write, so a notification pass keeps its own snapshot.
-    std::shared_ptr<const std::vector<Registered>> listeners_;
     // Lists replaced while a notification pass was walking them, kept until no pass is.
     struct NotifyingPass {
         explicit NotifyingPass(Store& passing);
@@ -113,9 +128,9 @@ private:
         NotifyingPass& operator=(const NotifyingPass&) = delete;
         Store& store;
     };
-    std::vector<std::shared_ptr<const std::vector<Registered>>> replacedListeners_;
+    std::vector<std::shared_ptr<const ListenerList>> replacedListeners_;
     int notifyingPasses_ = 0;
-    void replaceListeners(std::shared_ptr<const std::vector<Registered>> listeners);
+    void replaceListeners(std::shared_ptr<const ListenerList> listeners);
     std::shared_ptr<const std::map<std::string, ActionListenerFunction>> actionListeners_;
     std::function<void(const Action&)> dispatchingFunction_;
     bool isDispatching_ = false;
@@ -127,44 +142,25 @@ private:
     DispatchFunction next_;
 };
 
-namespace detail {
-std::string newListenerId();
-
-// A typed filter as a listener holds it: values of another type never pass; no filter always does.
-template <class T>
-std::function<bool(const std::any&, const std::any&)> wrapFilter(Filter<T> filter) {
-    if (!filter) return alwaysFilter;
-    return [filter = std::move(filter)](const std::any& oldValue, const std::any& newValue) {
-        const T* typedOld = std::any_cast<T>(&oldValue);
-        const T* typedNew = std::any_cast<T>(&newValue);
-        return typedOld && typedNew && filter(*typedOld, *typedNew);
-    };
-}
-} // namespace detail
-
 template <class T>
 Subscription<T> Store::addListener(std::optional<std::string> stateKey, Filter<T> filter,
                                    std::function<void(const T&)> callback) {
     Listener listener;
     listener.stateKey = stateKey.has_value() ? *stateKey : stateKeyOf<T>();
-    listener.notify = [callback = std::move(callback)](const std::any& value) {
-        if (const T* typed = std::any_cast<T>(&value)) callback(*typed);
-    };
-    listener.filterBlock = detail::wrapFilter<T>(std::move(filter));
-    return Subscription<T>{shared_from_this(), appendListener(std::move(listener))};
+    return Subscription<T>{shared_from_this(),
+                           appendListener(std::move(listener), std::make_shared<detail::TypedListenerCall<T>>(
+                                                                   std::move(filter), std::move(callback)))};
 }
 
 template <class T>
 Subscription<T> Store::addListener(Filter<State> filter, std::function<std::optional<T>(const State&)> stateSelector,
                                    std::function<void(const T&)> callback) {
-    Listener listener;
-    listener.notify = [selector = std::move(stateSelector), callback = std::move(callback)](const std::any& value) {
-        const State* state = std::any_cast<State>(&value);
-        if (!state) return;
-        if (std::optional<T> selected = selector(*state)) callback(*selected);
+    auto deliver = [selector = std::move(stateSelector), callback = std::move(callback)](const State& state) {
+        if (std::optional<T> selected = selector(state)) callback(*selected);
     };
-    listener.filterBlock = detail::wrapFilter<State>(std::move(filter));
-    return Subscription<T>{shared_from_this(), appendListener(std::move(listener))};
+    return Subscription<T>{shared_from_this(),
+                           appendListener(Listener{}, std::make_shared<detail::TypedListenerCall<State>>(
+                                                          std::move(filter), std::move(deliver)))};
 }
 
 } // namespace tivra
