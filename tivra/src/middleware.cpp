@@ -24,14 +24,6 @@ struct CombinedMiddleWare::Running {
     CombinedMiddleWare& chain;
 };
 
-namespace {
-bool sameStore(const DispatchFunction& a, const DispatchFunction& b) {
-    const auto* left = a.target<detail::StoreNext>();
-    const auto* right = b.target<detail::StoreNext>();
-    return left && right && !left->store.owner_before(right->store) && !right->store.owner_before(left->store);
-}
-} // namespace
-
 CombinedMiddleWare::~CombinedMiddleWare() {
     if (cache_.link) cache_.link->cachedBy = nullptr;
     for (const Cache& retired : retired_) retired.link->cachedBy = nullptr;
@@ -45,7 +37,7 @@ void CombinedMiddleWare::onAction(const Action& action, const GetState& getState
         middlewares.front()->onAction(action, getState, dispatch, next);
         return;
     }
-    if (next.target<detail::StoreNext>()) {
+    if (cacheServes(next) || next.target<detail::StoreNext>()) {
         middlewares.front()->onAction(action, getState, dispatch, cacheFor(getState, dispatch, next).continuations[1]);
         return;
     }
@@ -57,9 +49,7 @@ void CombinedMiddleWare::onAction(const Action& action, const GetState& getState
 const CombinedMiddleWare::Cache& CombinedMiddleWare::cacheFor(const GetState& getState,
                                                               const DispatchFunction& dispatch,
                                                               const DispatchFunction& next) {
-    const bool valid = cache_.link && sameStore(cache_.link->next, next) &&
-                       cache_.continuations.size() == middlewares.size();
-    if (valid) return cache_;
+    if (cacheServes(next)) return cache_;
     if (cache_.link) {
         cache_.link->cachedBy = nullptr;
         retired_.push_back(std::move(cache_));
@@ -68,37 +58,47 @@ const CombinedMiddleWare::Cache& CombinedMiddleWare::cacheFor(const GetState& ge
     std::vector<DispatchFunction> continuations(middlewares.size());
     for (std::size_t index = 1; index < middlewares.size(); ++index)
         continuations[index] = [link, index](const Action& forwarded) { runElement(link, index, forwarded); };
-    cache_ = {std::move(link), std::move(continuations)};
+    const auto* target = link->next.target<detail::StoreNext>();
+    cache_ = {std::move(link), std::move(continuations), &next, target};
     return cache_;
+}
+
+bool CombinedMiddleWare::cacheServes(const DispatchFunction& next) const {
+    return cache_.storeNext == &next && !cache_.storeNextTarget->store.expired() &&
+           cache_.continuations.size() == middlewares.size();
 }
 
 void CombinedMiddleWare::runElement(const std::shared_ptr<Link>& link, std::size_t index, const Action& action) {
     CombinedMiddleWare* chain = link->cachedBy;
-    // Called after its dispatch returned, or from a link the chain no longer keeps: nothing up
-    // the stack may hold the chain, so hold it and the element for the call.
-    std::shared_ptr<CombinedMiddleWare> heldChain;
-    std::shared_ptr<Middleware> heldElement;
-    if (!chain || chain->running_ == 0) {
-        heldChain = link->chain.lock();
-        if (!heldChain) return;
-        chain = heldChain.get();
-    }
-    if (index >= chain->middlewares.size()) return;
-    if (heldChain) heldElement = chain->middlewares[index];
-    Middleware& element = *chain->middlewares[index];
-    const Running running(*chain);
-    if (index + 1 >= chain->middlewares.size()) {
+    if (chain && chain->running_ > 0)
+        chain->runHeld(link, index, action);
+    else
+        runUnheld(link, index, action);
+}
+
+void CombinedMiddleWare::runHeld(const std::shared_ptr<Link>& link, std::size_t index, const Action& action) {
+    if (index >= middlewares.size()) return;
+    const Running running(*this);
+    Middleware& element = *middlewares[index];
+    if (index + 1 == middlewares.size()) {
         element.onAction(action, link->getState, link->dispatch, link->next);
-        return;
+    } else if (cache_.link == link && cache_.continuations.size() == middlewares.size()) {
+        element.onAction(action, link->getState, link->dispatch, cache_.continuations[index + 1]);
+    } else {
+        const DispatchFunction continuation = [link, index](const Action& forwarded) {
+            runElement(link, index + 1, forwarded);
+        };
+        element.onAction(action, link->getState, link->dispatch, continuation);
     }
-    if (chain->cache_.link == link && chain->cache_.continuations.size() == chain->middlewares.size()) {
-        element.onAction(action, link->getState, link->dispatch, chain->cache_.continuations[index + 1]);
-        return;
-    }
-    const DispatchFunction continuation = [link, index](const Action& forwarded) {
-        runElement(link, index + 1, forwarded);
-    };
-    element.onAction(action, link->getState, link->dispatch, continuation);
+}
+
+void CombinedMiddleWare::runUnheld(const std::shared_ptr<Link>& link, std::size_t index, const Action& action) {
+    // Called after its dispatch returned, or from a link the chain no longer keeps: hold the
+    // chain and the element for the call.
+    const std::shared_ptr<CombinedMiddleWare> chain = link->chain.lock();
+    if (!chain || index >= chain->middlewares.size()) return;
+    const std::shared_ptr<Middleware> element = chain->middlewares[index];
+    chain->runHeld(link, index, action);
 }
 
 std::shared_ptr<Middleware> operator+(const std::shared_ptr<Middleware>& left,

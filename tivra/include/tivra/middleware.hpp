@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tivra/action.hpp"
+#include "tivra/detail/store_next.hpp"
 
 #include <memory>
 #include <vector>
@@ -56,10 +57,20 @@ private:
     struct Cache {
         std::shared_ptr<Link> link;
         std::vector<DispatchFunction> continuations;
+        // The store's own `next`, which stays put while the store lives: a dispatch of the same
+        // store is known by its address.
+        const DispatchFunction* storeNext = nullptr;
+        const detail::StoreNext* storeNextTarget = nullptr;
     };
 
+    // Whether the cache was built for the store whose `next` this is.
+    bool cacheServes(const DispatchFunction& next) const;
     const Cache& cacheFor(const GetState& getState, const DispatchFunction& dispatch, const DispatchFunction& next);
     static void runElement(const std::shared_ptr<Link>& link, std::size_t index, const Action& action);
+    // Runs element `index` while a frame up the stack holds this chain.
+    void runHeld(const std::shared_ptr<Link>& link, std::size_t index, const Action& action);
+    // Runs element `index` from a continuation called when nothing may hold the chain.
+    static void runUnheld(const std::shared_ptr<Link>& link, std::size_t index, const Action& action);
 
     Cache cache_;
     // Caches replaced while the chain was running: a frame up the stack may still be in one.
