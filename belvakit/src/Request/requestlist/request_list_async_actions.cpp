@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <set>
+#include <string_view>
 
 namespace belvakit {
 
@@ -96,13 +97,13 @@ std::optional<RequestListCellData> localOnlyRow(const std::string& localId, cons
 void loadLocalOnlyRows(const std::shared_ptr<Cache>& cache, std::vector<std::string> ids,
                        std::function<void(std::vector<RequestListCellData>)> completion) {
     cache->run([cache, ids = std::move(ids), completion = std::move(completion)]() mutable {
+        const auto entries = cache->readEntries(ids);
         RequestListDateTexts texts;
         std::vector<RequestListCellData> rows;
-        for (const auto& localId : ids) {
-            const auto bytes = cache->read(localId);
-            if (!bytes) continue;
-            loadConversation(*bytes, MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
-                if (auto row = localOnlyRow(localId, messages, texts)) rows.push_back(std::move(*row));
+        for (std::size_t index = 0; index < ids.size(); ++index) {
+            if (!entries[index]) continue;
+            loadConversation(*entries[index], MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
+                if (auto row = localOnlyRow(ids[index], messages, texts)) rows.push_back(std::move(*row));
             });
         }
         platform::MainQueue::shared().async([rows = std::move(rows), completion = std::move(completion)]() mutable {
@@ -111,12 +112,13 @@ void loadLocalOnlyRows(const std::shared_ptr<Cache>& cache, std::vector<std::str
     });
 }
 
+// In list order, each id once.
 std::vector<std::string> localOnlyIds(const LocalIDStore& store) {
-    std::set<std::string> mapped;
-    for (const auto& entry : store.remoteToLocal) mapped.insert(entry.second);
+    std::set<std::string_view> skipped;
+    for (const auto& entry : store.remoteToLocal) skipped.insert(entry.second);
     std::vector<std::string> ids;
     for (const auto& id : store.localIdList)
-        if (!mapped.contains(id) && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(id);
+        if (skipped.insert(id).second) ids.push_back(id);
     return ids;
 }
 
