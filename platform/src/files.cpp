@@ -36,22 +36,25 @@ int openForReading(int directory, const char* path) {
     return fd;
 }
 
-// An open file to its end. The buffer has room for one byte more than the file's size now, so
-// the second read usually finds the end; a file that grows meanwhile is read to its end too.
+// An open file to its end. The buffer has room for one byte more than the file's size now: a
+// regular file that fills less of it has ended, since such a file reads short only at its end.
+// One that grows meanwhile fills it, and is read on to its end.
 std::optional<std::string> readToEnd(int fd) {
     if (fd < 0) return std::nullopt;
     const Descriptor file(fd);
     struct stat status {};
     if (::fstat(fd, &status) != 0) return std::nullopt;
+    const bool regular = S_ISREG(status.st_mode);
     std::string bytes(status.st_size > 0 ? static_cast<std::size_t>(status.st_size) + 1 : 4096, '\0');
     std::size_t filled = 0;
     for (;;) {
         if (filled == bytes.size()) bytes.resize(bytes.size() * 2);
-        const auto got = ::read(fd, bytes.data() + filled, bytes.size() - filled);
+        const auto wanted = bytes.size() - filled;
+        const auto got = ::read(fd, bytes.data() + filled, wanted);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return std::nullopt;
-        if (got == 0) break;
         filled += static_cast<std::size_t>(got);
+        if (got == 0 || (regular && static_cast<std::size_t>(got) < wanted)) break;
     }
     bytes.resize(filled);
     return bytes;
