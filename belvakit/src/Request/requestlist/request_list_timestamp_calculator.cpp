@@ -57,10 +57,4 @@ RequestListTimestampCalculator::RequestListTimestampCalculator(Date createdAt, s
       ticketUpdatedAt(updatedAt ? std::optional(requestListDateText(*updatedAt)) : std::nullopt),
       timeToCompare(updatedAt.value_or(createdAt)) {}
 
-RequestListTimestampCalculator::RequestListTimestampCalculator(Date createdAt, std::optional<Date> updatedAt,
-                                                               RequestListDateTexts& texts)
-    : ticketCreatedAt(texts.text(createdAt)),
-      ticketUpdatedAt(updatedAt ? std::optional(texts.text(*updatedAt)) : std::nullopt),
-      timeToCompare(updatedAt.value_or(createdAt)) {}
-
 } // namespace belvakit

@@ -48,7 +48,6 @@ struct RequestListTimestampCalculator {
     Date timeToCompare = 0;
 
     RequestListTimestampCalculator(Date createdAt, std::optional<Date> updatedAt);
-    RequestListTimestampCalculator(Date createdAt, std::optional<Date> updatedAt, RequestListDateTexts& texts);
 };
 
 } // namespace belvakit
