@@ -98,18 +98,29 @@ std::optional<CRVRequest> CRVRequest::initWithDict(const boost::json::value& jso
 namespace CRVRequestsResponse {
 
 namespace {
-template <class Record, class Parse>
-std::vector<Record> parseList(const boost::json::value& json, std::string_view key, Parse parse) {
-    std::vector<Record> out;
+
+std::span<const boost::json::value> entries(const boost::json::value& json, std::string_view key) {
     const auto* object = json.if_object();
     const auto* list = object ? object->if_contains(key) : nullptr;
-    if (!list || !list->is_array()) return out;
-    out.reserve(list->get_array().size());
-    for (const auto& entry : list->get_array())
+    if (!list || !list->is_array()) return {};
+    return {list->get_array().data(), list->get_array().size()};
+}
+
+template <class Record, class Parse>
+std::vector<Record> parseList(const boost::json::value& json, std::string_view key, Parse parse) {
+    const auto list = entries(json, key);
+    std::vector<Record> out;
+    out.reserve(list.size());
+    for (const auto& entry : list)
         if (auto record = parse(entry)) out.push_back(std::move(*record));
     return out;
 }
+
 } // namespace
+
+std::span<const boost::json::value> requestEntries(const boost::json::value& json) {
+    return entries(json, "requests");
+}
 
 std::vector<CRVRequest> parseRequestListWithDictionary(const boost::json::value& json) {
     return parseList<CRVRequest>(json, "requests", &CRVRequest::initWithDict);

@@ -6,7 +6,10 @@
 #include "corvane/core_logger.hpp"
 #include "corvane/corvane.hpp"
 #include "dastrel/support.hpp"
+#include "platform/json.hpp"
 #include "platform/main_queue.hpp"
+
+#include <boost/json/monotonic_resource.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +26,26 @@ std::vector<RequestListCellData> requestListCells(dastrel::CRVRequestsWithCommen
     for (auto& request : response.requests) {
         const bool unread = updates.isRequestUnread(request.requestId);
         cells.push_back(RequestListCellData::fromRequest(std::move(request), response.commentingAgents, unread, texts));
+    }
+    return cells;
+}
+
+std::optional<std::vector<RequestListCellData>> offlineCacheCells(std::string_view bytes,
+                                                                  const dastrel::RequestUpdates& updates) {
+    // The document is dropped once read: an arena makes both cheaper.
+    boost::json::monotonic_resource arena;
+    const auto json = platform::parseJson(bytes, boost::json::storage_ptr(&arena));
+    if (!json || !json->is_object()) return std::nullopt;
+    const auto agents = dastrel::CRVRequestsResponse::parseRequestListAgentsWithDictionary(*json);
+    const auto entries = dastrel::CRVRequestsResponse::requestEntries(*json);
+    RequestListDateTexts texts;
+    std::vector<RequestListCellData> cells;
+    cells.reserve(entries.size());
+    for (const auto& entry : entries) {
+        auto request = dastrel::CRVRequest::initWithDict(entry);
+        if (!request) continue;
+        const bool unread = updates.isRequestUnread(request->requestId);
+        cells.push_back(RequestListCellData::fromRequest(std::move(*request), agents, unread, texts));
     }
     return cells;
 }
@@ -75,9 +98,7 @@ std::vector<RequestListCellData> sortedAndFilteredRequests(std::vector<RequestLi
 
 namespace {
 
-std::vector<RequestListCellData> cellsMarked(dastrel::CRVRequestsWithCommentingAgents response,
-                                             const dastrel::RequestUpdates& updates) {
-    auto cells = requestListCells(std::move(response), updates);
+std::vector<RequestListCellData> marked(std::vector<RequestListCellData> cells) {
     markRequestsWithFailedMessages(cells);
     return cells;
 }
@@ -135,13 +156,13 @@ void FetchCachedRequests::execute(const tivra::GetState&, const tivra::DispatchF
     const auto updates = support ? support->requestStorage().calculateRequestUpdates(support->requestStorage().requests())
                                  : dastrel::RequestUpdates{};
     auto finish = [dispatch, updates](std::optional<std::string> bytes) {
-        auto response = bytes ? decodeRequestListOfflineCache(*bytes) : std::nullopt;
-        if (!response) {
+        auto cells = bytes ? offlineCacheCells(*bytes, updates) : std::nullopt;
+        if (!cells) {
             corvane::CoreLogger::debug("No requests stored in cache.");
-            response.emplace();
+            cells.emplace();
         }
         RequestsFetched fetched;
-        fetched.requests = cellsMarked(std::move(*response), updates);
+        fetched.requests = marked(std::move(*cells));
         fetched.isFromCache = true;
         dispatch(fetched);
     };
@@ -167,7 +188,7 @@ void FetchRequests::execute(const tivra::GetState&, const tivra::DispatchFunctio
                                           std::optional<dastrel::RequestUpdates> updates) {
             if (!updates) return dispatch(RequestsFetchedFailed{});
             RequestsFetched fetched;
-            fetched.requests = cellsMarked(response, *updates);
+            fetched.requests = marked(requestListCells(response, *updates));
             fetched.isFromCache = false;
             dispatch(fetched);
         });
