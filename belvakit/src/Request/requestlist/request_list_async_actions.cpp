@@ -123,9 +123,10 @@ void loadLocalOnlyRows(const std::shared_ptr<Cache>& cache, std::vector<std::str
         std::vector<RequestListCellData> rows;
         for (std::size_t index = 0; index < ids.size(); ++index) {
             if (!entries[index]) continue;
-            loadConversation(*entries[index], MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
+            const auto addRow = [&](std::vector<Message> messages, auto&&...) {
                 if (auto row = localOnlyRow(ids[index], messages, texts)) rows.push_back(std::move(*row));
-            });
+            };
+            loadConversation(*entries[index], MessageList::currentVersion, addRow);
         }
         platform::MainQueue::shared().async([rows = std::move(rows), completion = std::move(completion)]() mutable {
             completion(std::move(rows));
