@@ -151,6 +151,11 @@ TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {
     EXPECT_FALSE(fetchNow(*cache, "../escaped").bytes);
     EXPECT_FALSE(cache->read("../escaped"));
     EXPECT_EQ(cache->read("...._data_..escaped"), "y");
+    // Many at once, in order, through the same gate.
+    ASSERT_TRUE(platform::writeFileAtomically(root.path() + "/outside", "z"));
+    const std::optional<std::string> none;
+    EXPECT_EQ(cache->readEntries({"../outside", "...._data_..escaped", "..", "missing", "/tmp", ""}),
+              (std::vector<std::optional<std::string>>{none, "y", none, none, none, none}));
     const auto verbose = log.messages(LogLevel::verbose);
     EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Failed to cache item ../escaped"), 1);
 }

@@ -108,6 +108,16 @@ TEST(RequestListService, FetchesEachAvatarOnceAndFillsEveryRowThatShowsIt) {
     const auto debug = log.messages(platform::LogLevel::debug);
     EXPECT_EQ(std::count(debug.begin(), debug.end(), "Agent avatar fetched success"), 1);
 
+    // The next pass finds the kept bytes in the cache, for every row that shows them.
+    filled.reset();
+    RequestListService().fetchAgentAvatars(rows, cache, failing, [&](auto result) { filled = std::move(result); });
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return filled.has_value(); }));
+    ASSERT_TRUE((*filled)[0].agentAvatarInfo->avatarImage);
+    EXPECT_EQ((*filled)[0].agentAvatarInfo->avatarImage->width, 3);
+    EXPECT_TRUE((*filled)[2].agentAvatarInfo->avatarImage);
+    EXPECT_FALSE((*filled)[3].agentAvatarInfo->avatarImage);
+    EXPECT_TRUE(failing->requested.empty());
+
     // Without an image to be had, every row stays as it was.
     auto bob = ada;
     bob.avatarUrl = "https://avatars/people/8.png";

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 using namespace belvakit;
 
@@ -59,14 +60,19 @@ TEST_F(RequestListCell, DatesShowTheTimeTodayAndDayAndMonthOtherwise) {
 }
 
 TEST_F(RequestListCell, TextsOfAWholeListAreTheOneOffTextsAcrossMidnightsZonesAndDaylightSaving) {
-    // Around the end of daylight saving in New York as well as on a plain day.
+    // Around the end of daylight saving in New York as well as on a plain day, and back over a
+    // year of days, in both directions so that the way back meets days already known.
+    std::vector<Date> offsets;
+    for (Date offset = -3 * 86400; offset < 2 * 86400; offset += 1800 + 7) offsets.push_back(offset);
+    for (Date offset = -400 * 86400; offset < 0; offset += 7 * 3600 + 11) offsets.push_back(offset);
+    offsets.insert(offsets.end(), offsets.rbegin(), offsets.rend());
     for (const Date present : {now, Date(1699185600)}) {
         clock_->set(present);
         for (const char* zone : {"UTC", "Asia/Kolkata", "America/New_York"}) {
             platform::Calendar::setCurrent(platform::Calendar("en_US", zone));
             RequestListDateTexts texts;
-            for (Date date = present - 3 * 86400; date < present + 2 * 86400; date += 1800 + 7)
-                ASSERT_EQ(texts.text(date), requestListDateText(date)) << zone << " " << date;
+            for (const Date offset : offsets)
+                ASSERT_EQ(texts.text(present + offset), requestListDateText(present + offset)) << zone << " " << offset;
             for (const Date odd : {std::numeric_limits<Date>::quiet_NaN(), std::numeric_limits<Date>::infinity()})
                 EXPECT_EQ(texts.text(odd), requestListDateText(odd)) << zone;
         }

@@ -129,6 +129,28 @@ TEST(RequestListReducer, FetchedRowsReplaceTheListAndReadingClearsOneMark) {
     EXPECT_FALSE(RequestListReducer().reduce(loaded(), Actions::TicketClosed{}).has_value());
 }
 
+TEST(RequestListReducer, TheSliceSharesTheFetchedRowsAndChangesNeverReachRowsHeldElsewhere) {
+    Actions::RequestsWithAvatarsFetched fetched;
+    fetched.requests = loaded().requests;
+    const auto shown = reduce(RequestListState{}, fetched);
+    EXPECT_TRUE(shown.requests.shares(fetched.requests));
+
+    Actions::MarkRequestAsRead read;
+    read.requestData = row("1", 0);
+    EXPECT_FALSE(reduce(shown, read).requests[0].hasUnreadComments);
+    Actions::RequestCreationOrUpdateError failed;
+    failed.id = "3";
+    EXPECT_EQ(idsOf(reduce(shown, failed).requests), (std::vector<std::string>{"3", "1", "2"}));
+    Actions::DeleteRequestFromList deletion;
+    deletion.ticketId = "2";
+    EXPECT_EQ(idsOf(reduce(shown, deletion).requests), (std::vector<std::string>{"1", "3"}));
+
+    // The action and the earlier slice still hold the rows as they came.
+    EXPECT_EQ(fetched.requests, loaded().requests);
+    EXPECT_TRUE(shown.requests.shares(fetched.requests));
+    EXPECT_TRUE(shown.requests[0].hasUnreadComments);
+}
+
 TEST(RequestListOrdering, NewestFirstAndClosedOnlyWhenAsked) {
     const std::vector<RequestListCellData> rows = {row("a", 10), row("b", 30, RequestStatus::closed), row("c", 20)};
     EXPECT_EQ(idsOf(sortedAndFilteredRequests(rows, true)), (std::vector<std::string>{"b", "c", "a"}));

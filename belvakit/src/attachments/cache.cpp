@@ -60,10 +60,13 @@ ConcreteCache::ConcreteCache(std::filesystem::path path, bool allowOverwrite)
 namespace {
 
 // Keys are file names: anything that would name another directory has no file.
+bool isFileName(const std::string& key) {
+    return !key.empty() && key != "." && key != ".." && key.find('/') == std::string::npos &&
+           key.find('\0') == std::string::npos;
+}
+
 std::optional<std::filesystem::path> fileIn(const std::filesystem::path& directory, const std::string& key) {
-    if (key.empty() || key == "." || key == ".." || key.find('/') != std::string::npos ||
-        key.find('\0') != std::string::npos)
-        return std::nullopt;
+    if (!isFileName(key)) return std::nullopt;
     return directory / key;
 }
 
@@ -89,6 +92,13 @@ std::optional<std::string> Cache::read(const std::string& key) const {
     return file ? platform::readFile(*file) : std::nullopt;
 }
 
+std::vector<std::optional<std::string>> Cache::readEntries(const std::vector<std::string>& keys) const {
+    std::vector<std::optional<std::string>> entries;
+    entries.reserve(keys.size());
+    for (const auto& key : keys) entries.push_back(read(key));
+    return entries;
+}
+
 namespace {
 
 std::optional<std::string> readEntry(const std::filesystem::path& directory, const std::string& key) {
@@ -99,6 +109,14 @@ std::optional<std::string> readEntry(const std::filesystem::path& directory, con
 } // namespace
 
 std::optional<std::string> ConcreteCache::read(const std::string& key) const { return readEntry(path_, key); }
+
+std::vector<std::optional<std::string>> ConcreteCache::readEntries(const std::vector<std::string>& keys) const {
+    const platform::OpenDirectory directory(path_);
+    std::vector<std::optional<std::string>> entries;
+    entries.reserve(keys.size());
+    for (const auto& key : keys) entries.push_back(isFileName(key) ? directory.readFile(key) : std::nullopt);
+    return entries;
+}
 
 void ConcreteCache::fetch(const std::string& key, FetchCompletion completion) {
     CoreLogger::verbose("Fetching from cache: " + key);

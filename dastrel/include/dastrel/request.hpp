@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,9 @@ struct CRVRequestsWithCommentingAgents {
 
 // The list endpoint's JSON: {"requests": [...], "last_commenting_agents": [...]}.
 namespace CRVRequestsResponse {
+// The entries of "requests", readable or not, for a reader that turns each into something else;
+// none when there is no such array.
+std::span<const boost::json::value> requestEntries(const boost::json::value& json);
 // The readable records of "requests"; unreadable ones are left out.
 std::vector<CRVRequest> parseRequestListWithDictionary(const boost::json::value& json);
 // The readable records of "last_commenting_agents"; unreadable ones are left out.

@@ -15,4 +15,21 @@ std::optional<std::string> readFile(const std::filesystem::path& path);
 // Returns false when the write fails; the target is then untouched.
 bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes);
 
+// A directory held open, so that reading many of its files does not resolve its path each time.
+class OpenDirectory {
+public:
+    // A directory that cannot be opened has no readable files.
+    explicit OpenDirectory(const std::filesystem::path& path);
+    ~OpenDirectory();
+    OpenDirectory(const OpenDirectory&) = delete;
+    OpenDirectory& operator=(const OpenDirectory&) = delete;
+
+    // The whole file of that name in the directory, or nothing when it cannot be read. A name
+    // with a "/" names no file here.
+    std::optional<std::string> readFile(const std::string& name) const;
+
+private:
+    int fd_ = -1;
+};
+
 } // namespace platform

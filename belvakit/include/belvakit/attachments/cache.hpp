@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace belvakit {
 
@@ -27,6 +28,8 @@ public:
     virtual void run(std::function<void()> block) = 0;
     // The bytes of an entry, read on the calling thread: for blocks that `run` gave to the queue.
     virtual std::optional<std::string> read(const std::string& key) const;
+    // The same for many entries at once, in the keys' order.
+    virtual std::vector<std::optional<std::string>> readEntries(const std::vector<std::string>& keys) const;
 };
 
 // A cache directory under the core's cache directory. Every cache object of one directory works on
@@ -53,6 +56,8 @@ public:
     std::optional<std::filesystem::path> fileURL(const std::string& key) const override;
     void run(std::function<void()> block) override;
     std::optional<std::string> read(const std::string& key) const override;
+    // The directory is opened once for all of them.
+    std::vector<std::optional<std::string>> readEntries(const std::vector<std::string>& keys) const override;
 
 private:
     std::filesystem::path path_;

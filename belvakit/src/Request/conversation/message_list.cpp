@@ -324,7 +324,9 @@ std::optional<std::string> encodeMessageList(const MessageList& list) {
 }
 
 std::optional<MessageList> decodeMessageList(std::string_view bytes) {
-    json::monotonic_resource arena;
+    // Most conversations are short: their document fits this buffer, and takes nothing from the heap.
+    unsigned char buffer[4096];
+    json::monotonic_resource arena(buffer, sizeof buffer);
     const auto root = platform::parseJson(bytes, json::storage_ptr(&arena));
     if (!root) return std::nullopt;
     return readList(*root);

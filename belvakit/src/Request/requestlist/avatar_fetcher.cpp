@@ -9,6 +9,8 @@ namespace belvakit {
 
 namespace {
 
+bool hasUrl(const AgentAvatarInfo& info) { return info.avatarUrl && !info.avatarUrl->empty(); }
+
 AgentAvatarInfo withImage(AgentAvatarInfo info, platform::ImagePtr image) {
     info.avatarImage = std::move(image);
     return info;
@@ -38,8 +40,41 @@ std::string avatarCacheKey(const std::string& avatarUrl) {
     return key;
 }
 
+void AvatarFetcher::fetch(std::vector<AgentAvatarInfo> infos, ManyCompletion completion) const {
+    const auto answering = [completion](std::size_t index) {
+        return [completion, index](AgentAvatarInfo info, bool fromNetwork) {
+            completion(index, std::move(info), fromNetwork);
+        };
+    };
+    if (!cache) {
+        for (std::size_t index = 0; index < infos.size(); ++index) fetch(infos[index], answering(index));
+        return;
+    }
+    std::vector<std::string> keys;
+    keys.reserve(infos.size());
+    for (const auto& info : infos) keys.push_back(hasUrl(info) ? avatarCacheKey(*info.avatarUrl) : std::string());
+    cache->run([provider = attachmentsProvider, cache = cache, infos = std::move(infos), keys = std::move(keys),
+                completion = std::move(completion), answering]() mutable {
+        // Decoded here, off the main queue.
+        std::vector<platform::ImagePtr> images;
+        images.reserve(keys.size());
+        for (auto& bytes : cache->readEntries(keys)) images.push_back(bytes ? platform::decodeImage(*bytes) : nullptr);
+        platform::MainQueue::shared().async([provider = std::move(provider), cache = std::move(cache),
+                                             infos = std::move(infos), images = std::move(images),
+                                             completion = std::move(completion), answering] {
+            for (std::size_t index = 0; index < infos.size(); ++index) {
+                const auto& info = infos[index];
+                if (hasUrl(info) && !images[index])
+                    download(provider, cache, info, answering(index));
+                else
+                    completion(index, images[index] ? withImage(info, images[index]) : info, false);
+            }
+        });
+    });
+}
+
 void AvatarFetcher::fetch(const AgentAvatarInfo& info, Completion completion) const {
-    if (!info.avatarUrl || info.avatarUrl->empty()) {
+    if (!hasUrl(info)) {
         platform::MainQueue::shared().async([info, completion] { completion(info, false); });
         return;
     }

@@ -6,11 +6,15 @@
 #include "corvane/core_logger.hpp"
 #include "corvane/corvane.hpp"
 #include "dastrel/support.hpp"
+#include "platform/json.hpp"
 #include "platform/main_queue.hpp"
+
+#include <boost/json/monotonic_resource.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <set>
+#include <string_view>
 
 namespace belvakit {
 
@@ -22,6 +26,26 @@ std::vector<RequestListCellData> requestListCells(dastrel::CRVRequestsWithCommen
     for (auto& request : response.requests) {
         const bool unread = updates.isRequestUnread(request.requestId);
         cells.push_back(RequestListCellData::fromRequest(std::move(request), response.commentingAgents, unread, texts));
+    }
+    return cells;
+}
+
+std::optional<std::vector<RequestListCellData>> offlineCacheCells(std::string_view bytes,
+                                                                  const dastrel::RequestUpdates& updates) {
+    // The document is dropped once read: an arena makes both cheaper.
+    boost::json::monotonic_resource arena;
+    const auto json = platform::parseJson(bytes, boost::json::storage_ptr(&arena));
+    if (!json || !json->is_object()) return std::nullopt;
+    const auto agents = dastrel::CRVRequestsResponse::parseRequestListAgentsWithDictionary(*json);
+    const auto entries = dastrel::CRVRequestsResponse::requestEntries(*json);
+    RequestListDateTexts texts;
+    std::vector<RequestListCellData> cells;
+    cells.reserve(entries.size());
+    for (const auto& entry : entries) {
+        auto request = dastrel::CRVRequest::initWithDict(entry);
+        if (!request) continue;
+        const bool unread = updates.isRequestUnread(request->requestId);
+        cells.push_back(RequestListCellData::fromRequest(std::move(*request), agents, unread, texts));
     }
     return cells;
 }
@@ -74,9 +98,7 @@ std::vector<RequestListCellData> sortedAndFilteredRequests(std::vector<RequestLi
 
 namespace {
 
-std::vector<RequestListCellData> cellsMarked(dastrel::CRVRequestsWithCommentingAgents response,
-                                             const dastrel::RequestUpdates& updates) {
-    auto cells = requestListCells(std::move(response), updates);
+std::vector<RequestListCellData> marked(std::vector<RequestListCellData> cells) {
     markRequestsWithFailedMessages(cells);
     return cells;
 }
@@ -96,14 +118,15 @@ std::optional<RequestListCellData> localOnlyRow(const std::string& localId, cons
 void loadLocalOnlyRows(const std::shared_ptr<Cache>& cache, std::vector<std::string> ids,
                        std::function<void(std::vector<RequestListCellData>)> completion) {
     cache->run([cache, ids = std::move(ids), completion = std::move(completion)]() mutable {
+        const auto entries = cache->readEntries(ids);
         RequestListDateTexts texts;
         std::vector<RequestListCellData> rows;
-        for (const auto& localId : ids) {
-            const auto bytes = cache->read(localId);
-            if (!bytes) continue;
-            loadConversation(*bytes, MessageList::currentVersion, [&](std::vector<Message> messages, auto&&...) {
-                if (auto row = localOnlyRow(localId, messages, texts)) rows.push_back(std::move(*row));
-            });
+        for (std::size_t index = 0; index < ids.size(); ++index) {
+            if (!entries[index]) continue;
+            const auto addRow = [&](std::vector<Message> messages, auto&&...) {
+                if (auto row = localOnlyRow(ids[index], messages, texts)) rows.push_back(std::move(*row));
+            };
+            loadConversation(*entries[index], MessageList::currentVersion, addRow);
         }
         platform::MainQueue::shared().async([rows = std::move(rows), completion = std::move(completion)]() mutable {
             completion(std::move(rows));
@@ -111,12 +134,13 @@ void loadLocalOnlyRows(const std::shared_ptr<Cache>& cache, std::vector<std::str
     });
 }
 
+// In list order, each id once.
 std::vector<std::string> localOnlyIds(const LocalIDStore& store) {
-    std::set<std::string> mapped;
-    for (const auto& entry : store.remoteToLocal) mapped.insert(entry.second);
+    std::set<std::string_view> skipped;
+    for (const auto& entry : store.remoteToLocal) skipped.insert(entry.second);
     std::vector<std::string> ids;
     for (const auto& id : store.localIdList)
-        if (!mapped.contains(id) && std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(id);
+        if (skipped.insert(id).second) ids.push_back(id);
     return ids;
 }
 
@@ -133,13 +157,13 @@ void FetchCachedRequests::execute(const tivra::GetState&, const tivra::DispatchF
     const auto updates = support ? support->requestStorage().calculateRequestUpdates(support->requestStorage().requests())
                                  : dastrel::RequestUpdates{};
     auto finish = [dispatch, updates](std::optional<std::string> bytes) {
-        auto response = bytes ? decodeRequestListOfflineCache(*bytes) : std::nullopt;
-        if (!response) {
+        auto cells = bytes ? offlineCacheCells(*bytes, updates) : std::nullopt;
+        if (!cells) {
             corvane::CoreLogger::debug("No requests stored in cache.");
-            response.emplace();
+            cells.emplace();
         }
         RequestsFetched fetched;
-        fetched.requests = cellsMarked(std::move(*response), updates);
+        fetched.requests = marked(std::move(*cells));
         fetched.isFromCache = true;
         dispatch(fetched);
     };
@@ -165,7 +189,7 @@ void FetchRequests::execute(const tivra::GetState&, const tivra::DispatchFunctio
                                           std::optional<dastrel::RequestUpdates> updates) {
             if (!updates) return dispatch(RequestsFetchedFailed{});
             RequestsFetched fetched;
-            fetched.requests = cellsMarked(response, *updates);
+            fetched.requests = marked(requestListCells(response, *updates));
             fetched.isFromCache = false;
             dispatch(fetched);
         });

@@ -10,9 +10,9 @@ namespace {
 
 RequestListCellData requestRow(dastrel::CRVRequest&& request,
                                const std::vector<dastrel::CRVSupportUser>& commentingAgents, bool hasUnreadComments,
-                               RequestListTimestampCalculator&& timestamps) {
+                               std::string displayTimestamp) {
     RequestListCellData cell;
-    cell.displayTimestamp = std::move(timestamps.ticketUpdatedAt).value_or(std::move(timestamps.ticketCreatedAt));
+    cell.displayTimestamp = std::move(displayTimestamp);
     cell.updatedAtDate = request.publicUpdatedAt.value_or(request.createdAt);
     cell.requestId = request.requestId;
     cell.commentCount = request.commentCount;
@@ -38,9 +38,9 @@ RequestListCellData requestRow(dastrel::CRVRequest&& request,
 }
 
 RequestListCellData localRow(std::string requestId, const std::string& description, Date date, bool isErrored,
-                             const RequestListTimestampCalculator& timestamps) {
+                             std::string displayTimestamp) {
     RequestListCellData cell;
-    cell.displayTimestamp = timestamps.ticketCreatedAt;
+    cell.displayTimestamp = std::move(displayTimestamp);
     cell.updatedAtDate = date;
     cell.requestId = std::move(requestId);
     cell.requestTitle = description;
@@ -57,25 +57,27 @@ RequestListCellData RequestListCellData::fromRequest(const dastrel::CRVRequest& 
                                                      const std::vector<dastrel::CRVSupportUser>& commentingAgents,
                                                      bool hasUnreadComments) {
     RequestListTimestampCalculator timestamps(request.createdAt, request.publicUpdatedAt);
-    return requestRow(dastrel::CRVRequest(request), commentingAgents, hasUnreadComments, std::move(timestamps));
+    return requestRow(dastrel::CRVRequest(request), commentingAgents, hasUnreadComments,
+                      std::move(timestamps.ticketUpdatedAt).value_or(std::move(timestamps.ticketCreatedAt)));
 }
 
+// In a list only the text the row shows is made: the update's, else the creation's.
 RequestListCellData RequestListCellData::fromRequest(dastrel::CRVRequest&& request,
                                                      const std::vector<dastrel::CRVSupportUser>& commentingAgents,
                                                      bool hasUnreadComments, RequestListDateTexts& texts) {
-    RequestListTimestampCalculator timestamps(request.createdAt, request.publicUpdatedAt, texts);
-    return requestRow(std::move(request), commentingAgents, hasUnreadComments, std::move(timestamps));
+    auto displayTimestamp = texts.text(request.publicUpdatedAt.value_or(request.createdAt));
+    return requestRow(std::move(request), commentingAgents, hasUnreadComments, std::move(displayTimestamp));
 }
 
 RequestListCellData RequestListCellData::local(std::string requestId, const std::string& description, Date date,
                                                bool isErrored) {
-    return localRow(std::move(requestId), description, date, isErrored, RequestListTimestampCalculator(date, std::nullopt));
+    return localRow(std::move(requestId), description, date, isErrored,
+                    RequestListTimestampCalculator(date, std::nullopt).ticketCreatedAt);
 }
 
 RequestListCellData RequestListCellData::local(std::string requestId, const std::string& description, Date date,
                                                bool isErrored, RequestListDateTexts& texts) {
-    return localRow(std::move(requestId), description, date, isErrored,
-                    RequestListTimestampCalculator(date, std::nullopt, texts));
+    return localRow(std::move(requestId), description, date, isErrored, texts.text(date));
 }
 
 } // namespace belvakit

@@ -3,6 +3,7 @@
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
 
 #include <algorithm>
+#include <iterator>
 
 namespace belvakit {
 
@@ -10,27 +11,41 @@ namespace {
 
 using tivra::actionAs;
 
-void removeRows(std::vector<RequestListCellData>& rows, const std::string& requestId) {
-    std::erase_if(rows, [&](const RequestListCellData& row) { return row.requestId == requestId; });
+// The rows without those of one ticket; the same rows when it has none.
+RequestListRows withoutTicket(const RequestListRows& rows, const std::string& requestId) {
+    const auto ofTicket = [&](const RequestListCellData& row) { return row.requestId == requestId; };
+    if (std::none_of(rows.begin(), rows.end(), ofTicket)) return rows;
+    RequestListRows::Rows kept;
+    kept.reserve(rows.size());
+    std::remove_copy_if(rows.begin(), rows.end(), std::back_inserter(kept), ofTicket);
+    return kept;
 }
 
-// The slice with other rows, without copying the rows it drops. Every other field is carried over.
-RequestListState withRows(const RequestListState& state, std::vector<RequestListCellData> rows) {
-    return RequestListState{.requests = std::move(rows),
-                            .agents = state.agents,
-                            .error = state.error,
-                            .stateType = state.stateType,
-                            .referrerUrl = state.referrerUrl,
-                            .showReferrerLogo = state.showReferrerLogo,
-                            .showClosedRequests = state.showClosedRequests,
-                            .cache = state.cache};
+// The slice with other rows. Every other field is carried over.
+RequestListState withRows(const RequestListState& state, RequestListRows rows) {
+    RequestListState next = state;
+    next.requests = std::move(rows);
+    return next;
 }
 
 // A ticket made or failed on this device goes to the top, replacing its earlier row.
-RequestListState withLocalRowOnTop(RequestListState state, RequestListCellData row) {
-    removeRows(state.requests, row.requestId);
-    state.requests.insert(state.requests.begin(), std::move(row));
-    return state;
+RequestListState withLocalRowOnTop(const RequestListState& state, RequestListCellData row) {
+    const auto rest = withoutTicket(state.requests, row.requestId);
+    RequestListRows::Rows rows;
+    rows.reserve(rest.size() + 1);
+    rows.push_back(std::move(row));
+    rows.insert(rows.end(), rest.begin(), rest.end());
+    return withRows(state, std::move(rows));
+}
+
+// The rows with the first of one ticket marked read; the same rows when it is not there.
+RequestListRows markedRead(const RequestListRows& rows, const std::string& requestId) {
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [&](const RequestListCellData& row) { return row.requestId == requestId; });
+    if (found == rows.end()) return rows;
+    RequestListRows::Rows changed = rows;
+    changed[static_cast<std::size_t>(found - rows.begin())].hasUnreadComments = false;
+    return changed;
 }
 
 } // namespace
@@ -74,15 +89,11 @@ std::optional<RequestListState> RequestListReducer::reduce(const RequestListStat
     }
     if (const auto* deletion = actionAs<Actions::DeleteMessages>(action)) {
         // Reported as a change even when nothing goes, so listeners still get to look.
-        RequestListState next = state;
-        if (deletion->isDeletingWholeTicket && !deletion->messages.empty())
-            removeRows(next.requests, id(deletion->messages.back()));
-        return next;
+        if (!deletion->isDeletingWholeTicket || deletion->messages.empty()) return state;
+        return withRows(state, withoutTicket(state.requests, id(deletion->messages.back())));
     }
     if (const auto* deletion = actionAs<Actions::DeleteRequestFromList>(action)) {
-        RequestListState next = state;
-        removeRows(next.requests, deletion->ticketId);
-        return next;
+        return withRows(state, withoutTicket(state.requests, deletion->ticketId));
     }
     if (const auto* fetched = actionAs<Actions::RequestsWithAvatarsFetched>(action)) {
         RequestListState next = withRows(state, fetched->requests);
@@ -91,12 +102,7 @@ std::optional<RequestListState> RequestListReducer::reduce(const RequestListStat
     }
     if (const auto* read = actionAs<Actions::MarkRequestAsRead>(action)) {
         // Reported as a change even when nothing changes, as with deletions.
-        RequestListState next = state;
-        const auto row = std::find_if(next.requests.begin(), next.requests.end(), [&](const RequestListCellData& cell) {
-            return cell.requestId == read->requestData.requestId;
-        });
-        if (row != next.requests.end()) row->hasUnreadComments = false;
-        return next;
+        return withRows(state, markedRead(state.requests, read->requestData.requestId));
     }
     return std::nullopt;
 }

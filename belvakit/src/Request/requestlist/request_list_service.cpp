@@ -95,13 +95,11 @@ void RequestListService::fetchAgentAvatars(std::vector<RequestListCellData> requ
     if (toFetch.empty()) return pass->finish();
 
     const AvatarFetcher fetcher{std::move(attachmentsProvider), std::move(cache)};
-    for (std::size_t slot = 0; slot < toFetch.size(); ++slot) {
-        fetcher.fetch(toFetch[slot], [pass, slot](AgentAvatarInfo fetched, bool fromNetwork) {
-            if (fromNetwork) corvane::CoreLogger::debug("Agent avatar fetched success");
-            pass->images[slot] = std::move(fetched.avatarImage);
-            if (--pass->waiting == 0) pass->finish();
-        });
-    }
+    fetcher.fetch(std::move(toFetch), [pass](std::size_t slot, AgentAvatarInfo fetched, bool fromNetwork) {
+        if (fromNetwork) corvane::CoreLogger::debug("Agent avatar fetched success");
+        pass->images[slot] = std::move(fetched.avatarImage);
+        if (--pass->waiting == 0) pass->finish();
+    });
 }
 
 } // namespace belvakit

@@ -11,6 +11,7 @@ namespace {
 
 constexpr const char* todayPattern = "HH:mm";
 constexpr const char* otherDayPattern = "d MMM";
+constexpr double secondsPerDay = 86400;
 
 std::string dateText(const platform::Calendar& calendar, Date date, bool today) {
     return calendar.format(date, today ? todayPattern : otherDayPattern).value_or("");
@@ -30,15 +31,30 @@ RequestListDateTexts::RequestListDateTexts()
     if (today_ && !contains(*today_, now_)) today_.reset();
 }
 
+std::optional<std::size_t> RequestListDateTexts::placeBack(Date date) const {
+    // Far enough for the usual list, near enough to keep the index small.
+    constexpr double indexedDays = 4096;
+    const double back = std::ceil((today_->first - date) / secondsPerDay) - 1;
+    if (!(back >= 0 && back < indexedDays)) return std::nullopt;
+    return static_cast<std::size_t>(back);
+}
+
+void RequestListDateTexts::remember(Date date, const Day* day) {
+    const auto place = placeBack(date);
+    if (!place) return;
+    if (*place >= daysBack_.size()) daysBack_.resize(*place + 1);
+    daysBack_[*place] = day;
+}
+
 const RequestListDateTexts::Day* RequestListDateTexts::knownDay(Date date) {
-    const auto holds = [date](std::map<Date, Day>::const_iterator day) {
-        return contains({day->first, day->second.end}, date);
-    };
-    if (lastDay_ != days_.end() && holds(lastDay_)) return &lastDay_->second;
+    const auto holds = [date](const Day& day) { return contains({day.start, day.end}, date); };
+    if (const auto place = placeBack(date); place && *place < daysBack_.size())
+        if (const auto* day = daysBack_[*place]; day && holds(*day)) return day;
     const auto after = days_.upper_bound(date);
-    if (after == days_.begin() || !holds(std::prev(after))) return nullptr;
-    lastDay_ = std::prev(after);
-    return &lastDay_->second;
+    if (after == days_.begin() || !holds(std::prev(after)->second)) return nullptr;
+    const Day* day = &std::prev(after)->second;
+    remember(date, day);
+    return day;
 }
 
 std::string RequestListDateTexts::text(Date date) {
@@ -48,19 +64,17 @@ std::string RequestListDateTexts::text(Date date) {
     if (const auto* day = knownDay(date)) return day->text;
     auto text = dateText(calendar_, date, false);
     const auto interval = calendar_.dayInterval(date);
-    if (interval && contains(*interval, date)) days_[interval->first] = Day{interval->second, text};
+    if (interval && contains(*interval, date)) {
+        auto& day = days_[interval->first];
+        day = Day{interval->first, interval->second, text};
+        remember(date, &day);
+    }
     return text;
 }
 
 RequestListTimestampCalculator::RequestListTimestampCalculator(Date createdAt, std::optional<Date> updatedAt)
     : ticketCreatedAt(requestListDateText(createdAt)),
       ticketUpdatedAt(updatedAt ? std::optional(requestListDateText(*updatedAt)) : std::nullopt),
-      timeToCompare(updatedAt.value_or(createdAt)) {}
-
-RequestListTimestampCalculator::RequestListTimestampCalculator(Date createdAt, std::optional<Date> updatedAt,
-                                                               RequestListDateTexts& texts)
-    : ticketCreatedAt(texts.text(createdAt)),
-      ticketUpdatedAt(updatedAt ? std::optional(texts.text(*updatedAt)) : std::nullopt),
       timeToCompare(updatedAt.value_or(createdAt)) {}
 
 } // namespace belvakit

@@ -4,9 +4,11 @@
 #include "belvakit/attachments/attachments_provider.hpp"
 #include "belvakit/attachments/cache.hpp"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace belvakit {
 
@@ -23,6 +25,11 @@ struct AvatarFetcher {
 
     // The completion runs once, on the main queue. An info without a URL completes at once, unchanged.
     void fetch(const AgentAvatarInfo& info, Completion completion) const;
+    // The same for many: the cache is read for all of them in one block on its queue, and the
+    // completion runs once per info, given the info's place in `infos`. What the cache holds is
+    // answered in one turn of the main queue.
+    using ManyCompletion = std::function<void(std::size_t index, AgentAvatarInfo info, bool fromNetwork)>;
+    void fetch(std::vector<AgentAvatarInfo> infos, ManyCompletion completion) const;
 };
 
 } // namespace belvakit

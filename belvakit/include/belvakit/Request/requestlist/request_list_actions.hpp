@@ -2,6 +2,7 @@
 
 #include "belvakit/Request/conversation/actions.hpp"
 #include "belvakit/Request/requestlist/request_list_cell_data.hpp"
+#include "belvakit/Request/requestlist/request_list_rows.hpp"
 #include "belvakit/Request/requestlist/request_list_state.hpp"
 #include "belvakit/date.hpp"
 #include "tivra/action.hpp"
@@ -41,8 +42,9 @@ struct DeleteRequestFromList final : tivra::Action {
     std::string ticketId;
 };
 
+// The state takes these rows as they are, without copying them.
 struct RequestsWithAvatarsFetched final : tivra::Action {
-    std::vector<RequestListCellData> requests;
+    RequestListRows requests;
     RequestListStateType requestListStateType = RequestListStateType::NotLoaded;
 };
 

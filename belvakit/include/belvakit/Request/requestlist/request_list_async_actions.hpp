@@ -10,6 +10,8 @@
 #include "tivra/action.hpp"
 
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 // The stages of loading the ticket list. Each ends by dispatching the action that starts the next.
@@ -59,6 +61,10 @@ namespace belvakit {
 // One row per request, in order, with the response's agents and the device's unread marks.
 std::vector<RequestListCellData> requestListCells(dastrel::CRVRequestsWithCommentingAgents response,
                                                   const dastrel::RequestUpdates& updates);
+// The rows of the decoded offline cache entry (see `decodeRequestListOfflineCache`), each made as
+// its request is read instead of after all of them. Nothing when the bytes are not a JSON object.
+std::optional<std::vector<RequestListCellData>> offlineCacheCells(std::string_view bytes,
+                                                                  const dastrel::RequestUpdates& updates);
 // Marks the rows of tickets that still hold failed messages.
 void markRequestsWithFailedMessages(std::vector<RequestListCellData>& requests,
                                     const RequestsWithFailedMessagesIdStore& failedStore = {});

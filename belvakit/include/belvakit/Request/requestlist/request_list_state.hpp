@@ -1,6 +1,6 @@
 #pragma once
 
-#include "belvakit/Request/requestlist/request_list_cell_data.hpp"
+#include "belvakit/Request/requestlist/request_list_rows.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "dastrel/support_user.hpp"
 
@@ -26,7 +26,7 @@ enum class RequestListStateType {
 // The slice behind the list of the user's tickets.
 struct RequestListState {
     // In display order.
-    std::vector<RequestListCellData> requests;
+    RequestListRows requests;
     std::vector<dastrel::CRVSupportUser> agents;
     std::optional<NetworkError> error;
     RequestListStateType stateType = RequestListStateType::NotLoaded;

@@ -3,10 +3,12 @@
 #include "belvakit/date.hpp"
 #include "platform/calendar.hpp"
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace belvakit {
 
@@ -26,19 +28,25 @@ public:
 
 private:
     struct Day {
+        Date start = 0;
         Date end = 0;
         std::string text;
     };
 
     const Day* knownDay(Date date);
+    // Where a date before today is kept in `daysBack_`, if at all.
+    std::optional<std::size_t> placeBack(Date date) const;
+    void remember(Date date, const Day* day);
 
     platform::Calendar calendar_;
     Date now_;
     std::optional<std::pair<Date, Date>> today_;
     // By the day's first instant.
     std::map<Date, Day> days_;
-    // A row's two dates mostly fall on one day.
-    std::map<Date, Day>::const_iterator lastDay_ = days_.end();
+    // The past days by how many whole days before today they are, so that most dates find their
+    // day without a search. A change of offset can put a date in its neighbour's place: the map
+    // then answers.
+    std::vector<const Day*> daysBack_;
 };
 
 // The texts of a ticket's dates and the date its row is compared by.
@@ -48,7 +56,6 @@ struct RequestListTimestampCalculator {
     Date timeToCompare = 0;
 
     RequestListTimestampCalculator(Date createdAt, std::optional<Date> updatedAt);
-    RequestListTimestampCalculator(Date createdAt, std::optional<Date> updatedAt, RequestListDateTexts& texts);
 };
 
 } // namespace belvakit
