@@ -1,13 +1,15 @@
 // belva-bench: each metric against its baseline, as a readable table or, with --json, as a JSON
-// array of {"name", "value", "unit", "baseline", "ratio", "target"}.
+// array of {"name", "value", "unit", "baseline", "ratio", "target"}. Times are medians of a few runs.
 #include "harness.hpp"
 
 #include <boost/json.hpp>
 
+#include <algorithm>
 #include <cstring>
 #include <iomanip>
 #include <iostream>
 #include <map>
+#include <optional>
 
 namespace {
 
@@ -19,6 +21,9 @@ std::vector<bench::Metric> allMetrics() {
     return all;
 }
 
+// Each figure is the median of this many runs, so that one disturbed run does not make it.
+constexpr int repetitions = 3;
+
 // Collects the time per iteration of every run, in nanoseconds.
 class Collector final : public benchmark::BenchmarkReporter {
 public:
@@ -26,9 +31,20 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const auto& run : runs)
             if (!run.error_occurred && run.run_type == Run::RT_Iteration)
-                nanos[run.benchmark_name()] = run.GetAdjustedRealTime();
+                nanos[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
     }
-    std::map<std::string, double> nanos;
+
+    std::optional<double> median(const std::string& name) const {
+        const auto found = nanos.find(name);
+        if (found == nanos.end() || found->second.empty()) return std::nullopt;
+        auto times = found->second;
+        const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+        std::nth_element(times.begin(), middle, times.end());
+        return *middle;
+    }
+
+private:
+    std::map<std::string, std::vector<double>> nanos;
 };
 
 } // namespace
@@ -47,8 +63,12 @@ int main(int argc, char** argv) {
 
     const auto metrics = allMetrics();
     for (const auto& metric : metrics) {
-        benchmark::RegisterBenchmark((metric.name + "/baseline").c_str(), metric.baseline)->Unit(benchmark::kNanosecond);
-        benchmark::RegisterBenchmark(metric.name.c_str(), metric.measured)->Unit(benchmark::kNanosecond);
+        benchmark::RegisterBenchmark((metric.name + "/baseline").c_str(), metric.baseline)
+            ->Unit(benchmark::kNanosecond)
+            ->Repetitions(repetitions);
+        benchmark::RegisterBenchmark(metric.name.c_str(), metric.measured)
+            ->Unit(benchmark::kNanosecond)
+            ->Repetitions(repetitions);
     }
     Collector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
@@ -60,21 +80,21 @@ int main(int argc, char** argv) {
                   << std::setw(14) << "baseline ns" << std::setw(9) << "ratio" << std::setw(9) << "target"
                   << "\n";
     for (const auto& metric : metrics) {
-        const auto value = collector.nanos.find(metric.name);
-        const auto baseline = collector.nanos.find(metric.name + "/baseline");
-        if (value == collector.nanos.end() || baseline == collector.nanos.end()) continue;
-        const double ratio = value->second / baseline->second;
+        const auto value = collector.median(metric.name);
+        const auto baseline = collector.median(metric.name + "/baseline");
+        if (!value || !baseline) continue;
+        const double ratio = *value / *baseline;
         if (json) {
             out.push_back({{"name", metric.name},
-                           {"value", value->second},
+                           {"value", *value},
                            {"unit", "ns"},
-                           {"baseline", baseline->second},
+                           {"baseline", *baseline},
                            {"ratio", ratio},
                            {"target", metric.target}});
         } else {
             std::cout << std::left << std::setw(24) << metric.name << std::right << std::fixed
-                      << std::setprecision(1) << std::setw(14) << value->second << std::setw(14)
-                      << baseline->second << std::setprecision(2) << std::setw(9) << ratio << std::setw(9)
+                      << std::setprecision(1) << std::setw(14) << *value << std::setw(14)
+                      << *baseline << std::setprecision(2) << std::setw(9) << ratio << std::setw(9)
                       << metric.target << (ratio <= metric.target ? "" : "  over target") << "\n";
         }
     }
