@@ -1,5 +1,7 @@
 #include "sandbox/attachment_store.hpp"
 
+#include "answer.hpp"
+
 #include "platform/main_queue.hpp"
 #include "platform/uuid.hpp"
 
@@ -44,11 +46,13 @@ std::shared_ptr<AttachmentStore> AttachmentStore::make(std::string accountUrl) {
 
 void AttachmentStore::answer(std::function<void()> work) const {
     platform::Duration latency;
+    bool onWorkerThread = false;
     {
         std::lock_guard lock(mutex_);
         latency = latency_;
+        onWorkerThread = answersOnWorkerThreads_;
     }
-    platform::MainQueue::shared().asyncAfter(latency, std::move(work));
+    deliverAnswer(latency, onWorkerThread, std::move(work));
 }
 
 void AttachmentStore::upload(std::optional<std::string> data, std::optional<std::string> filename,
@@ -122,6 +126,11 @@ void AttachmentStore::setFailUploads(bool fail) {
 void AttachmentStore::setFailDownloads(bool fail) {
     std::lock_guard lock(mutex_);
     failDownloads_ = fail;
+}
+
+void AttachmentStore::setAnswersOnWorkerThreads(bool onWorkerThreads) {
+    std::lock_guard lock(mutex_);
+    answersOnWorkerThreads_ = onWorkerThreads;
 }
 
 void AttachmentStore::setLatency(platform::Duration latency) {

@@ -14,6 +14,11 @@ HelpDesk::HelpDesk(Options options)
     });
 }
 
+void HelpDesk::setAnswersOnWorkerThreads(bool onWorkerThreads) const {
+    attachments_->setAnswersOnWorkerThreads(onWorkerThreads);
+    tickets_->setAnswersOnWorkerThreads(onWorkerThreads);
+}
+
 std::shared_ptr<HelpDesk> HelpDesk::make(Options options) {
     return std::shared_ptr<HelpDesk>(new HelpDesk(std::move(options)));
 }

@@ -1,5 +1,7 @@
 #include "sandbox/ticket_desk.hpp"
 
+#include "answer.hpp"
+
 #include "dastrel/support.hpp"
 #include "platform/clock.hpp"
 #include "platform/main_queue.hpp"
@@ -101,6 +103,12 @@ void TicketDesk::setStatus(const std::string& requestId, std::string status) {
     if (auto ticket = tickets_.find(requestId); ticket != tickets_.end()) ticket->second.request.status = std::move(status);
 }
 
+std::optional<dastrel::CRVCreateRequest> TicketDesk::creation(const std::string& requestId) const {
+    std::lock_guard lock(mutex_);
+    const auto ticket = tickets_.find(requestId);
+    return ticket == tickets_.end() ? std::nullopt : std::optional(ticket->second.creation);
+}
+
 std::vector<dastrel::CRVRequest> TicketDesk::requests() const {
     std::lock_guard lock(mutex_);
     std::vector<dastrel::CRVRequest> out;
@@ -128,6 +136,8 @@ void TicketDesk::setUnauthorized(bool unauthorized) {
     std::lock_guard lock(mutex_);
     unauthorized_ = unauthorized;
 }
+
+void TicketDesk::setAnswersOnWorkerThreads(bool onWorkerThreads) { answersOnWorkerThreads_ = onWorkerThreads; }
 
 void TicketDesk::setLatency(platform::Duration latency) {
     std::lock_guard lock(mutex_);
@@ -175,13 +185,7 @@ platform::Duration TicketDesk::latencyLocked() {
 }
 
 void TicketDesk::answer(platform::Duration latency, std::function<void()> work) const {
-    auto& main = platform::MainQueue::shared();
-    if (latency <= platform::Duration::zero())
-        main.async(std::move(work));
-    else
-        main.async([latency, work = std::move(work)]() mutable {
-            platform::MainQueue::shared().asyncAfter(latency, std::move(work));
-        });
+    deliverAnswer(latency, answersOnWorkerThreads_, std::move(work));
 }
 
 dastrel::CRVComment TicketDesk::appendCommentLocked(Ticket& ticket, std::int64_t authorId, std::string body,
@@ -304,6 +308,7 @@ void TicketDesk::createRequest(const dastrel::CRVCreateRequest& request,
     ticket.request.status = "new";
     ticket.request.createdAt = platform::now();
     ticket.request.requesterId = endUser_.userId;
+    ticket.creation = request;
     const auto firstComment =
         appendCommentLocked(ticket, endUser_.userId, request.requestDescription, std::nullopt, std::move(files));
     const std::string id = ticket.request.requestId;

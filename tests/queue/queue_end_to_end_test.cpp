@@ -93,6 +93,12 @@ protected:
 
 TEST_F(QueueEndToEndTest, TwoSendsWithoutATicketMakeOneTicketThenOneCommentOnIt) {
     host_.tickets().setLatency(platform::milliseconds(200));
+    RequestQueueActions::SetConfig config;
+    config.config.subject = "Lost parcel";
+    config.config.tags = {"ios", "parcel"};
+    config.config.customFields = {{360001, "1234"}};
+    config.config.ticketFormID = 77;
+    sharedStore()->dispatch(config);
     sharedStore()->dispatch(details("local-1", "My order never came"));
     sharedStore()->dispatch(details("local-2", "It was order 1234"));
     ASSERT_TRUE(settled([&] { return recorder_.completed > 0; }));
@@ -102,6 +108,11 @@ TEST_F(QueueEndToEndTest, TwoSendsWithoutATicketMakeOneTicketThenOneCommentOnIt)
     const auto requests = host_.tickets().requests();
     ASSERT_EQ(requests.size(), 1u);
     EXPECT_EQ(recorder_.ticketsCreated.at(0).remoteRequestId, requests[0].requestId);
+    const auto creation = host_.tickets().creation(requests[0].requestId).value();
+    EXPECT_EQ(creation.subject, "Lost parcel");
+    EXPECT_EQ(creation.tags, (std::vector<std::string>{"ios", "parcel"}));
+    EXPECT_EQ(creation.customFields, config.config.customFields);
+    EXPECT_EQ(creation.ticketFormId, 77);
     EXPECT_EQ(bodiesOf(host_.tickets().comments(requests[0].requestId)),
               (std::vector<std::string>{"My order never came", "It was order 1234"}));
 
@@ -183,6 +194,8 @@ TEST_F(QueueEndToEndTest, SoakWithFailuresAndLatenciesKeepsOrderAndNeverSendsTwi
         queue_testing::Host host(directory.path());
         QueueRecorder recorder;
         sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+        // Half the seeds get their answers on worker threads, as from a real provider.
+        host.helpDesk->setAnswersOnWorkerThreads(seed % 2 == 1);
         auto& desk = host.tickets();
         const auto agent = desk.addAgent("Sam");
         desk.setAutoReply(agent.userId, [](const dastrel::CRVRequest&, const dastrel::CRVComment& comment) {

@@ -150,22 +150,55 @@ TEST_F(QueueMiddlewareTest, SetRequestIdWithoutIdChangesNothingAndResetWhileIdle
 
     knownTicket("17");
     EXPECT_EQ(ticketInfo(middleware_->queueState()).value().first, "17");
+    knownTicket(std::nullopt);
+    EXPECT_EQ(ticketInfo(middleware_->queueState()).value().first, "17");
 
     store_->dispatch(RequestQueueActions::ResetQueue{});
     EXPECT_EQ(middleware_->queueState(), State::initial());
 }
 
-TEST_F(QueueMiddlewareTest, AResultAfterAResetLeavesTheQueueDirtyButRunsTheRest) {
+TEST_F(QueueMiddlewareTest, AfterAResetWaitingWorkKeepsItsTicketAndNothingStartsBesideIt) {
     knownTicket("17");
     auto first = operation("a"), second = operation("b");
     run({first, second});
     store_->dispatch(RequestQueueActions::ResetQueue{});
     EXPECT_EQ(middleware_->queueState(), State::dirty());
 
+    // The next conversation's work waits for the old one's, which still goes to ticket 17.
+    knownTicket("30");
+    auto third = operation("c");
+    run({third});
+    EXPECT_EQ(journal_, (std::vector<std::string>{"a@17"}));
     first->finishWith(commentCreated(9));
-    EXPECT_EQ(journal_, (std::vector<std::string>{"a@17", "b@none"}));
+    EXPECT_EQ(journal_, (std::vector<std::string>{"a@17", "b@17"}));
     second->finishWith(ticketCreated("20", 10));
-    EXPECT_EQ(middleware_->queueState(), State::ticketCreated("20", 10));
+    EXPECT_EQ(journal_, (std::vector<std::string>{"a@17", "b@17", "c@30"}));
+    // A late outcome of the left conversation never becomes the shown one's ticket, nor reaches its store.
+    EXPECT_EQ(ticketInfo(middleware_->queueState()).value().first, "30");
+    EXPECT_TRUE(seen_.empty());
+    EXPECT_EQ(completed_, 0);
+    third->finishWith(commentCreated(11));
+    EXPECT_EQ(completed_, 1);
+}
+
+TEST_F(QueueMiddlewareTest, ASendFromAListenerOfAResultKeepsTheQueueOpenUntilItEnds) {
+    auto first = operation("a"), nested = operation("nested");
+    auto subscription = store_->addActionListener([&](const tivra::Action& action) {
+        if (tivra::actionAs<Actions::TicketCreated>(action)) run({nested});
+    });
+    run({first});
+    first->finishWith(ticketCreated("42", 5));
+    EXPECT_EQ(journal_, (std::vector<std::string>{"a@none", "nested@42"}));
+    EXPECT_TRUE(nested->running);
+    EXPECT_EQ(completed_, 0) << "completed while an operation was in flight";
+    nested->finishWith(commentCreated(6));
+    EXPECT_EQ(completed_, 1);
+
+    // A second report of a finished operation changes nothing.
+    first->finishWith(ticketCreated("99", 7));
+    EXPECT_EQ(middleware_->queueState(), State::ticketCreated("42", 6));
+    EXPECT_EQ(completed_, 1);
+    subscription.removeListener();
 }
 
 TEST_F(QueueMiddlewareTest, DetailsOnAKnownTicketFetchBeforeTheCommentAndConfigReachesNewTickets) {
@@ -188,9 +221,7 @@ TEST_F(QueueMiddlewareTest, DetailsOnAKnownTicketFetchBeforeTheCommentAndConfigR
     ASSERT_EQ(middleware_->requestOperations().size(), 2u);
     const auto& fetch = *middleware_->requestOperations()[0];
     EXPECT_NE(dynamic_cast<const FetchNewCommentsOperation*>(&fetch), nullptr);
-    const std::string fetchId = fetch.id();
-    EXPECT_EQ(fetchId.size(), 36u) << "a UUID string";
-    EXPECT_EQ(fetch.id(), fetchId) << "made once";
+    EXPECT_EQ(fetch.id().size(), 36u) << "a UUID string";
     const auto* comment = dynamic_cast<const CommentRequestOperation*>(middleware_->requestOperations()[1].get());
     ASSERT_NE(comment, nullptr);
     EXPECT_EQ(comment->id(), "local-1");

@@ -34,10 +34,12 @@ public:
     std::optional<Upload> uploadWithToken(const std::string& token) const;
     std::size_t uploadCount() const;
 
-    // Switches. Answers come on the main queue after `latency` (through the scheduler).
+    // Switches. Answers come after `latency` (through the scheduler), on the main queue or on a
+    // worker thread.
     void setFailUploads(bool fail);
     void setFailDownloads(bool fail);
     void setLatency(platform::Duration latency);
+    void setAnswersOnWorkerThreads(bool onWorkerThreads);
 
     // Providers of the support library backed by this store.
     std::shared_ptr<dastrel::CRVUploadProvider> uploadProvider();
@@ -54,6 +56,7 @@ private:
     std::map<std::string, std::string> served_;  // bytes by URL
     bool failUploads_ = false;
     bool failDownloads_ = false;
+    bool answersOnWorkerThreads_ = false;
     platform::Duration latency_{};
 };
 

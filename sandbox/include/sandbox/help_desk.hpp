@@ -30,6 +30,8 @@ public:
     std::shared_ptr<corvane::Corvane> initializeCorvane(std::shared_ptr<corvane::Identity> identity);
 
     const Options& options() const { return options_; }
+    // Every provider of this desk answers on worker threads, as real ones do.
+    void setAnswersOnWorkerThreads(bool onWorkerThreads) const;
     // Uploads and the files the help desk serves.
     const std::shared_ptr<AttachmentStore>& attachments() const { return attachments_; }
     // Requests, comments, people and the simulated agent.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "dastrel/create_request.hpp"
 #include "dastrel/request_provider.hpp"
 #include "platform/scheduler.hpp"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -17,7 +19,8 @@ namespace sandbox {
 
 // The help desk's tickets: requests, their public comments, the end user and the agents, with a
 // scriptable agent who replies and switches for offline, latency, failures and HTTP 401.
-// Every answer arrives on the main queue, after the latency, through the scheduler.
+// Every answer arrives after the latency, through the scheduler, on the main queue or, when
+// switched so, on a worker thread.
 class TicketDesk : public std::enable_shared_from_this<TicketDesk> {
 public:
     // Finds the file an upload token stands for.
@@ -48,12 +51,16 @@ public:
     // What the help desk holds, for tests and the demo.
     std::vector<dastrel::CRVRequest> requests() const;
     std::vector<dastrel::CRVComment> comments(const std::string& requestId) const;
+    // The request as it was sent to create the ticket: subject, tags, custom fields and form.
+    std::optional<dastrel::CRVCreateRequest> creation(const std::string& requestId) const;
     std::size_t callCount() const;
 
     // Switches.
     void setOffline(bool offline);
     void setUnauthorized(bool unauthorized);
     void setLatency(platform::Duration latency);
+    // Answers come on worker threads, as a real provider's do, instead of on the main queue.
+    void setAnswersOnWorkerThreads(bool onWorkerThreads);
     // Each answer waits a random time in [minimum, maximum], so answers can overtake each other.
     void setLatencyRange(platform::Duration minimum, platform::Duration maximum, unsigned seed);
     // The next `count` calls fail with a server error.
@@ -78,6 +85,7 @@ public:
 private:
     struct Ticket {
         dastrel::CRVRequest request;
+        dastrel::CRVCreateRequest creation;
         std::vector<dastrel::CRVComment> comments;
     };
 
@@ -108,6 +116,7 @@ private:
 
     bool offline_ = false;
     bool unauthorized_ = false;
+    std::atomic<bool> answersOnWorkerThreads_ = false;  // read with and without the lock
     int failNext_ = 0;
     double failureRate_ = 0;
     platform::Duration latencyMinimum_{};

@@ -188,12 +188,8 @@ void CommentRequestOperation::addComment(const std::string& requestId, UploadRes
 FetchNewCommentsOperation::FetchNewCommentsOperation(std::optional<std::string> id,
                                                      std::shared_ptr<RequestProvider> provider,
                                                      dastrel::RequestStorage* storage)
-    : requestProvider(freshProvider(std::move(provider))), requestStorage(storage), id_(std::move(id)) {}
-
-const std::string& FetchNewCommentsOperation::id() const {
-    if (!id_) id_ = platform::uuidString();
-    return *id_;
-}
+    : requestProvider(freshProvider(std::move(provider))), requestStorage(storage),
+      id_(id ? std::move(*id) : platform::uuidString()) {}
 
 void FetchNewCommentsOperation::execute(std::optional<TicketInfo> ticket) {
     if (!ticket) {

@@ -1,13 +1,72 @@
 #include "belvakit/Request/queue/request_queue_middleware.hpp"
 
+#include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/conversation_recorder.hpp"
+#include "belvakit/Request/conversation/request_table_reducer.hpp"
+#include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/queue/request_operations.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
+#include "belvakit/attachments/cache.hpp"
+#include "corvane/core_logger.hpp"
 #include "platform/clock.hpp"
 #include "platform/main_queue.hpp"
+#include "tivra/state.hpp"
+#include "tivra/state_key.hpp"
 
+#include <algorithm>
 #include <typeinfo>
 
 namespace belvakit {
+
+// The operations of one conversation, and where their outcomes go.
+struct RequestQueueMiddleWare::Conversation {
+    RequestQueueState state = RequestQueueState::initial();  // touched on requestDispatchQueue only
+    // Set once no screen shows the conversation: its table as the screen left it, which takes
+    // the outcomes from then on (nothing when the store had no conversation table).
+    bool left = false;
+    std::optional<RequestTableState> table;
+};
+
+namespace {
+
+std::optional<RequestTableState> shownTable(const tivra::GetState& getState) {
+    if (!getState) return std::nullopt;
+    const tivra::State state = getState();
+    const auto* table = state.value<RequestTableState>(tivra::stateKeyOf<RequestTableState>());
+    return table ? std::optional(*table) : std::nullopt;
+}
+
+bool sameConversation(const RequestTableState& shown, const RequestTableState& left) {
+    return (left.localId && shown.localId == left.localId) || (left.remoteId && shown.remoteId == left.remoteId);
+}
+
+// The local message whose send an outcome reports; nothing for fetches.
+const std::string* reportedMessageId(const tivra::Action& result) {
+    if (const auto* a = tivra::actionAs<Actions::TicketCreated>(result)) return &a->localId;
+    if (const auto* b = tivra::actionAs<Actions::CommentCreated>(result)) return &b->localId;
+    if (const auto* c = tivra::actionAs<Actions::TicketCreationError>(result)) return &c->id;
+    if (const auto* d = tivra::actionAs<Actions::CommentCreationError>(result)) return &d->id;
+    if (const auto* e = tivra::actionAs<Actions::AttachmentsUploadError>(result)) return &e->id;
+    return nullptr;
+}
+
+// The messages of the send that `result` reports which `into` lacks.
+std::vector<Message> missingMessagesOfSend(const RequestTableState& from, const RequestTableState& into,
+                                           const tivra::Action& result) {
+    std::vector<Message> missing;
+    const std::string* sent = reportedMessageId(result);
+    if (!sent) return missing;
+    for (const auto& message : from.tableData) {
+        const std::string* parent = parentIdOf(message);
+        if (id(message) != *sent && !(parent && *parent == *sent)) continue;
+        const bool present = std::ranges::any_of(
+            into.tableData, [&](const Message& shown) { return id(shown) == id(message); });
+        if (!present) missing.push_back(message);
+    }
+    return missing;
+}
+
+} // namespace
 
 std::shared_ptr<RequestQueueMiddleWare> RequestQueueMiddleWare::make(
     std::deque<std::shared_ptr<RequestOperation>> requestOperations, RequestQueueState queueState,
@@ -18,7 +77,10 @@ std::shared_ptr<RequestQueueMiddleWare> RequestQueueMiddleWare::make(
 
 RequestQueueMiddleWare::RequestQueueMiddleWare(std::deque<std::shared_ptr<RequestOperation>> requestOperations,
                                                RequestQueueState queueState, RequestUiConfiguration config)
-    : requestOperations_(std::move(requestOperations)), queueState_(std::move(queueState)), config_(std::move(config)) {}
+    : requestOperations_(std::move(requestOperations)),
+      shown_(std::make_shared<Conversation>(Conversation{std::move(queueState)})), config_(std::move(config)) {
+    owners_.assign(requestOperations_.size(), shown_);
+}
 
 const platform::SerialQueue& RequestQueueMiddleWare::requestDispatchQueue() const {
     std::call_once(queueMade_, [this] { requestDispatchQueue_.emplace("RequestQueue"); });
@@ -27,35 +89,65 @@ const platform::SerialQueue& RequestQueueMiddleWare::requestDispatchQueue() cons
 
 RequestQueueState RequestQueueMiddleWare::queueState() const {
     std::optional<RequestQueueState> state;
-    requestDispatchQueue().sync([&] { state = queueState_; });
+    requestDispatchQueue().sync([&] { state = shown_->state; });
     return *state;
 }
 
-void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::GetState&,
+void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::GetState& getState,
                                       const tivra::DispatchFunction& dispatch, const tivra::DispatchFunction& next) {
     namespace Q = RequestQueueActions;
     if (!dispatch_) dispatch_ = dispatch;
+    if (!getState_) getState_ = getState;
 
     // Every action of the store passes here; one type lookup keeps that cheap.
     const std::type_info& type = typeid(action);
     if (type == typeid(Q::ResetQueue)) {
-        requestDispatchQueue().sync([this] { queueState_ = reset(queueState_); });
+        moveOn(getState, running_ ? RequestQueueState::dirty() : RequestQueueState::initial());
+    } else if (type == typeid(Actions::InitializeRequestControllerState)) {
+        // The table is about to show another conversation; work still queued keeps the one it had.
+        if (hasWork(*shown_)) {
+            const auto ticket = ticketInfo(queueState());
+            moveOn(getState, ticket ? RequestQueueState::ticketCreated(ticket->first, ticket->second)
+                                    : RequestQueueState::dirty());
+        }
     } else if (type == typeid(Q::SetRequestId)) {
         if (const auto& id = static_cast<const Q::SetRequestId&>(action).id) {
+            const auto ticket = ticketInfo(queueState());
             const auto state = RequestQueueState::ticketCreated(*id, platform::now());
-            requestDispatchQueue().sync([this, &state] { queueState_ = state; });
+            if (ticket && ticket->first == *id)
+                requestDispatchQueue().sync([this, &state] { shown_->state = state; });
+            else
+                moveOn(getState, state);
         }
     } else if (type == typeid(Q::SetConfig)) {
         config_ = static_cast<const Q::SetConfig&>(action).config;
     } else if (type == typeid(Q::DispatchOperations)) {
-        const auto& operations = static_cast<const Q::DispatchOperations&>(action).operations;
-        requestOperations_.insert(requestOperations_.end(), operations.begin(), operations.end());
+        for (const auto& operation : static_cast<const Q::DispatchOperations&>(action).operations) enqueue(operation);
         process();
     } else if (type == typeid(Q::DispatchDetails)) {
         enqueueOperationsFor(static_cast<const Q::DispatchDetails&>(action));
         process();
     }
     next(action);
+}
+
+bool RequestQueueMiddleWare::hasWork(const Conversation& conversation) const {
+    return running_.get() == &conversation ||
+           std::ranges::any_of(owners_, [&](const auto& owner) { return owner.get() == &conversation; });
+}
+
+void RequestQueueMiddleWare::moveOn(const tivra::GetState& getState, const RequestQueueState& state) {
+    if (hasWork(*shown_)) {
+        shown_->left = true;
+        shown_->table = shownTable(getState);
+        shown_ = std::make_shared<Conversation>();
+    }
+    requestDispatchQueue().sync([this, &state] { shown_->state = state; });
+}
+
+void RequestQueueMiddleWare::enqueue(std::shared_ptr<RequestOperation> operation) {
+    requestOperations_.push_back(std::move(operation));
+    owners_.push_back(shown_);
 }
 
 void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details) {
@@ -65,58 +157,82 @@ void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::Dis
         bool requesting = false;
     } seen;
     requestDispatchQueue().sync([this, &seen] {
-        seen.hasTicket = ticketInfo(queueState_).has_value();
-        seen.requesting = queueState_.isRequesting();
+        seen.hasTicket = ticketInfo(shown_->state).has_value();
+        seen.requesting = shown_->state.isRequesting();
     });
     if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
-        requestOperations_.push_back(std::make_shared<FetchNewCommentsOperation>());
-        requestOperations_.push_back(
-            std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+        enqueue(std::make_shared<FetchNewCommentsOperation>());
+        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
     } else if (seen.requesting) {
-        // Whatever is in flight is the ticket's creation; this message will find the ticket.
-        requestOperations_.push_back(
-            std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+        // Whatever is in flight for this conversation is its ticket's creation; this message will
+        // find the ticket.
+        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
     } else {
-        requestOperations_.push_back(
-            std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_));
+        enqueue(std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_));
     }
 }
 
 void RequestQueueMiddleWare::process() {
+    if (running_) return;  // its completion runs this again
     if (requestOperations_.empty()) {
         if (dispatch_) dispatch_(RequestQueueActions::QueueCompleted{});
         return;
     }
-    // The waiting list changes only on this thread, so reading the state and marking it as in
-    // flight can share one visit to the queue.
-    struct {
-        bool requesting = false;
-        std::optional<TicketInfo> ticket;
-    } start;
-    requestDispatchQueue().sync([this, &start] {
-        start.requesting = queueState_.isRequesting();
-        if (start.requesting) return;
-        queueState_ = started(queueState_);
-        start.ticket = ticketInfo(queueState_);
-    });
-    if (start.requesting) return;
-
     auto operation = std::move(requestOperations_.front());
     requestOperations_.pop_front();
+    running_ = std::move(owners_.front());
+    owners_.pop_front();
+
+    std::optional<TicketInfo> ticket;
+    requestDispatchQueue().sync([this, &ticket] {
+        running_->state = started(running_->state);
+        ticket = ticketInfo(running_->state);
+    });
     // A provider may answer on any thread; the waiting list belongs to the main one.
-    operation->setRequestBlock([weak = weak_from_this()](const tivra::Action& result) {
+    operation->setRequestBlock([weak = weak_from_this(), run = ++runs_](const tivra::Action& result) {
         platform::MainQueue::shared().sync([&] {
-            if (auto self = weak.lock()) self->complete(result);
+            if (auto self = weak.lock()) self->complete(run, result);
         });
     });
-    operation->execute(std::move(start.ticket));
+    operation->execute(std::move(ticket));
 }
 
-void RequestQueueMiddleWare::complete(const tivra::Action& result) {
-    requestDispatchQueue().sync([this, &result] { queueState_ = reduce(queueState_, result); });
-    if (dispatch_) dispatch_(result);
+void RequestQueueMiddleWare::complete(std::uint64_t run, const tivra::Action& result) {
+    if (run != runs_ || !running_) {
+        corvane::CoreLogger::error("An operation of the send queue reported its outcome twice");
+        return;
+    }
+    auto owner = std::move(running_);
+    requestDispatchQueue().sync([&owner, &result] { owner->state = reduce(owner->state, result); });
+    if (!owner->left) {
+        if (dispatch_) dispatch_(result);
+    } else {
+        keepForLeftConversation(*owner, result);
+    }
     process();
+}
+
+void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation, const tivra::Action& result) {
+    if (!conversation.table || !dispatch_) return;  // the store holds no conversation to keep it in
+    RequestTableState& table = *conversation.table;
+    if (auto next = RequestTableReducer().reduce(table, result)) table = std::move(*next);
+    const auto shown = shownTable(getState_);
+    if (shown && sameConversation(*shown, table)) {
+        // Opened again meanwhile: the table on screen takes the outcome, with the messages it
+        // concerns if the screen never saw them.
+        auto missing = missingMessagesOfSend(table, *shown, result);
+        if (!missing.empty()) {
+            Actions::NewMessages messages;
+            messages.messages = std::move(missing);
+            dispatch_(messages);
+        }
+        dispatch_(result);
+        return;
+    }
+    LocalIDStore idStore;
+    recordConversation(table, idStore, RequestsWithFailedMessagesIdStore{},
+                       ConcreteCache::named(ConcreteCache::ticketsDirectory), dispatch_);
 }
 
 } // namespace belvakit

@@ -65,20 +65,19 @@ private:
 class FetchNewCommentsOperation final : public RequestOperation,
                                         public std::enable_shared_from_this<FetchNewCommentsOperation> {
 public:
-    // Without an id the operation gets a new UUID string, made when it is first asked for:
-    // nothing reads it on the way, and making one costs more than the rest of the queue's work.
+    // Without an id the operation gets a new UUID string.
     explicit FetchNewCommentsOperation(std::optional<std::string> id = std::nullopt,
                                        std::shared_ptr<RequestProvider> provider = nullptr,
                                        dastrel::RequestStorage* storage = nullptr);
 
-    const std::string& id() const override;
+    const std::string& id() const override { return id_; }
     void execute(std::optional<TicketInfo> ticket) override;
 
     std::shared_ptr<RequestProvider> requestProvider;
     dastrel::RequestStorage* requestStorage;
 
 private:
-    mutable std::optional<std::string> id_;
+    std::string id_;
 };
 
 // Remote attachment ids paired with the files sent, in upload order; "0" for an upload that

@@ -6,6 +6,7 @@
 #include "platform/serial_queue.hpp"
 #include "tivra/middleware.hpp"
 
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -17,8 +18,11 @@ namespace RequestQueueActions {
 struct DispatchDetails;
 }
 
-// Runs the network operations of a conversation one at a time, in the order asked for, each
-// knowing the ticket that the ones before it created. Results go back through the store.
+// Runs the network operations of conversations one at a time, in the order asked for, each
+// knowing the ticket that the ones before it created. An operation belongs to the conversation
+// it was queued for: when the screen moves on to another conversation, the waiting ones still
+// go to their own ticket, and their outcomes are kept with that conversation instead of reaching
+// the one now shown. Results go back through the store.
 class RequestQueueMiddleWare final : public tivra::Middleware,
                                      public std::enable_shared_from_this<RequestQueueMiddleWare> {
 public:
@@ -29,27 +33,42 @@ public:
                   const tivra::DispatchFunction& next) override;
 
     // Starts the next waiting operation unless one is in flight; reports `QueueCompleted` when
-    // none is waiting.
+    // none is waiting and none is in flight.
     void process();
 
+    // The state of the conversation now shown.
     RequestQueueState queueState() const;
+    // Waiting operations of every conversation, oldest first.
     const std::deque<std::shared_ptr<RequestOperation>>& requestOperations() const { return requestOperations_; }
     const RequestUiConfiguration& config() const { return config_; }
 
 private:
+    struct Conversation;
+
     RequestQueueMiddleWare(std::deque<std::shared_ptr<RequestOperation>> requestOperations,
                            RequestQueueState queueState, RequestUiConfiguration config);
 
     void enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details);
-    void complete(const tivra::Action& result);
+    void enqueue(std::shared_ptr<RequestOperation> operation);
+    bool hasWork(const Conversation& conversation) const;
+    // The shown conversation's work goes on without a screen; what comes next belongs to a new
+    // conversation in `state`.
+    void moveOn(const tivra::GetState& getState, const RequestQueueState& state);
+    void complete(std::uint64_t run, const tivra::Action& result);
+    void keepForLeftConversation(Conversation& conversation, const tivra::Action& result);
     const platform::SerialQueue& requestDispatchQueue() const;
 
     std::deque<std::shared_ptr<RequestOperation>> requestOperations_;
-    RequestQueueState queueState_;  // touched on requestDispatchQueue only
+    std::deque<std::shared_ptr<Conversation>> owners_;  // the conversation of each waiting operation
+    std::shared_ptr<Conversation> shown_;
+    std::shared_ptr<Conversation> running_;  // owner of the operation in flight, if any
+    std::uint64_t runs_ = 0;                 // numbers each start, so a stray second report is known
     RequestUiConfiguration config_;
     mutable std::once_flag queueMade_;
     mutable std::optional<platform::SerialQueue> requestDispatchQueue_;
-    tivra::DispatchFunction dispatch_;  // the store's, holding it weakly
+    // The store's, holding it weakly.
+    tivra::DispatchFunction dispatch_;
+    tivra::GetState getState_;
 };
 
 } // namespace belvakit

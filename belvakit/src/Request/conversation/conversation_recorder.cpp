@@ -1,0 +1,46 @@
+#include "belvakit/Request/conversation/conversation_recorder.hpp"
+
+#include "belvakit/Request/conversation/message_list.hpp"
+#include "belvakit/Request/queue/local_id_store.hpp"
+#include "belvakit/Request/requestlist/request_list_actions.hpp"
+
+#include <algorithm>
+
+namespace belvakit {
+
+namespace {
+
+bool failed(const Message& message) { return status(message) == DeliveryStatus::failed; }
+
+} // namespace
+
+void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
+                        const RequestsWithFailedMessagesIdStore& failedRemoteIds,
+                        const std::shared_ptr<Cache>& ticketsCache, const tivra::DispatchFunction& dispatch) {
+    if (state.remoteId && state.localId) {
+        idStore.remoteToLocal[*state.remoteId] = *state.localId;
+        idStore.addLocalId(*state.localId);
+    }
+    if (state.localId) {
+        for (const auto& message : state.tableData) {
+            const auto* text = std::get_if<UserMessage>(&message);
+            // One list row per conversation: only the first failure of a local id reports it.
+            if (!text || text->status != DeliveryStatus::failed || !idStore.addLocalId(*state.localId)) continue;
+            Actions::RequestCreationOrUpdateError error;
+            error.id = text->id;
+            error.requestDescription = text->body;
+            error.createdAtDate = text->createdAt;
+            if (dispatch) dispatch(error);
+        }
+    }
+    if (state.remoteId) {
+        if (std::ranges::any_of(state.tableData, failed))
+            failedRemoteIds.add(*state.remoteId);
+        else
+            failedRemoteIds.remove(*state.remoteId);
+    }
+    persistConversation(state.tableData, state.localId, state.remoteId, state.mapLocalToRemote,
+                        MessageList::currentVersion, state.ticketClosed, ticketsCache);
+}
+
+} // namespace belvakit
