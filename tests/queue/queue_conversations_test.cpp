@@ -9,6 +9,7 @@
 #include "belvakit/attachments/cache.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "host_fixture.hpp"
+#include "platform/main_queue.hpp"
 #include "platform/uuid.hpp"
 #include "tivra/state_key.hpp"
 
@@ -150,7 +151,8 @@ std::string openTicket(sandbox::TicketDesk& desk, testing_support::VirtualTime& 
     dastrel::CRVCreateRequest request;
     request.requestDescription = body;
     desk.createRequest(request, [&](std::optional<dastrel::CRVDispatcherResponse> response, auto) {
-        requestId = std::string(boost::json::parse(response.value().data).at("request").at("id").as_string());
+        auto id = std::string(boost::json::parse(response.value().data).at("request").at("id").as_string());
+        platform::MainQueue::shared().async([&requestId, id] { requestId = id; });
     });
     settle(time, [&] { return !requestId.empty(); });
     return requestId;
