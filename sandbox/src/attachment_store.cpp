@@ -52,7 +52,10 @@ void AttachmentStore::answer(std::function<void()> work) const {
         latency = latency_;
         onWorkerThread = answersOnWorkerThreads_;
     }
-    deliverAnswer(latency, onWorkerThread, std::move(work));
+    if (onWorkerThread)
+        deliverAnswer(latency, true, std::move(work));
+    else
+        platform::MainQueue::shared().asyncAfter(latency, std::move(work));
 }
 
 void AttachmentStore::upload(std::optional<std::string> data, std::optional<std::string> filename,
