@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build ccache g++ clang libclang-rt-14-dev
   libboost1.81-dev libboost-json1.81-dev libboost-url1.81-dev
-  libexpat1-dev libicu-dev uuid-dev libpng-dev libjpeg62-turbo-dev
+  libexpat1-dev libicu-dev libpng-dev libjpeg62-turbo-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 
