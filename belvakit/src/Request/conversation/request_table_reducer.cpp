@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <limits>
 #include <set>
+#include <string_view>
 #include <unordered_map>
 
 namespace belvakit {
@@ -138,55 +139,113 @@ Message mergedMessage(const Message& remote, const Message& local) {
     return result;
 }
 
-std::vector<Message> mergeMessages(const std::vector<Message>& remoteMessages, const std::vector<Message>& local,
+namespace {
+
+constexpr std::size_t unpaired = std::numeric_limits<std::size_t>::max();
+
+// Which remote message each local one stands for, and back: a local message pairs with the
+// remote one its id maps to, or that has its id. Pairing everything before the walk is what lets
+// the walk meet a pair in either order and still show it once.
+struct Pairs {
+    std::vector<std::size_t> remoteOfLocal;
+    std::vector<std::size_t> localOfRemote;
+};
+
+Pairs pairMessages(const std::vector<Message>& remote, const std::vector<Message>& local,
+                   const std::map<std::string, std::string>& map) {
+    Pairs pairs{std::vector<std::size_t>(local.size(), unpaired), std::vector<std::size_t>(remote.size(), unpaired)};
+    if (remote.empty()) return pairs;
+    std::unordered_multimap<std::string_view, std::size_t> remoteByKey;
+    remoteByKey.reserve(remote.size() * 2);
+    for (std::size_t j = 0; j < remote.size(); ++j) {
+        const std::string& remoteId = id(remote[j]);
+        const std::string& key = mappedId(remoteId, map);
+        remoteByKey.emplace(key, j);
+        if (&key != &remoteId) remoteByKey.emplace(remoteId, j);
+    }
+    auto take = [&](std::size_t i, std::string_view key) {
+        const auto [first, last] = remoteByKey.equal_range(key);
+        for (auto candidate = first; candidate != last; ++candidate) {
+            const std::size_t j = candidate->second;
+            // A text never stands for an image: both are kept rather than one lost.
+            if (pairs.localOfRemote[j] != unpaired || remote[j].index() != local[i].index()) continue;
+            pairs.localOfRemote[j] = i;
+            pairs.remoteOfLocal[i] = j;
+            return true;
+        }
+        return false;
+    };
+    for (std::size_t i = 0; i < local.size(); ++i) {
+        const std::string& localId = id(local[i]);
+        const std::string& key = mappedId(localId, map);
+        if (!take(i, key) && &key != &localId) take(i, localId);
+    }
+    return pairs;
+}
+
+// The merged form of a pair: the side whose id is a local one keeps its id and its own fields.
+Message mergedPair(const Message& remote, const Message& local, const std::map<std::string, std::string>& map) {
+    if (!map.contains(id(local)) && map.contains(id(remote))) return mergedMessage(local, remote);
+    return mergedMessage(remote, local);
+}
+
+} // namespace
+
+std::vector<Message> mergeMessages(const std::vector<Message>& remote, const std::vector<Message>& local,
                                    const std::map<std::string, std::string>& map) {
-    std::vector<Message> remote = remoteMessages;
+    const Pairs pairs = pairMessages(remote, local, map);
+    std::vector<bool> localDone(local.size(), false);
+    std::vector<bool> remoteDone(remote.size(), false);
     std::vector<Message> result;
     result.reserve(local.size() + remote.size());
+
+    // A local message, merged with its pair if it has one; either way both are done.
+    auto appendLocal = [&](std::size_t i) {
+        const std::size_t j = pairs.remoteOfLocal[i];
+        if (j == unpaired) {
+            result.push_back(local[i]);
+        } else {
+            result.push_back(mergedPair(remote[j], local[i], map));
+            remoteDone[j] = true;
+        }
+        localDone[i] = true;
+    };
+    auto appendRemote = [&](std::size_t j) {
+        const std::size_t i = pairs.localOfRemote[j];
+        if (i == unpaired) {
+            result.push_back(remote[j]);
+            remoteDone[j] = true;
+        } else {
+            appendLocal(i);
+        }
+    };
+
     std::size_t i = 0;
     std::size_t j = 0;
-    const std::string* remoteKey = nullptr;
-    constexpr auto noRemoteKey = std::numeric_limits<std::size_t>::max();
-    std::size_t remoteKeyOf = noRemoteKey;
     while (i < local.size()) {
-        if (j >= remote.size()) {
-            result.insert(result.end(), local.begin() + static_cast<std::ptrdiff_t>(i), local.end());
-            return result;
-        }
-        const Message& localMessage = local[i];
-        if (isAttachment(localMessage)) {
-            // The attachments of one comment come back from the server in any order.
-            if (const auto paired = map.find(id(localMessage)); paired != map.end()) {
-                const auto match = std::find_if(remote.begin(), remote.end(),
-                                                [&](const Message& m) { return id(m) == paired->second; });
-                if (match != remote.end()) {
-                    result.push_back(mergedMessage(*match, localMessage));
-                    remote.erase(match);
-                    remoteKeyOf = noRemoteKey;
-                    ++i;
-                    continue;
-                }
-            }
-        }
-        const Message& remoteMessage = remote[j];
-        // A long local history often meets the same remote row: look its key up once.
-        if (remoteKeyOf != j) {
-            remoteKey = &mappedId(id(remoteMessage), map);
-            remoteKeyOf = j;
-        }
-        if (mappedId(id(localMessage), map) == *remoteKey || id(localMessage) == id(remoteMessage)) {
-            result.push_back(mergedMessage(remoteMessage, localMessage));
+        if (localDone[i]) {
             ++i;
-            ++j;
-        } else if (createdAt(localMessage) < createdAt(remoteMessage)) {
-            result.push_back(localMessage);
-            ++i;
+            continue;
+        }
+        while (j < remote.size() && remoteDone[j]) ++j;
+        if (j == remote.size()) {
+            appendLocal(i++);
+            continue;
+        }
+        const std::size_t pair = pairs.remoteOfLocal[i];
+        // The attachments of one comment come back from the server in any order, so a paired
+        // attachment takes its place in the local order; so does a text paired with the row
+        // under the cursor.
+        if (pair == j || (pair != unpaired && isAttachment(local[i]))) {
+            appendLocal(i++);
+        } else if (createdAt(local[i]) < createdAt(remote[j])) {
+            appendLocal(i++);
         } else {
-            result.push_back(remoteMessage);
-            ++j;
+            appendRemote(j++);
         }
     }
-    result.insert(result.end(), remote.begin() + static_cast<std::ptrdiff_t>(std::min(j, remote.size())), remote.end());
+    for (; j < remote.size(); ++j)
+        if (!remoteDone[j]) appendRemote(j);
     return result;
 }
 
@@ -299,7 +358,9 @@ std::optional<RequestTableState> RequestTableReducer::reduce(const RequestTableS
             loaded.localId = disk->localId;
             return withSetMessages(loaded, disk->messages);
         }
-        // The table already holds messages of this screen: the disk fills in, it doesn't rename.
+        // The table already holds messages of this screen: the disk fills in, it doesn't rename,
+        // and what the table learnt of its sends since stays known.
+        for (const auto& [localId, remoteId] : state.mapLocalToRemote) loaded.mapLocalToRemote[localId] = remoteId;
         return merged(loaded, state.tableData, disk->messages);
     }
     if (const auto* network = actionAs<Actions::MessagesLoadedFromNetwork>(action)) {
