@@ -269,7 +269,7 @@ TEST_P(QueueConversationsTest, ANewTicketLeftDuringItsCreationKeepsItsWaitingCom
 // Random sends and moves between three tickets, under failures, latencies that let answers
 // overtake each other, and agents who reply. Every message ends delivered or failed exactly once,
 // in its own conversation only; each ticket holds exactly its delivered messages, in send order.
-TEST_P(QueueConversationsTest, DISABLED_SoakAcrossConversationsLosesAndMisplacesNothing) {
+TEST_P(QueueConversationsTest, SoakAcrossConversationsLosesAndMisplacesNothing) {
     constexpr unsigned seeds = 60;
     constexpr int stepsPerSeed = 30;
     int deliveredInAll = 0, failedInAll = 0, movesInAll = 0;

@@ -14,6 +14,8 @@
 #include "tivra/state_key.hpp"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
 #include <typeinfo>
 
 namespace belvakit {
@@ -23,8 +25,10 @@ struct RequestQueueMiddleWare::Conversation {
     RequestQueueState state = RequestQueueState::initial();  // touched on requestDispatchQueue only
     // Set once no screen shows the conversation: its table as the screen left it, which takes
     // the outcomes from then on (nothing when the store had no conversation table).
+    // Every visit that left work behind shares one table per conversation, so no visit's outcome
+    // writes back a copy that lacks another's messages.
     bool left = false;
-    std::optional<RequestTableState> table;
+    std::shared_ptr<RequestTableState> table;
 };
 
 namespace {
@@ -38,6 +42,31 @@ std::optional<RequestTableState> shownTable(const tivra::GetState& getState) {
 
 bool sameConversation(const RequestTableState& shown, const RequestTableState& left) {
     return (left.localId && shown.localId == left.localId) || (left.remoteId && shown.remoteId == left.remoteId);
+}
+
+// Takes what `shown` knows into `kept`, losing nothing either holds: a message in both keeps the
+// shown version unless only the kept one has its outcome yet.
+void absorb(RequestTableState& kept, const RequestTableState& shown) {
+    std::unordered_map<std::string_view, std::size_t> index;
+    index.reserve(kept.tableData.size());
+    for (std::size_t i = 0; i < kept.tableData.size(); ++i) index.emplace(id(kept.tableData[i]), i);
+    std::vector<Message> added;
+    for (const auto& message : shown.tableData) {
+        const auto found = index.find(id(message));
+        if (found == index.end()) {
+            added.push_back(message);
+            continue;
+        }
+        Message& known = kept.tableData[found->second];
+        if (status(message) != DeliveryStatus::notDelivered || status(known) == DeliveryStatus::notDelivered)
+            known = message;
+    }
+    kept.tableData.insert(kept.tableData.end(), std::make_move_iterator(added.begin()),
+                          std::make_move_iterator(added.end()));
+    for (const auto& [localId, remoteId] : shown.mapLocalToRemote) kept.mapLocalToRemote[localId] = remoteId;
+    if (!kept.localId) kept.localId = shown.localId;
+    if (!kept.remoteId) kept.remoteId = shown.remoteId;
+    kept.ticketClosed = kept.ticketClosed || shown.ticketClosed;
 }
 
 // The local message whose send an outcome reports; nothing for fetches.
@@ -137,9 +166,20 @@ bool RequestQueueMiddleWare::hasWork(const Conversation& conversation) const {
 }
 
 void RequestQueueMiddleWare::moveOn(const tivra::GetState& getState, const RequestQueueState& state) {
+    auto table = shownTable(getState);
+    std::shared_ptr<RequestTableState> kept;
+    if (table) {
+        auto keptFor = [&](const std::shared_ptr<Conversation>& owner) {
+            if (!kept && owner && owner->left && owner->table && sameConversation(*table, *owner->table))
+                kept = owner->table;
+        };
+        keptFor(running_);
+        for (const auto& owner : owners_) keptFor(owner);
+        if (kept) absorb(*kept, *table);
+    }
     if (hasWork(*shown_)) {
         shown_->left = true;
-        shown_->table = shownTable(getState);
+        shown_->table = kept ? kept : table ? std::make_shared<RequestTableState>(std::move(*table)) : nullptr;
         shown_ = std::make_shared<Conversation>();
     }
     requestDispatchQueue().sync([this, &state] { shown_->state = state; });
