@@ -1,10 +1,14 @@
 #include "belvakit/Request/conversation/message_list.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "fixtures.hpp"
+#include "platform/clock.hpp"
+#include "platform/json.hpp"
 
 #include <boost/json.hpp>
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <random>
 #include <set>
 
 using namespace belvakit;
@@ -241,4 +245,53 @@ TEST(PersistConversation, WritesNothingWithoutAKeyOrForAnUnwritableValue) {
     persistConversation({}, "KEY", std::nullopt, {}, 1, false, cache);
     ASSERT_EQ(cache->stored.size(), 1u);
     EXPECT_FALSE(json::parse(cache->stored[0].second).as_object().contains("remoteRequestId"));
+}
+
+TEST(PersistConversation, StampsThePlatformClockAndReadsEveryDateBackBitForBit) {
+    const auto previous = platform::setWallClock(std::make_shared<platform::FixedWallClock>(1800000000.123456789));
+    auto cache = std::make_shared<RecordingCache>();
+    for (unsigned seed = 1; seed <= 2000; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937_64 random(seed);
+        // Whole doubles of the seconds since 1970 a server or a device may send, any fraction bits.
+        std::uniform_real_distribution<double> date(1.0e9, 2.0e9), size(0.0, 8000.0);
+        std::vector<Message> messages;
+        const int count = 1 + static_cast<int>(random() % 8);
+        for (int i = 0; i < count; ++i) {
+            const auto id = std::to_string(i);
+            switch (random() % 3) {
+            case 0: { auto m = userMessage(id); m.createdAt = date(random); messages.push_back(m); break; }
+            case 1: { auto m = agentImage(id); m.createdAt = date(random);
+                      m.imageSize = {size(random), size(random)}; messages.push_back(m); break; }
+            default: { auto m = userImage(id); m.createdAt = date(random);
+                       m.imageSize = {size(random), size(random)}; messages.push_back(m); break; }
+            }
+        }
+        cache->stored.clear();
+        persistConversation(messages, "KEY", std::nullopt, {}, 1, false, cache);
+        ASSERT_EQ(cache->stored.size(), 1u);
+        const auto root = platform::parseJson(cache->stored[0].second);
+        ASSERT_TRUE(root);
+        ASSERT_EQ(root->as_object().at("timeStamp").as_double(), 1800000000.123456789);
+
+        const auto loaded = load(cache->stored[0].second);
+        ASSERT_EQ(loaded.messages.size(), messages.size());
+        for (std::size_t i = 0; i < messages.size(); ++i) {
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(createdAt(loaded.messages[i])),
+                      std::bit_cast<std::uint64_t>(createdAt(messages[i])))
+                << "message " << i;
+            const auto sizeOf = [](const Message& m) {
+                return std::visit([](const auto& r) -> std::optional<platform::Size> {
+                    if constexpr (requires { r.imageSize; }) return r.imageSize; else return std::nullopt;
+                }, m);
+            };
+            if (const auto original = sizeOf(messages[i])) {
+                const auto back = sizeOf(loaded.messages[i]);
+                ASSERT_TRUE(back);
+                ASSERT_EQ(std::bit_cast<std::uint64_t>(back->width), std::bit_cast<std::uint64_t>(original->width));
+                ASSERT_EQ(std::bit_cast<std::uint64_t>(back->height), std::bit_cast<std::uint64_t>(original->height));
+            }
+        }
+    }
+    platform::setWallClock(previous);
 }

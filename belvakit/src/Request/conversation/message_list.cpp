@@ -1,12 +1,12 @@
 #include "belvakit/Request/conversation/message_list.hpp"
 
 #include "belvakit/attachments/cache.hpp"
+#include "platform/clock.hpp"
 #include "platform/json.hpp"
 
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/value.hpp>
 
-#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -299,10 +299,6 @@ std::optional<std::string> encodeConversation(int version, Date timeStamp, const
     return text;
 }
 
-Date now() {
-    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
 } // namespace
 
 std::string encodeMessage(const Message& message) {
@@ -339,7 +335,7 @@ void persistConversation(const std::vector<Message>& messages, const std::option
     if (!key) return;
     // The send queue owns unsent messages until they succeed or fail.
     const auto sent = [](const Message& message) { return status(message) != DeliveryStatus::notDelivered; };
-    auto bytes = encodeConversation(version, now(), messages, mapLocalToRemote, remoteRequestId, ticketClosed, sent);
+    auto bytes = encodeConversation(version, platform::now(), messages, mapLocalToRemote, remoteRequestId, ticketClosed, sent);
     if (!bytes || !cache) return;
     cache->store(*key, std::move(*bytes));
 }
