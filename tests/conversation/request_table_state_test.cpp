@@ -53,9 +53,14 @@ TEST_F(RequestTableRows, SystemMessageFollowsTheFirstDeliveredTextAndItsAttachme
                                  "We answer within a day");
     EXPECT_EQ(rowIds(state.cellItems), (Strings{"date", "q", "u1", "i1", "i2", "system", "a1"}));
     EXPECT_EQ(id(state.cellItems[5]), platform::base64Encode("We answer within a day"));
-    // Date rows in between aren't counted, so across days the notice lands a row early.
+    // Date rows before the text or between it and its attachments don't move the notice.
     EXPECT_EQ(rowIds(stateWith({agent("a1", t0), agent("a2", t0 + 86400), text("u1", t0 + 86401)}, "N").cellItems),
-              (Strings{"date", "a1", "date", "a2", "system", "u1"}));
+              (Strings{"date", "a1", "date", "a2", "u1", "system"}));
+    EXPECT_EQ(rowIds(stateWith({agent("a1", t0), text("u1", t0 + 86400), image("i1", "u1", t0 + 2 * 86400),
+                                agent("a2", t0 + 3 * 86400)},
+                               "N")
+                         .cellItems),
+              (Strings{"date", "a1", "date", "u1", "date", "i1", "system", "date", "a2"}));
     EXPECT_EQ(rowIds(stateWith({text("u1", t0, DeliveryStatus::failed)}, "N").cellItems), (Strings{"date", "u1"}));
 }
 

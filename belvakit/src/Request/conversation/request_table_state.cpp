@@ -75,13 +75,14 @@ std::vector<CellItem> dateRows(std::vector<Message> grouped) {
 std::vector<CellItem> insertingSystemMessage(std::vector<CellItem> cells, const RequestTableState& state) {
     const auto after = systemMessageAfter(state);
     if (!after) return cells;
-    const auto firstMessage = std::find_if(cells.begin(), cells.end(),
-                                           [](const CellItem& item) { return std::holds_alternative<Message>(item); });
-    const auto first = firstMessage == cells.end() ? 0 : static_cast<std::size_t>(firstMessage - cells.begin());
-    // Right after the row at first + index + attachments, which is the text's last attachment on a
-    // one-day conversation. Only messages are counted, so date rows in between pull it earlier.
-    const auto at = std::min(first + *after + 1, cells.size());
-    cells.insert(cells.begin() + static_cast<std::ptrdiff_t>(at), systemRow(*state.systemMessage));
+    // Right after that message's row, counting message rows only, so date rows never split a
+    // message from its attachments.
+    std::size_t messages = 0;
+    auto at = std::find_if(cells.begin(), cells.end(), [&](const CellItem& item) {
+        return std::holds_alternative<Message>(item) && messages++ == *after;
+    });
+    if (at != cells.end()) ++at;
+    cells.insert(at, systemRow(*state.systemMessage));
     return cells;
 }
 
@@ -98,13 +99,6 @@ std::vector<CellItem> recompute(const std::vector<Message>& tableData, const Req
     std::vector<CellItem> rows;
     // Room for a date row every few dozen messages and the two notices; more days cost one regrowth.
     rows.reserve(tableData.size() + tableData.size() / 32 + 3);
-    std::optional<std::size_t> noticeAt;
-    const auto placeNotice = [&] {
-        if (noticeAt && rows.size() == *noticeAt) {
-            rows.emplace_back(systemRow(*state.systemMessage));
-            noticeAt.reset();
-        }
-    };
     // The running date's day as [start, end), so that one calendar lookup serves all its messages.
     Date runningDate = 0;
     Date dayStart = 0;
@@ -123,11 +117,8 @@ std::vector<CellItem> recompute(const std::vector<Message>& tableData, const Req
         const bool sameDay = knownDay ? dayStart <= date && date < dayEnd : calendar.isSameDay(date, runningDate);
         if (!sameDay) {
             enterDay(date);
-            placeNotice();
             rows.emplace_back(DateItem{platform::base64Encode(platform::dateDescription(date)), date});
         }
-        placeNotice();
-        if (i == 0 && noticeAfter) noticeAt = rows.size() + *noticeAfter + 1;
         const bool endOfGroup = i + 1 == tableData.size() || !continuesGroup(message, tableData[i + 1]);
         std::visit(
             [&](const auto& record) {
@@ -136,8 +127,10 @@ std::vector<CellItem> recompute(const std::vector<Message>& tableData, const Req
                 std::get<Record>(std::get<Message>(row)).isEndOfGroup = endOfGroup;
             },
             message);
+        // The same place as insertingSystemMessage finds.
+        if (noticeAfter && i == *noticeAfter) rows.emplace_back(systemRow(*state.systemMessage));
     }
-    if (noticeAt) rows.emplace_back(systemRow(*state.systemMessage));
+    if (noticeAfter && *noticeAfter >= tableData.size()) rows.emplace_back(systemRow(*state.systemMessage));
     return appendingClosedMessage(std::move(rows), state);
 }
 
