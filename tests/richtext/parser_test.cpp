@@ -136,6 +136,15 @@ TEST(RichRenderParseTest, AnythingThatIsNotOneWellFormedElementGivesNil) {
                                    "<div>a & b</div>", "<b><i>x</b></i>", "<div>x", "  ", "<div>x</div>tail"}) {
         EXPECT_EQ(parsed(html), "nil") << html;
     }
+    // A parser that keeps reporting after its error is declined, not trusted: still no tree.
+    RichRender render;
+    EXPECT_EQ(render.parse("<div>x"), nullptr);
+    platform::XmlParser late("<b/>");
+    render.didStartElement(late, "b", {});
+    render.foundCharacters(late, "text");
+    render.didEndElement(late, "b");
+    EXPECT_NE(render.parse("<div>x</div>"), nullptr);
+    EXPECT_EQ(RichRender::attributedString("<div>x"), std::nullopt);
 }
 
 TEST(RichRenderParseTest, LogsTheInputAndTheError) {
