@@ -6,8 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 using belvakit::SupportUI;
 using platform::LogLevel;
+
+// initialize is the only way to an instance.
+static_assert(!std::is_constructible_v<SupportUI, std::shared_ptr<corvane::Corvane>>);
+static_assert(!std::is_default_constructible_v<SupportUI>);
 
 namespace {
 

@@ -90,3 +90,58 @@ TEST(StateValue, CopiesShareUntilWrittenAndLookupsCheckTheType) {
     EXPECT_FALSE(copy.contains("Extra"));
     EXPECT_EQ(original.count(), 1u);
 }
+
+namespace {
+// Answers every action with an empty value, which removes its slice.
+class Vanishing final : public AnyReducer {
+public:
+    std::vector<ReducerEntry> entries() const override { return {{"b", std::any(2), erased()}}; }
+    std::optional<std::any> reduceErased(const std::any&, const Action&) const override { return std::any(); }
+    ReducingFunction erased() const override {
+        return [this](const std::any& state, const Action& action) { return reduceErased(state, action); };
+    }
+};
+} // namespace
+
+TEST(Reducers, PlusNeverThrowsWhoeverOwnsTheOperandsAndANullAddsNothing) {
+    // Owned by the stack, not by a shared pointer.
+    BlockReducer<int> x(1, "x", [](const int& value, const Action&) { return std::optional(value + 1); });
+    BlockReducer<int> y(2, "y", [](const int&, const Action&) { return std::optional<int>(); });
+    std::shared_ptr<CombinedReducer> both;
+    ASSERT_NO_THROW(both = x + y);
+    ASSERT_NO_THROW(both = both + std::shared_ptr<BlockReducer<int>>());
+    const auto [next, changed] = resultOf(both->reduce(std::any(State{{"x", 1}, {"y", 2}}), Ignored()));
+    EXPECT_EQ(*next.value<int>("x"), 2);
+    EXPECT_EQ(changed, std::vector<std::string>{"x"});
+
+    std::vector<std::string> journal;
+    const auto logged = recording(journal, "m");
+    EXPECT_EQ(logged + std::shared_ptr<Middleware>(), logged);
+    EXPECT_EQ(std::shared_ptr<Middleware>() + logged, logged);
+    EXPECT_EQ(std::shared_ptr<Middleware>() + std::shared_ptr<Middleware>(), nullptr);
+}
+
+TEST(Reducers, AnEmptyAnswerRemovesItsSliceAndLaterSlicesStillReachTheirListeners) {
+    Vanishing vanishing;
+    auto store = Tivra::createStore((*constant("a", 0, 10) + vanishing) + constant("c", 0, 30), passOn());
+    std::vector<int> heardA;
+    std::vector<int> heardC;
+    store->addListener<int>(std::string("a"), nullptr, [&](const int& value) { heardA.push_back(value); });
+    store->addListener<int>(std::string("c"), nullptr, [&](const int& value) { heardC.push_back(value); });
+    store->dispatch(Ignored());
+    EXPECT_EQ(store->state().keys(), (std::vector<std::string>{"a", "c"}));
+    EXPECT_EQ(*store->state().value<int>("c"), 30);
+    EXPECT_EQ(heardA, std::vector<int>{10});
+    EXPECT_EQ(heardC, std::vector<int>{30});
+    store->dispatch(Ignored());
+    EXPECT_EQ(heardC, (std::vector<int>{30, 30}));
+}
+
+TEST(StoreResets, ADynamicValueGoesUnderTheKeyOfTheTypeItHolds) {
+    auto store = Tivra::createStore(counterReducer() + namesReducer(), passOn());
+    store->reset(std::any(Counter{5}));
+    EXPECT_EQ(store->state().valueOfType<Counter>()->value, 5);
+    EXPECT_EQ(store->state().keys(), (std::vector<std::string>{"Counter", "Names"}));
+    store->reset(std::any());
+    EXPECT_EQ(store->state().keys(), (std::vector<std::string>{"Counter", "Names"}));
+}

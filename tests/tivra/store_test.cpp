@@ -320,3 +320,28 @@ TEST(StoreThreads, DispatchFromAnotherThreadRunsOnTheMainThreadAndWaits) {
     EXPECT_TRUE(reducedOnMain);
     EXPECT_EQ(valueSeenByWorker, 3);
 }
+
+TEST(StoreThreads, NextFromAnotherThreadReducesOnTheMainThreadAndNeverReadsAFreedStore) {
+    DispatchFunction next;
+    auto capture = std::make_shared<BlockMiddleware>(
+        [&](const Action&, const GetState&, const DispatchFunction&, const DispatchFunction& given) { next = given; });
+    auto store = twoSliceStore(nullptr, capture);
+    store->dispatch(Ignored());
+    std::atomic<int> heard = 0;
+    std::atomic<int> heardOffMain = 0;
+    store->addListener<Counter>([&](const Counter&) {
+        ++heard;
+        if (!platform::MainQueue::shared().isMainThread()) ++heardOffMain;
+    });
+    std::atomic<int> sent = 0;
+    std::thread worker([&] {
+        for (int i = 0; i < 2000; ++i, ++sent) next(Increment());
+    });
+    testing_support::pumpMainQueueUntil([&] { return sent.load() >= 200; });
+    store.reset();  // while the worker still calls next
+    testing_support::pumpMainQueueUntil([&] { return sent.load() == 2000; });
+    worker.join();
+    EXPECT_EQ(heardOffMain, 0);
+    EXPECT_GE(heard, 200);
+    EXPECT_LT(heard, 2000);
+}

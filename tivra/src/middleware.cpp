@@ -103,6 +103,8 @@ void CombinedMiddleWare::runUnheld(const std::shared_ptr<Link>& link, std::size_
 
 std::shared_ptr<Middleware> operator+(const std::shared_ptr<Middleware>& left,
                                       const std::shared_ptr<Middleware>& right) {
+    // A null operand adds nothing.
+    if (!left || !right) return left ? left : right;
     auto combinedLeft = std::dynamic_pointer_cast<CombinedMiddleWare>(left);
     auto combinedRight = std::dynamic_pointer_cast<CombinedMiddleWare>(right);
     if (combinedLeft && !combinedRight) {

@@ -62,19 +62,26 @@ std::vector<ReducerEntry> CombinedReducer::entries() const {
     return out;
 }
 
-ReducingFunction CombinedReducer::erased() const { return ErasedReducer{shared_from_this()}; }
+ReducingFunction CombinedReducer::erased() const { return ErasedReducer{selfOrBorrowed(*this)}; }
 
 std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right) {
-    std::vector<ReducerEntry> entries = left.entries();
-    for (auto& entry : right.entries()) entries.push_back(std::move(entry));
-    std::shared_ptr<CombinedReducer> combined(new CombinedReducer());
+    return combined(&left, &right);
+}
+
+std::shared_ptr<CombinedReducer> combined(const AnyReducer* left, const AnyReducer* right) {
+    std::vector<ReducerEntry> entries;
+    for (const auto* operand : {left, right}) {
+        if (!operand) continue;
+        for (auto& entry : operand->entries()) entries.push_back(std::move(entry));
+    }
+    std::shared_ptr<CombinedReducer> result(new CombinedReducer());
     for (auto& entry : entries) {
         // The first operand wins on a duplicate key.
-        if (combined->reducers_.contains(entry.stateKey)) continue;
-        combined->states_.emplace(entry.stateKey, std::move(entry.initialState));
-        combined->reducers_.emplace(std::move(entry.stateKey), std::move(entry.reduce));
+        if (result->reducers_.contains(entry.stateKey)) continue;
+        result->states_.emplace(entry.stateKey, std::move(entry.initialState));
+        result->reducers_.emplace(std::move(entry.stateKey), std::move(entry.reduce));
     }
-    return combined;
+    return result;
 }
 
 } // namespace tivra

@@ -3,23 +3,46 @@
 #include "tivra/detail/store_next.hpp"
 
 #include "platform/main_queue.hpp"
+#include "platform/type_name.hpp"
 #include "platform/uuid.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace tivra {
 
 namespace detail {
 
+namespace {
+// The store whose middleware runs innermost on this thread; that run holds it up the stack.
+thread_local const Store* middlewareRunningFor = nullptr;
+
+class MiddlewareRun {
+public:
+    explicit MiddlewareRun(const Store* store) : previous_(std::exchange(middlewareRunningFor, store)) {}
+    ~MiddlewareRun() { middlewareRunningFor = previous_; }
+    MiddlewareRun(const MiddlewareRun&) = delete;
+    MiddlewareRun& operator=(const MiddlewareRun&) = delete;
+
+private:
+    const Store* previous_;
+};
+} // namespace
+
 void StoreNext::operator()(const Action& action) const {
-    if (store.expired()) return;
-    // Within the store's own middleware run the store is held up the stack; called later, it
-    // is held here.
-    if (raw->middlewareDepth_ > 0) {
+    // Only a live store can be running, and two live stores never share an address.
+    if (middlewareRunningFor == raw && !store.expired()) {
         raw->reduceAndNotify(action);
         return;
     }
-    if (auto strong = store.lock()) strong->reduceAndNotify(action);
+    // Called later or from elsewhere: held here for the whole pass, which runs on the main thread.
+    const auto strong = store.lock();
+    if (!strong) return;
+    auto& mainQueue = platform::MainQueue::shared();
+    if (mainQueue.isMainThread())
+        strong->reduceAndNotify(action);
+    else
+        mainQueue.sync([&] { strong->reduceAndNotify(action); });
 }
 
 std::string newListenerId() { return platform::uuidString(); }
@@ -75,9 +98,8 @@ std::shared_ptr<Store> Store::make(State state, ReducingFunction reducer, std::s
         store->dispatchingFunction_ = [weak, middleware = std::move(middleware)](const Action& action) {
             auto strong = weak.lock();
             if (!strong) return;
-            ++strong->middlewareDepth_;
+            const detail::MiddlewareRun run(strong.get());
             middleware->onAction(action, strong->getState_, strong->dispatch_, strong->next_);
-            --strong->middlewareDepth_;
         };
     } else {
         // Held weakly as well: a store nobody refers to has nothing left to dispatch.
@@ -273,6 +295,12 @@ std::vector<Listener> Store::listeners() const {
 }
 
 void Store::reset(std::any state, const std::string& forKey) { state_.set(forKey, std::move(state)); }
+
+void Store::reset(std::any state) {
+    if (!state.has_value()) return;
+    const std::string key = platform::unqualifiedName(state.type());
+    reset(std::move(state), key);
+}
 
 void Store::resetFullState(const State::Dictionary& dictionary) { state_ = State(dictionary); }
 

@@ -23,7 +23,7 @@ void SupportUI::initialize(std::shared_ptr<corvane::Corvane> withCorvane) {
         return;
     }
     dastrel::Support::initialize(withCorvane);
-    auto created = std::make_shared<SupportUI>(std::move(withCorvane));
+    std::shared_ptr<SupportUI> created(new SupportUI(std::move(withCorvane)));
     {
         std::lock_guard lock(instanceMutex);
         sharedInstance() = std::move(created);

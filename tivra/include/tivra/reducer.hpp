@@ -47,6 +47,14 @@ public:
     virtual ReducingFunction erased() const = 0;
 };
 
+// The reducer's own owner when a shared pointer owns it; otherwise a pointer that borrows it, and
+// then whoever owns it keeps it alive for as long as what is built on it.
+template <class R>
+std::shared_ptr<const AnyReducer> selfOrBorrowed(const R& reducer) {
+    if (auto owned = reducer.weak_from_this().lock()) return owned;
+    return std::shared_ptr<const AnyReducer>(std::shared_ptr<const AnyReducer>(), &reducer);
+}
+
 // What `erased()` gives. Whoever recognises it may call the reducer without the function object.
 struct ErasedReducer {
     std::shared_ptr<const AnyReducer> reducer;
@@ -72,7 +80,7 @@ public:
     std::optional<std::any> reduceErased(const std::any& state, const Action& action) const override {
         return reduceWith(state, [&](const S& typed) { return reduce(typed, action); });
     }
-    ReducingFunction erased() const override { return ErasedReducer{this->shared_from_this()}; }
+    ReducingFunction erased() const override { return ErasedReducer{selfOrBorrowed(*this)}; }
 
 protected:
     // A slice of another type passes through unchanged, but counts as changed.
@@ -142,7 +150,7 @@ public:
     std::vector<ReducerEntry> entries() const override;
     ReducingFunction erased() const override;
 
-    friend std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right);
+    friend std::shared_ptr<CombinedReducer> combined(const AnyReducer* left, const AnyReducer* right);
 
 private:
     using Entry = std::map<std::string, ReducingFunction>::value_type;
@@ -163,13 +171,16 @@ private:
     mutable std::vector<Slot> slots_;
 };
 
-// On a duplicate key the left operand wins; operands are never changed.
+// On a duplicate key the left operand wins; operands are never changed. Never throws but for want
+// of memory.
 std::shared_ptr<CombinedReducer> operator+(const AnyReducer& left, const AnyReducer& right);
+// A null operand adds no slices.
+std::shared_ptr<CombinedReducer> combined(const AnyReducer* left, const AnyReducer* right);
 
 template <class L, class R>
     requires std::derived_from<L, AnyReducer> && std::derived_from<R, AnyReducer>
 std::shared_ptr<CombinedReducer> operator+(const std::shared_ptr<L>& left, const std::shared_ptr<R>& right) {
-    return *left + *right;
+    return combined(left.get(), right.get());
 }
 
 } // namespace tivra

@@ -62,6 +62,8 @@ public:
     void reset(T state) {
         reset(std::any(std::move(state)), stateKeyOf<T>());
     }
+    // A dynamic value goes under the key of the type it holds; an empty one changes nothing.
+    void reset(std::any state);
     void reset(std::any state, const std::string& forKey);
     void resetFullState(const State::Dictionary& dictionary);
 
@@ -134,8 +136,6 @@ private:
     std::shared_ptr<const std::map<std::string, ActionListenerFunction>> actionListeners_;
     std::function<void(const Action&)> dispatchingFunction_;
     bool isDispatching_ = false;
-    // Middleware runs of this store on the stack, each holding the store.
-    int middlewareDepth_ = 0;
     // What a middleware is given; they hold the store weakly.
     GetState getState_;
     DispatchFunction dispatch_;

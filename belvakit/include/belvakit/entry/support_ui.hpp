@@ -11,9 +11,6 @@ namespace belvakit {
 // The host's entry to the system: initialise once with the core object, then build screens.
 class SupportUI {
 public:
-    SupportUI() = delete;
-    explicit SupportUI(std::shared_ptr<corvane::Corvane> corvane) : corvane_(std::move(corvane)) {}
-
     // An absent core object logs an error and leaves any earlier instance in place. Otherwise the
     // support providers are set up and a new instance replaces the old one.
     static void initialize(std::shared_ptr<corvane::Corvane> withCorvane);
@@ -29,6 +26,8 @@ public:
     const std::shared_ptr<corvane::Corvane>& corvane() const { return corvane_; }
 
 private:
+    explicit SupportUI(std::shared_ptr<corvane::Corvane> corvane) : corvane_(std::move(corvane)) {}
+
     std::shared_ptr<corvane::Corvane> corvane_;
 };
 
