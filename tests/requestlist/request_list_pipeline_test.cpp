@@ -237,3 +237,38 @@ TEST_F(RequestListPipelineTest, ClosedTicketsShowOnlyWhenTheSettingsAskForThem) 
     EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open, closed}));
     EXPECT_EQ(list().requests[1].requestStatus, RequestStatus::closed);
 }
+
+TEST_F(RequestListPipelineTest, EachStageLeavesItsActionWholeForListenersAndASecondDispatch) {
+    std::vector<RequestListCellData> rows{RequestListCellData::local("t1", "Broken zip", 100, false),
+                                          RequestListCellData::local("t2", "Late order", 200, false)};
+    Actions::RequestsFetched fetched;
+    fetched.requests = rows;
+    fetched.isFromCache = true;
+    std::vector<std::size_t> seenByListener;
+    auto listener = sharedStore()->addActionListener([&](const tivra::Action& action) {
+        if (const auto* merged = tivra::actionAs<Actions::LocalRequestsFetched>(action))
+            seenByListener.push_back(merged->mergedLocalAndRemoteRequestDatums.size());
+        if (const auto* avatars = tivra::actionAs<Actions::FetchAgentAvatars>(action))
+            seenByListener.push_back(avatars->requestDatums.size());
+    });
+    for (int pass = 0; pass < 2; ++pass) {
+        sharedStore()->dispatch(Actions::ClearRequestList{});
+        load(RequestListStateType::LoadedFromCache, [&] { sharedStore()->dispatch(fetched); });
+        EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{"t2", "t1"})) << "pass " << pass;
+        EXPECT_EQ(fetched.requests.get(), rows) << "pass " << pass;
+    }
+    listener.removeListener();
+    EXPECT_EQ(seenByListener, (std::vector<std::size_t>{2, 2, 2, 2}));
+}
+
+TEST_F(RequestListPipelineTest, AFetchWithoutAServiceEndsTheLoadingAsAFailure) {
+    Actions::FetchRequests fetch;
+    fetch.isRefreshing = true;
+    load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(fetch); });
+    EXPECT_EQ(list().error, NetworkError::generic);
+
+    sharedStore()->dispatch(Actions::RefreshRequests{});
+    Actions::FetchAgentAvatars avatars;
+    avatars.requestDatums = {RequestListCellData::local("t1", "Broken zip", 100, false)};
+    load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(avatars); });
+}

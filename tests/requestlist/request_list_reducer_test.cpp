@@ -101,6 +101,11 @@ TEST(RequestListReducer, DeletionsTakeOnlyWholeTickets) {
     EXPECT_EQ(reduce(loaded(), deletion).requests, loaded().requests);
     deletion.isDeletingWholeTicket = true;
     EXPECT_EQ(idsOf(reduce(loaded(), deletion).requests), (std::vector<std::string>{"1", "3"}));
+    // A failed ticket whose last message is an attachment: the attachment names its text.
+    deletion.messages = {UserMessage{.id = "2"}, UserImage{.id = "i", .parentId = "2"}};
+    EXPECT_EQ(idsOf(reduce(loaded(), deletion).requests), (std::vector<std::string>{"1", "3"}));
+    deletion.messages = {UserMessage{.id = "2"}, UserFile{.id = "f", .parentId = "2"}};
+    EXPECT_EQ(idsOf(reduce(loaded(), deletion).requests), (std::vector<std::string>{"1", "3"}));
     deletion.messages.clear();
     EXPECT_EQ(reduce(loaded(), deletion).requests, loaded().requests);
 

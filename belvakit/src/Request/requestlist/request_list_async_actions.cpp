@@ -177,7 +177,7 @@ void FetchRequests::execute(const tivra::GetState&, const tivra::DispatchFunctio
         refresh.refreshing = true;
         dispatch(refresh);
     }
-    if (!service) return;
+    if (!service) return dispatch(RequestsFetchedFailed{});
     service->fetchRequests(cache, [dispatch, requestProvider = provider](
                                       std::optional<dastrel::CRVRequestsWithCommentingAgents> response,
                                       std::optional<NetworkError> error) {
@@ -197,8 +197,10 @@ void FetchRequests::execute(const tivra::GetState&, const tivra::DispatchFunctio
 }
 
 void FetchLocalOnlyRequests::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
-    auto finish = [dispatch, remoteRows = std::move(requestDataFetchedFromNetwork), fromCache = remoteRequestsFromCache,
+    auto finish = [dispatch, shared = requestDataFetchedFromNetwork, fromCache = remoteRequestsFromCache,
                    showClosed = showClosedRequests](std::vector<RequestListCellData> localRows) mutable {
+        // By the time the local rows are read this action is usually gone, and its rows move.
+        auto remoteRows = std::move(shared).take();
         LocalRequestsFetched fetched;
         fetched.mergedLocalAndRemoteRequestDatums = mergedSortedAndFiltered(remoteRows, localRows, showClosed);
         fetched.remoteRequestsFromCache = fromCache;
@@ -210,8 +212,8 @@ void FetchLocalOnlyRequests::execute(const tivra::GetState&, const tivra::Dispat
 }
 
 void FetchAgentAvatars::execute(const tivra::GetState&, const tivra::DispatchFunction& dispatch) const {
-    if (!service) return;
-    service->fetchAgentAvatars(std::move(requestDatums), cache, makeAttachmentsProvider(),
+    if (!service) return dispatch(RequestsFetchedFailed{});
+    service->fetchAgentAvatars(requestDatums, cache, makeAttachmentsProvider(),
                                [dispatch, fromCache = requestsFromCache](std::vector<RequestListCellData> rows) {
                                    RequestsWithAvatarsFetched fetched;
                                    fetched.requests = std::move(rows);

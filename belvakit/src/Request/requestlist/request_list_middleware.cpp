@@ -31,7 +31,7 @@ void RequestListMiddleware::onAction(const tivra::Action& action, const tivra::G
         if (!state) return;
         Actions::FetchLocalOnlyRequests local;
         local.cache = std::move(cache);
-        local.requestDataFetchedFromNetwork = std::move(fetched->requests);
+        local.requestDataFetchedFromNetwork = fetched->requests;
         local.remoteRequestsFromCache = fetched->isFromCache;
         local.showClosedRequests = state->showClosedRequests;
         dispatch(local);
@@ -41,7 +41,7 @@ void RequestListMiddleware::onAction(const tivra::Action& action, const tivra::G
         auto cache = ConcreteCache::named(ConcreteCache::avatarsDirectory);
         if (!cache) return;
         Actions::FetchAgentAvatars avatars;
-        avatars.requestDatums = std::move(merged->mergedLocalAndRemoteRequestDatums);
+        avatars.requestDatums = merged->mergedLocalAndRemoteRequestDatums;
         avatars.cache = std::move(cache);
         avatars.service = service;
         avatars.requestsFromCache = merged->remoteRequestsFromCache;

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
+#include <unordered_set>
 
 namespace belvakit {
 
@@ -11,14 +13,29 @@ namespace {
 
 using tivra::actionAs;
 
-// The rows without those of one ticket; the same rows when it has none.
-RequestListRows withoutTicket(const RequestListRows& rows, const std::string& requestId) {
-    const auto ofTicket = [&](const RequestListCellData& row) { return row.requestId == requestId; };
-    if (std::none_of(rows.begin(), rows.end(), ofTicket)) return rows;
+// The rows without those the predicate picks; the same rows when it picks none.
+template <class Picked>
+RequestListRows without(const RequestListRows& rows, const Picked& picked) {
+    if (std::none_of(rows.begin(), rows.end(), picked)) return rows;
     RequestListRows::Rows kept;
     kept.reserve(rows.size());
-    std::remove_copy_if(rows.begin(), rows.end(), std::back_inserter(kept), ofTicket);
+    std::remove_copy_if(rows.begin(), rows.end(), std::back_inserter(kept), picked);
     return kept;
+}
+
+RequestListRows withoutTicket(const RequestListRows& rows, const std::string& requestId) {
+    return without(rows, [&](const RequestListCellData& row) { return row.requestId == requestId; });
+}
+
+// A failed ticket's row carries the id of its text, which its attachments name as their parent,
+// so the whole ticket's messages find it whatever kind the last one is.
+RequestListRows withoutTicketOf(const RequestListRows& rows, const std::vector<Message>& messages) {
+    std::unordered_set<std::string_view> ids;
+    for (const auto& message : messages) {
+        ids.insert(id(message));
+        if (const auto* parent = parentIdOf(message)) ids.insert(*parent);
+    }
+    return without(rows, [&](const RequestListCellData& row) { return ids.contains(row.requestId); });
 }
 
 // The slice with other rows. Every other field is carried over.
@@ -90,7 +107,7 @@ std::optional<RequestListState> RequestListReducer::reduce(const RequestListStat
     if (const auto* deletion = actionAs<Actions::DeleteMessages>(action)) {
         // Reported as a change even when nothing goes, so listeners still get to look.
         if (!deletion->isDeletingWholeTicket || deletion->messages.empty()) return state;
-        return withRows(state, withoutTicket(state.requests, id(deletion->messages.back())));
+        return withRows(state, withoutTicketOf(state.requests, deletion->messages));
     }
     if (const auto* deletion = actionAs<Actions::DeleteRequestFromList>(action)) {
         return withRows(state, withoutTicket(state.requests, deletion->ticketId));

@@ -53,7 +53,7 @@ constexpr std::size_t noAvatar = static_cast<std::size_t>(-1);
 
 // The avatars of one pass, one slot per URL, gathered on the main queue where the fetcher answers.
 struct AvatarPass {
-    std::vector<RequestListCellData> requests;
+    RequestListRows requests;
     // Each row's slot, or `noAvatar`.
     std::vector<std::size_t> slotOfRow;
     std::vector<platform::ImagePtr> images;
@@ -61,17 +61,18 @@ struct AvatarPass {
     RequestListServiceProtocol::FetchAgentAvatarsCompletion completion;
 
     void finish() {
-        for (std::size_t row = 0; row < requests.size(); ++row) {
+        auto rows = std::move(requests).take();
+        for (std::size_t row = 0; row < rows.size(); ++row) {
             const auto slot = slotOfRow[row];
-            if (slot != noAvatar && images[slot]) requests[row].agentAvatarInfo->avatarImage = images[slot];
+            if (slot != noAvatar && images[slot]) rows[row].agentAvatarInfo->avatarImage = images[slot];
         }
-        completion(std::move(requests));
+        completion(std::move(rows));
     }
 };
 
 } // namespace
 
-void RequestListService::fetchAgentAvatars(std::vector<RequestListCellData> requests, std::shared_ptr<Cache> cache,
+void RequestListService::fetchAgentAvatars(RequestListRows requests, std::shared_ptr<Cache> cache,
                                            std::shared_ptr<AttachmentsProvider> attachmentsProvider,
                                            FetchAgentAvatarsCompletion completion) const {
     auto pass = std::make_shared<AvatarPass>();

@@ -52,15 +52,14 @@ struct MarkRequestAsRead final : tivra::Action {
     RequestListCellData requestData;
 };
 
-// The stages of loading the list; each one's end starts the next. The list's middleware is the
-// last reader of these two, and hands their rows on to the next stage instead of copying thousands.
+// The stages of loading the list; each one's end starts the next, which shares their rows.
 struct RequestsFetched final : tivra::Action {
-    mutable std::vector<RequestListCellData> requests;
+    RequestListRows requests;
     bool isFromCache = false;
 };
 
 struct LocalRequestsFetched final : tivra::Action {
-    mutable std::vector<RequestListCellData> mergedLocalAndRemoteRequestDatums;
+    RequestListRows mergedLocalAndRemoteRequestDatums;
     bool remoteRequestsFromCache = false;
 };
 

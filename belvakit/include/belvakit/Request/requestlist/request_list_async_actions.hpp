@@ -3,6 +3,7 @@
 #include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/queue/request_provider.hpp"
 #include "belvakit/Request/requestlist/request_list_cell_data.hpp"
+#include "belvakit/Request/requestlist/request_list_rows.hpp"
 #include "belvakit/Request/requestlist/request_list_service.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "dastrel/request.hpp"
@@ -24,6 +25,7 @@ struct FetchCachedRequests final : tivra::AsyncAction {
     void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
 };
 
+// Without a service the list's loading ends as a failure.
 struct FetchRequests final : tivra::AsyncAction {
     bool isRefreshing = false;
     std::shared_ptr<const RequestListServiceProtocol> service;
@@ -33,20 +35,19 @@ struct FetchRequests final : tivra::AsyncAction {
     void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
 };
 
-// Adds the tickets only this device knows, then sorts and filters the whole list. Running it
-// takes its rows: the pipeline dispatches each of its stages once.
+// Adds the tickets only this device knows, then sorts and filters the whole list.
 struct FetchLocalOnlyRequests final : tivra::AsyncAction {
     std::shared_ptr<Cache> cache;
-    mutable std::vector<RequestListCellData> requestDataFetchedFromNetwork;
+    RequestListRows requestDataFetchedFromNetwork;
     bool remoteRequestsFromCache = false;
     bool showClosedRequests = false;
 
     void execute(const tivra::GetState& getState, const tivra::DispatchFunction& dispatch) const override;
 };
 
-// Running it takes its rows, as above.
+// Without a service the list's loading ends as a failure.
 struct FetchAgentAvatars final : tivra::AsyncAction {
-    mutable std::vector<RequestListCellData> requestDatums;
+    RequestListRows requestDatums;
     std::shared_ptr<Cache> cache;
     std::shared_ptr<const RequestListServiceProtocol> service;
     bool requestsFromCache = false;

@@ -10,9 +10,9 @@
 
 namespace belvakit {
 
-// The rows of the list as a value whose copies share them: the action that brings thousands of
-// rows and the state that shows them hold the same ones. Rows once made never change; a change
-// to the list makes new rows.
+// The rows of the list as a value whose copies share them: the actions that carry thousands of
+// rows from stage to stage and the state that shows them hold the same ones. Rows once shared
+// never change; a change to the list makes new rows.
 class RequestListRows {
 public:
     using Rows = std::vector<RequestListCellData>;
@@ -21,7 +21,7 @@ public:
     using const_iterator = Rows::const_iterator;
 
     RequestListRows() = default;
-    RequestListRows(Rows rows) : rows_(rows.empty() ? nullptr : std::make_shared<const Rows>(std::move(rows))) {}
+    RequestListRows(Rows rows) : rows_(rows.empty() ? nullptr : std::make_shared<Rows>(std::move(rows))) {}
     RequestListRows(std::initializer_list<RequestListCellData> rows) : RequestListRows(Rows(rows)) {}
 
     const Rows& get() const { return rows_ ? *rows_ : none(); }
@@ -34,6 +34,14 @@ public:
     const RequestListCellData& operator[](std::size_t index) const { return get()[index]; }
     const RequestListCellData& front() const { return get().front(); }
 
+    // The rows to change: moved out when no other copy shares them, else copied.
+    Rows take() && {
+        if (!rows_) return {};
+        Rows taken = rows_.use_count() == 1 ? std::move(*rows_) : *rows_;
+        rows_.reset();
+        return taken;
+    }
+
     // Whether both hold the very same rows, not only equal ones.
     bool shares(const RequestListRows& other) const { return rows_ == other.rows_; }
     bool operator==(const RequestListRows& other) const { return shares(other) || get() == other.get(); }
@@ -45,7 +53,7 @@ private:
     }
 
     // Null when there are no rows.
-    std::shared_ptr<const Rows> rows_;
+    std::shared_ptr<Rows> rows_;
 };
 
 } // namespace belvakit

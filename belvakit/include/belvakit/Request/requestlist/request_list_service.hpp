@@ -1,6 +1,7 @@
 #pragma once
 
 #include "belvakit/Request/requestlist/request_list_cell_data.hpp"
+#include "belvakit/Request/requestlist/request_list_rows.hpp"
 #include "belvakit/Request/requestlist/request_list_state.hpp"
 #include "belvakit/attachments/attachments_provider.hpp"
 #include "belvakit/attachments/cache.hpp"
@@ -33,7 +34,7 @@ public:
     virtual ~RequestListServiceProtocol() = default;
     virtual void fetchRequests(std::shared_ptr<Cache> cache, FetchRequestsCompletion completion) const = 0;
     // The completion gets the rows in their order, each agent's image filled in where one could be had.
-    virtual void fetchAgentAvatars(std::vector<RequestListCellData> requests, std::shared_ptr<Cache> cache,
+    virtual void fetchAgentAvatars(RequestListRows requests, std::shared_ptr<Cache> cache,
                                    std::shared_ptr<AttachmentsProvider> attachmentsProvider,
                                    FetchAgentAvatarsCompletion completion) const = 0;
 };
@@ -46,7 +47,7 @@ public:
     // `auth`, then `generic`, so those who act on `auth` run before the list shows its error.
     void fetchRequests(std::shared_ptr<Cache> cache, FetchRequestsCompletion completion) const override;
     // Each avatar URL is fetched once, however many rows show it.
-    void fetchAgentAvatars(std::vector<RequestListCellData> requests, std::shared_ptr<Cache> cache,
+    void fetchAgentAvatars(RequestListRows requests, std::shared_ptr<Cache> cache,
                            std::shared_ptr<AttachmentsProvider> attachmentsProvider,
                            FetchAgentAvatarsCompletion completion) const override;
 };
