@@ -160,6 +160,27 @@ TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {
     EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Failed to cache item ../escaped"), 1);
 }
 
+TEST(ConcreteCache, AKeyTooLongForAFileNameIsKeptUnderItsDigest) {
+    TemporaryDirectory root;
+    const auto cache = cacheIn(root.path(), true);
+    const std::string longName(300, 'n');
+    const auto key = fileCacheKey("12", longName);
+    const auto sibling = fileCacheKey("13", longName);
+    cache->store(key, "bytes");
+    cache->store(sibling, "other");
+    drain(*cache);
+    const auto file = cache->fileURL(key);
+    ASSERT_TRUE(file);
+    EXPECT_LE(file->filename().string().size(), 255u);
+    EXPECT_EQ(file->parent_path(), cache->path());
+    EXPECT_NE(cache->fileURL(sibling), file);
+    EXPECT_EQ(cache->read(key), "bytes");
+    EXPECT_EQ(fetchNow(*cache, key).bytes, "bytes");
+    EXPECT_EQ(cache->readEntries({key, sibling}), (std::vector<std::optional<std::string>>{"bytes", "other"}));
+    // A second cache object of the directory finds the same file.
+    EXPECT_EQ(cacheIn(root.path(), true)->fileURL(key), file);
+}
+
 TEST(ConcreteCache, AnUnwritableDirectoryLogsAndAnswersNothing) {
     TemporaryDirectory root;
     ASSERT_TRUE(platform::writeFileAtomically(root.path() + "/blocked", "a file where the directory should be"));

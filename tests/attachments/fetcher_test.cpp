@@ -65,27 +65,28 @@ AgentImage imageMessage() {
 
 } // namespace
 
-TEST(FileFetcher, StoresNewBytesUnderTheFileKeyAndMarksTheMessageDownloadedEvenOnAFailure) {
+TEST(FileFetcher, MarksDownloadedOnlyWhenBytesCameAndWritesAFileOnce) {
     Fixture f;
+    std::vector<Message> results;
+    const auto keep = [&](Message message) { results.push_back(std::move(message)); };
+    FileFetcher{nullptr, f.cache}.fetch(fileMessage(), keep);
     const FileFetcher fetcher{f.provider, f.cache};
-    std::optional<Message> result;
-    fetcher.fetch(fileMessage(), [&](Message message) { result = std::move(message); });
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(std::get<UserFile>(*result).downloaded) << "a network failure still completes";
+    fetcher.fetch(fileMessage(), keep);
+    fetcher.fetch(UserMessage{.id = "1"}, keep);
+    ASSERT_EQ(results.size(), 3u) << "every fetch ends, also without a provider or a file";
+    EXPECT_FALSE(std::get<UserFile>(results[0]).downloaded);
+    EXPECT_FALSE(std::get<UserFile>(results[1]).downloaded) << "the download failed";
     drain(*f.cache);
     EXPECT_FALSE(f.cache->fileURL("12_data_ab.pdf"));
 
+    // Two downloads of one file close together: the first bytes stay, written once.
+    results.clear();
     f.provider->bytes["https://belva.example.com/f/12"] = "%PDF-1";
-    result.reset();
-    fetcher.fetch(fileMessage(), [&](Message message) { result = std::move(message); });
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(std::get<UserFile>(*result).downloaded);
-    drain(*f.cache);
-    EXPECT_EQ(platform::readFile(f.cache->path() / "12_data_ab.pdf"), "%PDF-1");
-
-    // An existing entry is not written again.
+    fetcher.fetch(fileMessage(), keep);
     f.provider->bytes["https://belva.example.com/f/12"] = "%PDF-2";
-    fetcher.fetch(fileMessage(), [](Message) {});
+    fetcher.fetch(fileMessage(), keep);
+    ASSERT_EQ(results.size(), 2u);
+    EXPECT_TRUE(std::get<UserFile>(results[0]).downloaded);
     drain(*f.cache);
     EXPECT_EQ(platform::readFile(f.cache->path() / "12_data_ab.pdf"), "%PDF-1");
 }
@@ -118,16 +119,23 @@ TEST(ImageFetcher, ACachedThumbnailNeedsNoNetwork) {
     EXPECT_TRUE(f.provider->requested.empty());
 }
 
-TEST(ImageFetcher, BytesThatAreNoImageGiveNoCompletion) {
+TEST(ImageFetcher, WithoutAnImageTheMessageComesBackAsItWas) {
     Fixture f;
     f.provider->bytes["https://belva.example.com/t/30"] = "not an image";
-    const ImageFetcher fetcher{f.provider, f.cache};
-    bool called = false;
-    fetcher.fetch(imageMessage(), true, [&](Message) { called = true; });
-    testing_support::pumpMainQueueUntil([&] { return !f.provider->requested.empty(); });
+    std::vector<Message> results;
+    const auto keep = [&](Message message) { results.push_back(std::move(message)); };
+    ImageFetcher{f.provider, f.cache}.fetch(imageMessage(), true, keep);  // bytes that are no image
+    ImageFetcher{f.provider, f.cache}.fetch(imageMessage(), false, keep);  // no bytes
+    ImageFetcher{nullptr, nullptr}.fetch(imageMessage(), true, keep);       // no provider
+    ImageFetcher{f.provider, f.cache}.fetch(UserMessage{.id = "1"}, true, keep);
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return results.size() == 4; }));
+    for (const auto& message : results) {
+        if (const auto* image = std::get_if<AgentImage>(&message)) {
+            EXPECT_EQ(image->image, nullptr);
+            EXPECT_EQ(image->thumbnailImage, nullptr);
+        }
+    }
     drain(*f.cache);
-    platform::MainQueue::shared().runPending();
-    EXPECT_FALSE(called);
     EXPECT_FALSE(f.cache->fileURL("30_thumbnail_shot.png"));
 }
 
@@ -156,6 +164,47 @@ TEST(AttachmentFetcher, AsksOnceForEachAttachmentAndTakesFilesFromTheCacheOnly) 
     for (const auto& message : filled)
         if (const auto* file = std::get_if<UserFile>(&message)) sawDownloadedFile = file->downloaded && file->id == "12";
     EXPECT_TRUE(sawDownloadedFile);
+}
+
+TEST(AttachmentFetcher, AFailedKeyIsAskedForAgainOnlyAfterAGrowingWait) {
+    testing_support::VirtualTime time;
+    Fixture f;
+    AttachmentFetcher fetcher(FileFetcher{f.provider, f.cache}, ImageFetcher{f.provider, f.cache});
+    std::vector<Message> filled;
+    fetcher.setCallback([&](const Message& message) { filled.push_back(message); });
+    const std::vector<Message> table{imageMessage()};
+    const auto requests = [&] {
+        drain(*f.cache);
+        platform::MainQueue::shared().runPending();
+        drain(*f.cache);
+        platform::MainQueue::shared().runPending();
+        std::lock_guard lock(f.provider->mutex);
+        return f.provider->requested.size();
+    };
+    // Redraws right after a failure don't ask again.
+    fetcher.fetchAttachments(table);
+    EXPECT_EQ(requests(), 1u);
+    for (int redraw = 0; redraw < 5; ++redraw) fetcher.fetchAttachments(table);
+    EXPECT_EQ(requests(), 1u);
+    EXPECT_EQ(fetcher.attachmentsFetched().at(thumbnailCacheKey("30", "shot.png")), false);
+
+    time.advance(AttachmentFetcher::firstRetryDelay);
+    fetcher.fetchAttachments(table);
+    EXPECT_EQ(requests(), 2u);
+    // The second failure waits twice as long.
+    time.advance(AttachmentFetcher::firstRetryDelay);
+    fetcher.fetchAttachments(table);
+    EXPECT_EQ(requests(), 2u);
+    time.advance(AttachmentFetcher::firstRetryDelay);
+    f.provider->bytes["https://belva.example.com/t/30"] = pngOf(2, 2);
+    fetcher.fetchAttachments(table);
+    EXPECT_EQ(requests(), 3u);
+    ASSERT_EQ(filled.size(), 1u);
+    EXPECT_NE(std::get<AgentImage>(filled[0]).thumbnailImage, nullptr);
+    // Once it came, it is not asked for again.
+    time.advance(AttachmentFetcher::longestRetryDelay);
+    fetcher.fetchAttachments(table);
+    EXPECT_EQ(requests(), 3u);
 }
 
 TEST(ImageEncoding, KeepsTheSmallerEncodingOfTheUprightImage) {

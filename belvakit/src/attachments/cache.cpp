@@ -2,6 +2,7 @@
 
 #include "corvane/core_logger.hpp"
 #include "corvane/corvane.hpp"
+#include "platform/digest.hpp"
 #include "platform/files.hpp"
 #include "platform/main_queue.hpp"
 
@@ -65,9 +66,33 @@ bool isFileName(const std::string& key) {
            key.find('\0') == std::string::npos;
 }
 
-std::optional<std::filesystem::path> fileIn(const std::filesystem::path& directory, const std::string& key) {
+// File systems take names of up to 255 bytes. A longer key is named by its digest, so that what
+// it stands for is still cached, and found again, under one stable name.
+constexpr std::size_t longestFileName = 255;
+
+std::optional<std::string> fileNameOf(const std::string& key) {
     if (!isFileName(key)) return std::nullopt;
-    return directory / key;
+    if (key.size() > longestFileName) return "long-key-" + platform::sha1Hex(key);
+    return key;
+}
+
+std::optional<std::filesystem::path> fileIn(const std::filesystem::path& directory, const std::string& key) {
+    const auto name = fileNameOf(key);
+    if (!name) return std::nullopt;
+    return directory / *name;
+}
+
+// Writes unless an entry exists and may not be replaced; on the cache's queue.
+void write(const std::filesystem::path& directory, const std::string& key, const std::string& bytes,
+           bool allowOverwrite) {
+    const auto file = fileIn(directory, key);
+    std::error_code error;
+    if (file && std::filesystem::exists(*file, error) && !allowOverwrite) {
+        CoreLogger::verbose("Cache already contains: " + key);
+        return;
+    }
+    CoreLogger::verbose("Caching: " + key);
+    if (!file || !platform::writeFileAtomically(*file, bytes)) CoreLogger::verbose("Failed to cache item " + key);
 }
 
 } // namespace
@@ -76,15 +101,22 @@ void ConcreteCache::store(const std::string& key, std::string bytes) {
     // The work holds copies, not the cache, so that it may outlive the cache object; it holds the
     // queue, so that a cache object made meanwhile finds this queue and reads after the write.
     queue_->async([queue = queue_, directory = path_, allowOverwrite = allowOverwrite_, key, bytes = std::move(bytes)] {
+        write(directory, key, bytes, allowOverwrite);
+    });
+}
+
+void ConcreteCache::storeIfAbsent(const std::string& key, std::string bytes) {
+    // The look and the write are one step on the queue, so two stores of one file write it once.
+    queue_->async([queue = queue_, directory = path_, key, bytes = std::move(bytes)] {
         const auto file = fileIn(directory, key);
         std::error_code error;
-        if (file && std::filesystem::exists(*file, error) && !allowOverwrite) {
-            CoreLogger::verbose("Cache already contains: " + key);
-            return;
-        }
-        CoreLogger::verbose("Caching: " + key);
-        if (!file || !platform::writeFileAtomically(*file, bytes)) CoreLogger::verbose("Failed to cache item " + key);
+        if (file && std::filesystem::exists(*file, error)) return;
+        write(directory, key, bytes, true);
     });
+}
+
+void Cache::storeIfAbsent(const std::string& key, std::string bytes) {
+    if (!fileURL(key)) store(key, std::move(bytes));
 }
 
 std::optional<std::string> Cache::read(const std::string& key) const {
@@ -114,7 +146,10 @@ std::vector<std::optional<std::string>> ConcreteCache::readEntries(const std::ve
     const platform::OpenDirectory directory(path_);
     std::vector<std::optional<std::string>> entries;
     entries.reserve(keys.size());
-    for (const auto& key : keys) entries.push_back(isFileName(key) ? directory.readFile(key) : std::nullopt);
+    for (const auto& key : keys) {
+        const auto name = fileNameOf(key);
+        entries.push_back(name ? directory.readFile(*name) : std::nullopt);
+    }
     return entries;
 }
 

@@ -3,6 +3,9 @@
 #include "belvakit/attachments/cache_keys.hpp"
 #include "belvakit/attachments/image_encoding.hpp"
 #include "platform/image_codec.hpp"
+#include "platform/main_queue.hpp"
+
+#include <algorithm>
 
 namespace belvakit {
 
@@ -53,16 +56,28 @@ void keepEncoded(Cache& cache, const ImageSource& source, bool thumbnail, const 
     cache.store(imageCacheKey(source.id, source.filename), std::move(encoded->data));
 }
 
+// Without a provider, bytes or a decodable image the message comes back as it was.
 void fetchFromNetwork(const std::shared_ptr<AttachmentsProvider>& provider, const std::shared_ptr<Cache>& cache,
                       const Message& message, const ImageSource& source, bool thumbnail, MessageCompletion completion) {
-    if (!provider) return;
+    if (!provider) return completion(message);
     provider->getAttachment(source.url, [cache, message, source, thumbnail, completion = std::move(completion)](
                                             std::optional<std::string> data, std::optional<dastrel::ProviderError>) {
         const auto image = data ? platform::decodeImage(*data) : nullptr;
-        if (!image) return;
+        if (!image) return completion(message);
         if (cache) keepEncoded(*cache, source, thumbnail, image);
         completion(withImage(message, thumbnail, image));
     });
+}
+
+bool hasImage(const Message& message, bool thumbnail) {
+    return std::visit(
+        [&](const auto& record) {
+            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                return (thumbnail ? record.thumbnailImage : record.image) != nullptr;
+            else
+                return false;
+        },
+        message);
 }
 
 } // namespace
@@ -72,18 +87,19 @@ void FileFetcher::fetch(const Message& fileMessage, MessageCompletion completion
         [&](const auto& record) {
             using Record = std::decay_t<decltype(record)>;
             if constexpr (FileMessage<Record>) {
-                if (!attachmentsProvider) return;
+                if (!attachmentsProvider) return completion(fileMessage);
                 attachmentsProvider->getAttachment(
                     record.attachmentUrl, [record, cache = cache, completion = std::move(completion)](
                                               std::optional<std::string> data, std::optional<dastrel::ProviderError>) {
-                        if (data && cache) {
-                            const auto key = fileCacheKey(record.id, record.filename);
-                            if (!cache->fileURL(key)) cache->store(key, std::move(*data));
-                        }
+                        // Downloaded means the bytes are here: a failed download can be tapped again.
+                        if (!data) return completion(Message(record));
+                        if (cache) cache->storeIfAbsent(fileCacheKey(record.id, record.filename), std::move(*data));
                         Record downloaded = record;
                         downloaded.downloaded = true;
                         completion(Message(std::move(downloaded)));
                     });
+            } else {
+                completion(fileMessage);
             }
         },
         fileMessage);
@@ -91,7 +107,7 @@ void FileFetcher::fetch(const Message& fileMessage, MessageCompletion completion
 
 void ImageFetcher::fetch(const Message& imageMessage, bool thumbnail, MessageCompletion completion) const {
     const auto source = imageSource(imageMessage, thumbnail);
-    if (!source) return;
+    if (!source) return completion(imageMessage);
     if (!cache) {
         fetchFromNetwork(attachmentsProvider, cache, imageMessage, *source, thumbnail, std::move(completion));
         return;
@@ -108,29 +124,68 @@ void ImageFetcher::fetch(const Message& imageMessage, bool thumbnail, MessageCom
     });
 }
 
+AttachmentFetcher::AttachmentFetcher(FileFetcher fileFetcher, ImageFetcher imageFetcher)
+    : fileFetcher_(std::move(fileFetcher)),
+      imageFetcher_(std::move(imageFetcher)),
+      keys_(std::make_shared<Keys>()) {}
+
+bool AttachmentFetcher::Keys::begin(const std::string& key) {
+    const auto fetched = state.find(key);
+    if (fetched != state.end()) {
+        if (fetched->second) return false;
+        const auto failure = failures.find(key);
+        if (failure != failures.end() && platform::MainQueue::shared().scheduler().now() < failure->second.retryAt)
+            return false;
+    }
+    state[key] = true;
+    return true;
+}
+
+void AttachmentFetcher::Keys::end(const std::string& key, bool succeeded) {
+    if (succeeded) {
+        failures.erase(key);
+        return;
+    }
+    // Each failure doubles the wait before the key may be asked for again, up to a cap, so that
+    // redraws after a failure don't ask a failing server again and again.
+    auto& failure = failures[key];
+    const auto wait = std::min(firstRetryDelay * (1 << std::min(failure.count, 16)), longestRetryDelay);
+    ++failure.count;
+    failure.retryAt = platform::MainQueue::shared().scheduler().now() + wait;
+    state[key] = false;
+}
+
 void AttachmentFetcher::fetchAttachments(const std::vector<Message>& messages, bool thumbnails) {
+    // Ends are noted on the main queue, where fetches begin; the fetcher may be gone by then.
+    const auto finished = [weakKeys = std::weak_ptr<Keys>(keys_), callback = callback_](
+                              const std::string& key, std::optional<Message> filled) {
+        platform::MainQueue::shared().async([weakKeys, callback, key, filled = std::move(filled)] {
+            if (auto keys = weakKeys.lock()) keys->end(key, filled.has_value());
+            if (filled && callback) callback(*filled);
+        });
+    };
     for (const auto& message : messages) {
         std::visit(
             [&](const auto& record) {
                 using Record = std::decay_t<decltype(record)>;
                 if constexpr (FileMessage<Record>) {
+                    if (!fileFetcher_.cache) return;
                     const auto key = fileCacheKey(record.id, record.filename);
-                    if (attachmentsFetched_.contains(key) || !fileFetcher_.cache) return;
-                    attachmentsFetched_[key] = true;
-                    fileFetcher_.cache->fetch(key, [record, callback = callback_](std::optional<std::string> bytes) {
-                        if (!bytes) return;
+                    if (!keys_->begin(key)) return;
+                    fileFetcher_.cache->fetch(key, [record, key, finished](std::optional<std::string> bytes) {
+                        if (!bytes) return finished(key, std::nullopt);
                         Record downloaded = record;
                         downloaded.downloaded = true;
-                        if (callback) callback(Message(std::move(downloaded)));
+                        finished(key, Message(std::move(downloaded)));
                     });
                 } else if constexpr (ImageMessage<Record>) {
                     if (thumbnails ? record.thumbnailImage != nullptr : record.image != nullptr) return;
                     const auto key = thumbnails ? thumbnailCacheKey(record.id, record.filename)
                                                 : imageCacheKey(record.id, record.filename);
-                    if (attachmentsFetched_.contains(key)) return;
-                    attachmentsFetched_[key] = true;
-                    imageFetcher_.fetch(message, thumbnails, [callback = callback_](Message filled) {
-                        if (callback) callback(filled);
+                    if (!keys_->begin(key)) return;
+                    imageFetcher_.fetch(message, thumbnails, [key, thumbnails, finished](Message filled) {
+                        if (!hasImage(filled, thumbnails)) return finished(key, std::nullopt);
+                        finished(key, std::move(filled));
                     });
                 }
             },

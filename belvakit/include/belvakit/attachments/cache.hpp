@@ -26,6 +26,9 @@ public:
     virtual std::optional<std::filesystem::path> fileURL(const std::string& key) const = 0;
     // Runs the block on the cache's queue, after the work already given to it.
     virtual void run(std::function<void()> block) = 0;
+    // Stores unless an entry exists. This default looks on the calling thread; a cache with a
+    // queue looks and writes in one step on it.
+    virtual void storeIfAbsent(const std::string& key, std::string bytes);
     // The bytes of an entry, read on the calling thread: for blocks that `run` gave to the queue.
     virtual std::optional<std::string> read(const std::string& key) const;
     // The same for many entries at once, in the keys' order.
@@ -55,6 +58,7 @@ public:
     void fetch(const std::string& key, FetchCompletion completion) override;
     std::optional<std::filesystem::path> fileURL(const std::string& key) const override;
     void run(std::function<void()> block) override;
+    void storeIfAbsent(const std::string& key, std::string bytes) override;
     std::optional<std::string> read(const std::string& key) const override;
     // The directory is opened once for all of them.
     std::vector<std::optional<std::string>> readEntries(const std::vector<std::string>& keys) const override;
