@@ -103,4 +103,4 @@ void baseline(benchmark::State& run) {
 
 } // namespace
 
-std::vector<bench::Metric> bench::storeMetrics() { return {{"dispatch", 3.0, measured, baseline, nullptr}}; }
+std::vector<bench::Metric> bench::storeMetrics() { return {{"dispatch", 8.0, measured, baseline, nullptr}}; }
