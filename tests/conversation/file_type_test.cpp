@@ -1,5 +1,6 @@
 #include "belvakit/Request/conversation/file_type.hpp"
 #include "belvakit/Request/conversation/message_list.hpp"
+#include "belvakit/resources/image_resources.hpp"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +23,19 @@ TEST(FileType, RawValuesAndTableRows) {
     // HEIC travels as JPEG.
     EXPECT_EQ(extension(FileType::heic), "jpeg");
     EXPECT_EQ(mimeType(FileType::heic), "image/jpeg");
-    EXPECT_NE(icon(FileType::pdf), nullptr);
+}
+
+TEST(FileType, EveryCaseHasARealIconAndAMissingResourceIsAnEmptyImage) {
+    for (const auto type : allFileTypes) {
+        const auto image = icon(type);
+        ASSERT_NE(image, nullptr);
+        EXPECT_GT(image->width, 0) << iconName(type);
+        EXPECT_EQ(image->rgba, resourceImage(iconName(type))->rgba) << iconName(type);
+    }
+    EXPECT_NE(icon(FileType::pdf)->rgba, icon(FileType::doc)->rgba);
+    EXPECT_EQ(icon(FileType::png)->rgba, icon(FileType::heic)->rgba);
+    EXPECT_EQ(resourceImage("noSuchIcon"), nullptr);
+    EXPECT_EQ(resourceImage(""), nullptr);
 }
 
 // URLs compare the extension exactly, MIME types ignore case.

@@ -1,5 +1,7 @@
 #include "belvakit/Request/conversation/file_type.hpp"
 
+#include "belvakit/resources/image_resources.hpp"
+
 #include <algorithm>
 #include <cctype>
 #include <string>
@@ -56,9 +58,9 @@ std::string_view extension(FileType type) { return info(type).extension; }
 std::string_view mimeType(FileType type) { return info(type).mimeType; }
 std::string_view iconName(FileType type) { return info(type).icon; }
 
-platform::ImagePtr icon(FileType) {
-    // The library ships no bitmap icons on this platform; the screens draw by `iconName`.
-    return std::make_shared<const platform::Image>();
+platform::ImagePtr icon(FileType type) {
+    auto image = resourceImage(iconName(type));
+    return image ? image : std::make_shared<const platform::Image>();
 }
 
 FileType fileTypeFromURL(std::string_view url) {

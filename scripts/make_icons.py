@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Draws the file-type icons of conversation rows as PNG resources of the library.
+
+Run from the repository root; writes belvakit/resources/images/<name>.png. The output is
+committed, so a build needs no Python: run this again only to change the icons.
+"""
+import os
+import struct
+import zlib
+
+SIZE = 48
+OUT = os.path.join("belvakit", "resources", "images")
+
+# 3x5 glyphs, rows top to bottom, "1" is ink.
+GLYPHS = {
+    "A": ["010", "101", "111", "101", "101"], "C": ["011", "100", "100", "100", "011"],
+    "D": ["110", "101", "101", "101", "110"], "E": ["111", "100", "110", "100", "111"],
+    "F": ["111", "100", "110", "100", "100"], "G": ["011", "100", "101", "101", "011"],
+    "I": ["111", "010", "010", "010", "111"], "K": ["101", "101", "110", "101", "101"],
+    "L": ["100", "100", "100", "100", "111"], "M": ["101", "111", "111", "101", "101"],
+    "N": ["101", "111", "111", "111", "101"], "O": ["010", "101", "101", "101", "010"],
+    "P": ["110", "101", "110", "100", "100"], "S": ["011", "100", "010", "001", "110"],
+    "T": ["111", "010", "010", "010", "010"], "U": ["101", "101", "101", "101", "111"],
+    "X": ["101", "101", "010", "101", "101"], "Y": ["101", "101", "010", "010", "010"],
+}
+
+# Name: (label, band colour)
+ICONS = {
+    "iconMessageImg": ("IMG", (52, 152, 219)),
+    "iconMessagePdf": ("PDF", (214, 48, 49)),
+    "iconMessageText": ("TXT", (99, 110, 114)),
+    "iconMessageWord": ("DOC", (41, 98, 255)),
+    "iconMessageExcel": ("XLS", (39, 174, 96)),
+    "iconMessagePp": ("PPT", (230, 126, 34)),
+    "iconMessageKeynote": ("KEY", (0, 122, 255)),
+    "iconMessagePages": ("PAG", (255, 149, 0)),
+    "iconMessageNumbers": ("NUM", (52, 199, 89)),
+}
+
+PAGE = (255, 255, 255, 255)
+EDGE = (170, 176, 182, 255)
+FOLD = (220, 224, 228, 255)
+LINE = (206, 210, 214, 255)
+CLEAR = (0, 0, 0, 0)
+
+
+def draw(label, band):
+    pixels = [[CLEAR] * SIZE for _ in range(SIZE)]
+    left, right, top, bottom, fold = 8, 39, 3, 44, 10
+
+    def put(x, y, colour):
+        if 0 <= x < SIZE and 0 <= y < SIZE:
+            pixels[y][x] = colour
+
+    # The page, its corner folded down.
+    for y in range(top, bottom + 1):
+        for x in range(left, right + 1):
+            if x - (right - fold) > y - top:
+                continue
+            edge = x in (left, right) or y in (top, bottom) or x - (right - fold) == y - top
+            put(x, y, EDGE if edge else PAGE)
+    for y in range(top, top + fold + 1):
+        for x in range(right - fold, right + 1):
+            if x - (right - fold) <= y - top and (y == top + fold or x == right - fold):
+                put(x, y, EDGE)
+            elif x - (right - fold) < y - top:
+                put(x, y, FOLD)
+    # Lines of text on the page.
+    for y in (17, 21, 25):
+        for x in range(left + 5, right - 4):
+            put(x, y, LINE)
+    # The band with the label.
+    for y in range(30, 41):
+        for x in range(left - 4, right + 5):
+            put(x, y, band + (255,))
+    scale = 2
+    width = len(label) * 3 * scale + (len(label) - 1) * scale
+    x0 = (SIZE - width) // 2
+    for index, char in enumerate(label):
+        for row, bits in enumerate(GLYPHS[char]):
+            for column, bit in enumerate(bits):
+                if bit != "1":
+                    continue
+                for dy in range(scale):
+                    for dx in range(scale):
+                        put(x0 + index * 4 * scale + column * scale + dx, 31 + row * scale + dy, PAGE)
+    return pixels
+
+
+def png(pixels):
+    raw = b"".join(b"\x00" + b"".join(bytes(p) for p in row) for row in pixels)
+
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data) & 0xFFFFFFFF)
+
+    header = struct.pack(">IIBBBBB", SIZE, SIZE, 8, 6, 0, 0, 0)
+    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(raw, 9)) + chunk(b"IEND", b"")
+
+
+def main():
+    os.makedirs(OUT, exist_ok=True)
+    for name, (label, band) in ICONS.items():
+        with open(os.path.join(OUT, name + ".png"), "wb") as out:
+            out.write(png(draw(label, band)))
+
+
+if __name__ == "__main__":
+    main()
