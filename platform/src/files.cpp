@@ -83,7 +83,8 @@ std::optional<std::string> OpenDirectory::readFile(const std::string& name) cons
 bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
     std::error_code error;
     if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), error);
-    const std::filesystem::path temporary = path.string() + ".tmp-" + uuidString();
+    // Named apart from the target, so that a target name near the file system's limit still fits.
+    const std::filesystem::path temporary = path.parent_path() / (".tmp-" + uuidString());
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
         if (!out) return false;

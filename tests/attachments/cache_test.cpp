@@ -163,6 +163,9 @@ TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {
 TEST(ConcreteCache, AKeyTooLongForAFileNameIsKeptUnderItsDigest) {
     TemporaryDirectory root;
     const auto cache = cacheIn(root.path(), true);
+    // Near the limit the name itself serves; beyond it, its digest.
+    const auto nearLimit = fileCacheKey("11", std::string(240, 'n'));
+    cache->store(nearLimit, "near");
     const std::string longName(300, 'n');
     const auto key = fileCacheKey("12", longName);
     const auto sibling = fileCacheKey("13", longName);
@@ -177,6 +180,8 @@ TEST(ConcreteCache, AKeyTooLongForAFileNameIsKeptUnderItsDigest) {
     EXPECT_EQ(cache->read(key), "bytes");
     EXPECT_EQ(fetchNow(*cache, key).bytes, "bytes");
     EXPECT_EQ(cache->readEntries({key, sibling}), (std::vector<std::optional<std::string>>{"bytes", "other"}));
+    EXPECT_EQ(cache->fileURL(nearLimit), cache->path() / nearLimit);
+    EXPECT_EQ(cache->read(nearLimit), "near");
     // A second cache object of the directory finds the same file.
     EXPECT_EQ(cacheIn(root.path(), true)->fileURL(key), file);
 }

@@ -54,6 +54,9 @@ TEST(Merge, OrdinaryConversationsKeepTheirOrder) {
     // Rows fetched before come back once.
     const std::vector<Message> known{text("L1", t0), reply("200", t0 + 40)};
     EXPECT_EQ(ids(merged(known, {reply("200", t0 + 40), reply("300", t0 + 90)}, map)), (Strings{"L1", "200", "300"}));
+    // An attachment paired only by its id keeps its date's place, like any unmapped row.
+    EXPECT_EQ(ids(merged({image("a5", "p", t0 + 10)}, {reply("X", t0), image("a5", "p", t0 + 10)}, {})),
+              (Strings{"X", "a5"}));
     // A text never merges into an image: both stay.
     EXPECT_EQ(ids(merged({text("L1", t0)}, {image("100", "99", t0 + 1)}, map)), (Strings{"L1", "100"}));
 }
@@ -145,10 +148,34 @@ TEST(Merge, EveryMessageShowsExactlyOnceOverGeneratedConversations) {
         Actions::SetMessages set;
         set.messages = g.local;
         state = *reducer->reduce(state, set);
-        state.mapLocalToRemote = g.map;
-        Actions::MergeMessages merge;
-        merge.messages = g.remote;
-        const auto result = reducer->reduce(state, merge)->tableData;
+        // Every action that merges into a filled table: the map learnt by the table, or brought by
+        // the disk along with its messages.
+        std::vector<Message> result;
+        switch (seed % 3) {
+        case 0: {
+            state.mapLocalToRemote = g.map;
+            Actions::MergeMessages merge;
+            merge.messages = g.remote;
+            result = reducer->reduce(state, merge)->tableData;
+            break;
+        }
+        case 1: {
+            state.mapLocalToRemote = g.map;
+            Actions::MessagesLoadedFromNetwork network;
+            network.requestId = "T";
+            network.messages = g.remote;
+            result = reducer->reduce(state, network)->tableData;
+            break;
+        }
+        default: {
+            Actions::MessagesLoadedFromDisk disk;
+            disk.localId = "K";
+            disk.messages = g.remote;
+            disk.mapLocalToRemote = g.map;
+            result = reducer->reduce(state, disk)->tableData;
+            break;
+        }
+        }
 
         std::map<std::string, int> shown;
         for (const auto& message : result) ++shown[id(message)];

@@ -61,6 +61,9 @@ TEST_F(RequestTableRows, SystemMessageFollowsTheFirstDeliveredTextAndItsAttachme
                                "N")
                          .cellItems),
               (Strings{"date", "a1", "date", "u1", "date", "i1", "system", "date", "a2"}));
+    // An attachment a merge put after another row still comes before the notice.
+    EXPECT_EQ(rowIds(stateWith({text("u1", t0), agent("a1", t0), image("i1", "u1", t0)}, "N").cellItems),
+              (Strings{"date", "u1", "a1", "i1", "system"}));
     EXPECT_EQ(rowIds(stateWith({text("u1", t0, DeliveryStatus::failed)}, "N").cellItems), (Strings{"date", "u1"}));
 }
 

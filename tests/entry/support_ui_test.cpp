@@ -14,6 +14,7 @@ using platform::LogLevel;
 // initialize is the only way to an instance.
 static_assert(!std::is_constructible_v<SupportUI, std::shared_ptr<corvane::Corvane>>);
 static_assert(!std::is_default_constructible_v<SupportUI>);
+static_assert(!std::is_copy_constructible_v<SupportUI> && !std::is_move_constructible_v<SupportUI>);
 
 namespace {
 

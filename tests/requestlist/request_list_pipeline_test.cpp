@@ -1,10 +1,12 @@
 #include "../queue/host_fixture.hpp"
 #include "belvakit/Request/conversation/message_list.hpp"
 #include "belvakit/Request/queue/local_id_store.hpp"
+#include "belvakit/Request/queue/request_provider.hpp"
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_async_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_state.hpp"
 #include "belvakit/entry/shared_store.hpp"
+#include "corvane/corvane.hpp"
 #include "platform/image_codec.hpp"
 #include "test_support.hpp"
 
@@ -259,6 +261,30 @@ TEST_F(RequestListPipelineTest, EachStageLeavesItsActionWholeForListenersAndASec
     }
     listener.removeListener();
     EXPECT_EQ(seenByListener, (std::vector<std::size_t>{2, 2, 2, 2}));
+}
+
+namespace {
+// Answers with neither tickets nor an error.
+class SilentService final : public RequestListServiceProtocol {
+public:
+    void fetchRequests(std::shared_ptr<Cache>, FetchRequestsCompletion completion) const override {
+        completion(std::nullopt, std::nullopt);
+    }
+    void fetchAgentAvatars(RequestListRows, std::shared_ptr<Cache>, std::shared_ptr<AttachmentsProvider>,
+                           FetchAgentAvatarsCompletion) const override {}
+};
+} // namespace
+
+TEST_F(RequestListPipelineTest, AFetchThatCannotStartOrGetsNoAnswerEndsTheLoadingAsAFailure) {
+    Actions::FetchRequests silent;
+    silent.service = std::make_shared<SilentService>();
+    silent.provider = makeRequestProvider();
+    load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(silent); });
+
+    // Last, as the core object stays gone for the rest of the test.
+    corvane::Corvane::reset();
+    sharedStore()->dispatch(Actions::RefreshRequests{});
+    load(RequestListStateType::ErroredFromNetwork, [&] { fetchCached(); });
 }
 
 TEST_F(RequestListPipelineTest, AFetchWithoutAServiceEndsTheLoadingAsAFailure) {

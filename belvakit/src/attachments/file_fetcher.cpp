@@ -90,9 +90,10 @@ void FileFetcher::fetch(const Message& fileMessage, MessageCompletion completion
                 if (!attachmentsProvider) return completion(fileMessage);
                 attachmentsProvider->getAttachment(
                     record.attachmentUrl, [record, cache = cache, completion = std::move(completion)](
-                                              std::optional<std::string> data, std::optional<dastrel::ProviderError>) {
+                                              std::optional<std::string> data,
+                                              std::optional<dastrel::ProviderError> error) {
                         // Downloaded means the bytes are here: a failed download can be tapped again.
-                        if (!data) return completion(Message(record));
+                        if (!data || error) return completion(Message(record));
                         if (cache) cache->storeIfAbsent(fileCacheKey(record.id, record.filename), std::move(*data));
                         Record downloaded = record;
                         downloaded.downloaded = true;

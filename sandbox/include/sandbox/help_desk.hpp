@@ -30,7 +30,8 @@ public:
     std::shared_ptr<corvane::Corvane> initializeCorvane(std::shared_ptr<corvane::Identity> identity);
 
     const Options& options() const { return options_; }
-    // Every provider of this desk answers on worker threads, as real ones do.
+    // The ticket and attachment providers of this desk answer on worker threads, as real ones do;
+    // settings keep answering on the main queue.
     void setAnswersOnWorkerThreads(bool onWorkerThreads) const;
     // Uploads and the files the help desk serves.
     const std::shared_ptr<AttachmentStore>& attachments() const { return attachments_; }

@@ -11,6 +11,8 @@ namespace belvakit {
 // The host's entry to the system: initialise once with the core object, then build screens.
 class SupportUI {
 public:
+    SupportUI(const SupportUI&) = delete;
+    SupportUI& operator=(const SupportUI&) = delete;
     // An absent core object logs an error and leaves any earlier instance in place. Otherwise the
     // support providers are set up and a new instance replaces the old one.
     static void initialize(std::shared_ptr<corvane::Corvane> withCorvane);

@@ -233,10 +233,11 @@ std::vector<Message> mergeMessages(const std::vector<Message>& remote, const std
             continue;
         }
         const std::size_t pair = pairs.remoteOfLocal[i];
-        // The attachments of one comment come back from the server in any order, so a paired
-        // attachment takes its place in the local order; so does a text paired with the row
+        // The attachments of one comment come back from the server in any order, so a mapped
+        // attachment takes its place in the local order; so does any message paired with the row
         // under the cursor.
-        if (pair == j || (pair != unpaired && isAttachment(local[i]))) {
+        const bool mappedAttachment = pair != unpaired && isAttachment(local[i]) && map.contains(id(local[i]));
+        if (pair == j || mappedAttachment) {
             appendLocal(i++);
         } else if (createdAt(local[i]) < createdAt(remote[j])) {
             appendLocal(i++);

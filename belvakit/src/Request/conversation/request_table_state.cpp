@@ -27,12 +27,14 @@ std::optional<std::size_t> systemMessageAfter(const RequestTableState& state) {
     const auto& messages = state.tableData;
     const auto delivered = std::find_if(messages.begin(), messages.end(), isDeliveredUserText);
     if (delivered == messages.end()) return std::nullopt;
+    // After the text and the last of its attachments, wherever a merge put them.
     const std::string& parent = id(*delivered);
-    const auto attachments = std::count_if(messages.begin(), messages.end(), [&](const Message& m) {
-        const auto* parentId = parentIdOf(m);
-        return parentId && *parentId == parent;
-    });
-    return static_cast<std::size_t>(delivered - messages.begin()) + static_cast<std::size_t>(attachments);
+    std::size_t after = static_cast<std::size_t>(delivered - messages.begin());
+    for (std::size_t index = after + 1; index < messages.size(); ++index) {
+        const auto* parentId = parentIdOf(messages[index]);
+        if (parentId && *parentId == parent) after = index;
+    }
+    return after;
 }
 
 } // namespace

@@ -213,10 +213,12 @@ void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::Dis
     }
 }
 
-void RequestQueueMiddleWare::process() {
+void RequestQueueMiddleWare::process() { processNext(true); }
+
+void RequestQueueMiddleWare::processNext(bool reportCompletion) {
     if (running_) return;  // its completion runs this again
     if (requestOperations_.empty()) {
-        if (dispatch_) dispatch_(RequestQueueActions::QueueCompleted{});
+        if (reportCompletion && dispatch_) dispatch_(RequestQueueActions::QueueCompleted{});
         return;
     }
     auto operation = std::move(requestOperations_.front());
@@ -245,12 +247,16 @@ void RequestQueueMiddleWare::complete(std::uint64_t run, const tivra::Action& re
     }
     auto owner = std::move(running_);
     requestDispatchQueue().sync([&owner, &result] { owner->state = reduce(owner->state, result); });
+    const auto startsBefore = runs_;
     if (!owner->left) {
         if (dispatch_) dispatch_(result);
     } else {
         keepForLeftConversation(*owner, result);
     }
-    process();
+    // A listener that sent meanwhile started the next operation, and its end reports the end.
+    if (runs_ != startsBefore) return;
+    // The end of a left conversation's work is no end of what the screen shown now sends.
+    processNext(!owner->left);
 }
 
 void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation, const tivra::Action& result) {

@@ -183,8 +183,7 @@ void FetchRequests::execute(const tivra::GetState&, const tivra::DispatchFunctio
                                       std::optional<NetworkError> error) {
         if (error == NetworkError::generic) return dispatch(RequestsFetchedFailed{});
         if (error == NetworkError::auth) return dispatch(RequestsFetchedFailedWIthAuthError{});
-        if (!response) return;
-        if (!requestProvider) return dispatch(RequestsFetchedFailed{});
+        if (!response || !requestProvider) return dispatch(RequestsFetchedFailed{});
         requestProvider->getUpdatesForDevice([dispatch, response = std::move(*response)](
                                           std::optional<dastrel::RequestUpdates> updates) {
             if (!updates) return dispatch(RequestsFetchedFailed{});

@@ -14,21 +14,26 @@ void RequestListMiddleware::onAction(const tivra::Action& action, const tivra::G
     if (tivra::actionAs<Actions::FetchRequestListSettingsSuccess>(action)) {
         // The fetch starts before the reducer sees the settings.
         auto provider = makeRequestProvider();
-        if (auto cache = ConcreteCache::named(ConcreteCache::ticketsDirectory)) {
-            Actions::FetchRequests fetch;
-            fetch.service = service;
-            fetch.provider = std::move(provider);
-            fetch.cache = std::move(cache);
-            dispatch(fetch);
+        auto cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
+        if (!cache) {
+            // Nothing can be fetched: the loading the settings start ends at once, as a failure.
+            next(action);
+            dispatch(Actions::RequestsFetchedFailed{});
+            return;
         }
+        Actions::FetchRequests fetch;
+        fetch.service = service;
+        fetch.provider = std::move(provider);
+        fetch.cache = std::move(cache);
+        dispatch(fetch);
         next(action);
         return;
     }
     if (const auto* fetched = tivra::actionAs<Actions::RequestsFetched>(action)) {
         auto cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
-        if (!cache) return;
-        const auto* state = getState().value<RequestListState>(tivra::stateKeyOf<RequestListState>());
-        if (!state) return;
+        const tivra::State current = getState();
+        const auto* state = current.value<RequestListState>(tivra::stateKeyOf<RequestListState>());
+        if (!cache || !state) return dispatch(Actions::RequestsFetchedFailed{});
         Actions::FetchLocalOnlyRequests local;
         local.cache = std::move(cache);
         local.requestDataFetchedFromNetwork = fetched->requests;
@@ -39,7 +44,14 @@ void RequestListMiddleware::onAction(const tivra::Action& action, const tivra::G
     }
     if (const auto* merged = tivra::actionAs<Actions::LocalRequestsFetched>(action)) {
         auto cache = ConcreteCache::named(ConcreteCache::avatarsDirectory);
-        if (!cache) return;
+        if (!cache) {
+            // Without a place for avatars the rows still show, without them.
+            Actions::RequestsWithAvatarsFetched rows;
+            rows.requests = merged->mergedLocalAndRemoteRequestDatums;
+            rows.requestListStateType = merged->remoteRequestsFromCache ? RequestListStateType::LoadedFromCache
+                                                                        : RequestListStateType::LoadedFromNetwork;
+            return dispatch(rows);
+        }
         Actions::FetchAgentAvatars avatars;
         avatars.requestDatums = merged->mergedLocalAndRemoteRequestDatums;
         avatars.cache = std::move(cache);

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
-#include <unordered_set>
 
 namespace belvakit {
 
@@ -27,15 +25,11 @@ RequestListRows withoutTicket(const RequestListRows& rows, const std::string& re
     return without(rows, [&](const RequestListCellData& row) { return row.requestId == requestId; });
 }
 
-// A failed ticket's row carries the id of its text, which its attachments name as their parent,
-// so the whole ticket's messages find it whatever kind the last one is.
-RequestListRows withoutTicketOf(const RequestListRows& rows, const std::vector<Message>& messages) {
-    std::unordered_set<std::string_view> ids;
-    for (const auto& message : messages) {
-        ids.insert(id(message));
-        if (const auto* parent = parentIdOf(message)) ids.insert(*parent);
-    }
-    return without(rows, [&](const RequestListCellData& row) { return ids.contains(row.requestId); });
+// A failed ticket's row carries the id of its text, which an attachment names as its parent, so
+// the last message finds the row whatever its kind.
+const std::string& requestIdOf(const Message& message) {
+    const auto* parent = parentIdOf(message);
+    return parent ? *parent : id(message);
 }
 
 // The slice with other rows. Every other field is carried over.
@@ -107,7 +101,7 @@ std::optional<RequestListState> RequestListReducer::reduce(const RequestListStat
     if (const auto* deletion = actionAs<Actions::DeleteMessages>(action)) {
         // Reported as a change even when nothing goes, so listeners still get to look.
         if (!deletion->isDeletingWholeTicket || deletion->messages.empty()) return state;
-        return withRows(state, withoutTicketOf(state.requests, deletion->messages));
+        return withRows(state, withoutTicket(state.requests, requestIdOf(deletion->messages.back())));
     }
     if (const auto* deletion = actionAs<Actions::DeleteRequestFromList>(action)) {
         return withRows(state, withoutTicket(state.requests, deletion->ticketId));

@@ -41,8 +41,8 @@ void RequestListService::fetchRequests(std::shared_ptr<Cache> cache, FetchReques
             completion(std::move(response), std::nullopt);
             return;
         }
-        if (!error) return;
-        if (error->code == 401) completion(std::nullopt, NetworkError::auth);
+        // An answer with neither is a failure too: the list must not wait for ever.
+        if (error && error->code == 401) completion(std::nullopt, NetworkError::auth);
         completion(std::nullopt, NetworkError::generic);
     });
 }

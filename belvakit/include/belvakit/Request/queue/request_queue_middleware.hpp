@@ -54,6 +54,7 @@ private:
     // The shown conversation's work goes on without a screen; what comes next belongs to a new
     // conversation in `state`.
     void moveOn(const tivra::GetState& getState, const RequestQueueState& state);
+    void processNext(bool reportCompletion);
     void complete(std::uint64_t run, const tivra::Action& result);
     void keepForLeftConversation(Conversation& conversation, const tivra::Action& result);
     const platform::SerialQueue& requestDispatchQueue() const;
