@@ -38,6 +38,8 @@ std::optional<FontDescriptor> FontDescriptor::withSymbolicTraits(SymbolicTraits 
 
 Font Font::systemFont(double pointSize) { return Font(catalogue.front(), pointSize); }
 
+Font Font::boldSystemFont(double pointSize) { return *named(".System-Bold", pointSize); }
+
 std::optional<Font> Font::named(std::string_view name, double pointSize) {
     const auto* face = findFace([&](const FontFace& candidate) { return candidate.name == name; });
     if (!face) return std::nullopt;

@@ -44,6 +44,7 @@ private:
 class Font {
 public:
     static Font systemFont(double pointSize);
+    static Font boldSystemFont(double pointSize);
     // Nothing when the catalogue has no face of that name.
     static std::optional<Font> named(std::string_view name, double pointSize);
     // A point size of 0 keeps the descriptor's.

@@ -1,0 +1,89 @@
+#include "uikit/text_measurer.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+
+namespace uikit {
+
+namespace {
+
+double pointSizeAt(const platform::AttributedString& text, std::size_t index, bool& bold) {
+    const auto* font = text.length() > 0 ? text.attributesAt(index).get<platform::Font>(platform::AttributeName::font)
+                                         : nullptr;
+    bold = font && (font->symbolicTraits() & platform::FontTrait::bold);
+    return font ? font->pointSize() : 17;
+}
+
+} // namespace
+
+Size FixedWidthTextMeasurer::measure(const platform::AttributedString& text, double maxWidth, int maxLines) const {
+    const std::string& bytes = text.string();
+    if (bytes.empty()) return {0, 0};
+    double widest = 0;
+    double lineWidth = 0;
+    double lineHeight = 0;
+    double height = 0;
+    int lines = 0;
+    double wordWidth = 0;  // of the word being read, not yet placed
+    double wordHeight = 0;
+    const auto endLine = [&] {
+        widest = std::max(widest, lineWidth);
+        height += lineHeight;
+        ++lines;
+        lineWidth = 0;
+        lineHeight = 0;
+    };
+    const auto placeWord = [&] {
+        if (lineWidth > 0 && lineWidth + wordWidth > maxWidth) endLine();
+        lineWidth += wordWidth;
+        lineHeight = std::max(lineHeight, wordHeight);
+        wordWidth = 0;
+        wordHeight = 0;
+    };
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        if ((byte & 0xC0) == 0x80) continue;  // one advance per character
+        bool bold = false;
+        const double size = pointSizeAt(text, i, bold);
+        const double advance = size * (bold ? 0.55 : 0.5);
+        const double high = std::ceil(size * 1.2);
+        if (bytes[i] == '\n') {
+            placeWord();
+            lineHeight = std::max(lineHeight, high);
+            endLine();
+            continue;
+        }
+        wordWidth += advance;
+        wordHeight = std::max(wordHeight, high);
+        if (bytes[i] == ' ') placeWord();
+    }
+    placeWord();
+    if (lineWidth > 0 || lineHeight > 0) endLine();
+    if (maxLines > 0 && lines > maxLines) {
+        // Only the first lines show; their height is what the text takes.
+        height = height / lines * maxLines;
+    }
+    return {std::ceil(std::min(widest, maxWidth)), std::ceil(height)};
+}
+
+namespace {
+std::mutex measurerMutex;
+std::shared_ptr<const TextMeasurer>& installed() {
+    static std::shared_ptr<const TextMeasurer> measurer = std::make_shared<FixedWidthTextMeasurer>();
+    return measurer;
+}
+} // namespace
+
+const TextMeasurer& textMeasurer() {
+    std::lock_guard lock(measurerMutex);
+    return *installed();
+}
+
+std::shared_ptr<const TextMeasurer> setTextMeasurer(std::shared_ptr<const TextMeasurer> measurer) {
+    std::lock_guard lock(measurerMutex);
+    if (!measurer) measurer = std::make_shared<FixedWidthTextMeasurer>();
+    return std::exchange(installed(), std::move(measurer));
+}
+
+} // namespace uikit

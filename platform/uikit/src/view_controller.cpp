@@ -1,0 +1,159 @@
+#include "uikit/view_controller.hpp"
+
+#include "uikit/animation.hpp"
+#include "uikit/navigation_controller.hpp"
+#include "uikit/window.hpp"
+
+#include <algorithm>
+
+namespace uikit {
+
+ViewController::ViewController() = default;
+
+ViewController::~ViewController() {
+    if (view_) view_->setViewController(nullptr);
+    for (const auto& child : children_) child->parent_ = nullptr;
+    if (presented_) presented_->presenting_ = nullptr;
+}
+
+const View::Ptr& ViewController::view() {
+    if (!view_) {
+        loadView();
+        if (!view_) view_ = make<View>();
+        view_->setViewController(this);
+        viewDidLoad();
+    }
+    return view_;
+}
+
+void ViewController::loadView() {
+    const Window* key = Window::keyWindow();
+    view_ = make<View>(Rect({}, key ? key->environment().size : Environment{}.size));
+    view_->setBackgroundColor(platform::Color::white());
+}
+
+void ViewController::beginAppearanceTransition(bool appearing, bool animated) {
+    if (appearing == visible_ && !appearing_) return;
+    appearing_ = true;
+    if (appearing)
+        viewWillAppear(animated);
+    else
+        viewWillDisappear(animated);
+    for (const auto& child : children_)
+        if (child->isViewLoaded() && child->view()->superview()) child->beginAppearanceTransition(appearing, animated);
+    visible_ = appearing;
+}
+
+void ViewController::endAppearanceTransition() {
+    if (!appearing_) return;
+    appearing_ = false;
+    if (visible_)
+        viewDidAppear(false);
+    else
+        viewDidDisappear(false);
+    for (const auto& child : children_) child->endAppearanceTransition();
+    if (!visible_) movingFromParent_ = false;
+}
+
+void ViewController::addChildViewController(const Ptr& child) {
+    if (!child || child.get() == this) return;
+    child->removeFromParentViewController();
+    child->willMoveToParentViewController(this);
+    children_.push_back(child);
+    child->parent_ = this;
+}
+
+void ViewController::removeFromParentViewController() {
+    ViewController* parent = parent_;
+    if (!parent) return;
+    const Ptr keep = shared_from_this();
+    auto& list = parent->children_;
+    list.erase(std::remove(list.begin(), list.end(), keep), list.end());
+    parent_ = nullptr;
+    didMoveToParentViewController(nullptr);
+}
+
+NavigationController* ViewController::navigationController() const {
+    for (ViewController* parent = parent_; parent; parent = parent->parent_)
+        if (auto* navigation = dynamic_cast<NavigationController*>(parent)) return navigation;
+    return nullptr;
+}
+
+void ViewController::presentViewController(const Ptr& controller, bool animated, std::function<void()> completion) {
+    if (!controller || presented_) return;
+    Window* window = view()->window();
+    if (!window) return;
+    presented_ = controller;
+    controller->presenting_ = this;
+    const Rect full = window->bounds();
+    const bool sheet = controller->modalPresentationStyle_ == 2 && window->environment().idiom == UserInterfaceIdiom::pad;
+    const Rect target = sheet ? Rect(full.midX() - 270, full.midY() - 310, 540, 620) : full;
+    const auto& shown = controller->view();
+    shown->setFrame(animated ? target.offsetBy(0, full.height()) : target);
+    controller->beginAppearanceTransition(true, animated);
+    window->addSubview(shown);
+    auto finish = [controller, completion = std::move(completion)](bool) {
+        controller->endAppearanceTransition();
+        if (completion) completion();
+    };
+    if (animated)
+        Animation::animate(0.3, [&] { shown->setFrame(target); }, std::move(finish));
+    else
+        finish(true);
+}
+
+void ViewController::dismissViewController(bool animated, std::function<void()> completion) {
+    // Asked of the presented screen, it goes to its presenter, as on the platform.
+    if (!presented_ && presenting_) {
+        presenting_->dismissViewController(animated, std::move(completion));
+        return;
+    }
+    const Ptr leaving = presented_;
+    if (!leaving) return;
+    leaving->beingDismissed_ = true;
+    leaving->beginAppearanceTransition(false, animated);
+    auto finish = [self = shared_from_this(), leaving, completion = std::move(completion)](bool) {
+        leaving->view()->removeFromSuperview();
+        leaving->endAppearanceTransition();
+        leaving->beingDismissed_ = false;
+        leaving->presenting_ = nullptr;
+        if (self->presented_ == leaving) self->presented_ = nullptr;
+        if (completion) completion();
+    };
+    if (animated) {
+        const auto& view = leaving->view();
+        Animation::animate(0.3, [&] { view->setFrame(view->frame().offsetBy(0, view->frame().height())); },
+                           std::move(finish));
+    } else {
+        finish(true);
+    }
+}
+
+EdgeInsets ViewController::safeAreaInsets() const {
+    EdgeInsets insets;
+    if (view_) {
+        if (const Window* window = view_->window()) {
+            const EdgeInsets windowInsets = window->environment().safeAreaInsets;
+            // Only the part of the window's insets that this view lies under.
+            const Rect inWindow = view_->convert(view_->bounds(), nullptr);
+            insets.top = std::max(0.0, windowInsets.top - inWindow.minY());
+            insets.left = std::max(0.0, windowInsets.left - inWindow.minX());
+            insets.right = std::max(0.0, inWindow.maxX() - (window->bounds().width() - windowInsets.right));
+            insets.bottom = std::max(0.0, inWindow.maxY() - (window->bounds().height() - windowInsets.bottom));
+        }
+    }
+    if (auto* navigation = navigationController(); navigation && !navigation->isNavigationBarHidden() && view_) {
+        const auto& bar = navigation->navigationBar();
+        const Rect barInView = bar->convert(bar->bounds(), view_.get());
+        insets.top = std::max(insets.top, barInView.maxY());
+    }
+    return insets;
+}
+
+void ViewController::runLayout(const std::function<void()>& layout) {
+    viewWillLayoutSubviews();
+    layout();
+    viewDidLayoutSubviews();
+}
+
+} // namespace uikit
