@@ -6,6 +6,7 @@
 #include <boost/container/small_vector.hpp>
 
 #include <cctype>
+#include <cstdint>
 #include <cmath>
 #include <map>
 #include <optional>
@@ -78,6 +79,39 @@ struct Solving {
     Axis x, y;
 };
 
+
+// The order in which a solve fixed each value, kept by the container: while the constraints and
+// the views they place stay the same, a new size of the container replays it instead of searching.
+struct Plan {
+    enum : std::uint8_t { forward, backward, intrinsicWidth, intrinsicHeight };
+    struct Step {
+        std::uint8_t kind;
+        std::uint16_t index;  // of the constraint, or of the item for an intrinsic size
+    };
+    std::vector<Step> steps;
+    std::vector<const LayoutConstraint*> constraints;
+    std::vector<View*> items;
+
+    template <class Items>
+    void snapshot(const View& container, const Items& solved) {
+        for (const auto& constraint : container.constraints())
+            if (constraint->isActive()) constraints.push_back(constraint.get());
+        for (const auto& item : solved) items.push_back(item.view);
+    }
+    template <class Items>
+    bool fits(const View& container, const Items& solving) const {
+        std::size_t next = 0;
+        for (const auto& constraint : container.constraints()) {
+            if (!constraint->isActive()) continue;
+            if (next == constraints.size() || constraints[next++] != constraint.get()) return false;
+        }
+        if (next != constraints.size() || solving.size() != items.size()) return false;
+        for (std::size_t i = 0; i < items.size(); ++i)
+            if (solving[i].view != items[i]) return false;
+        return true;
+    }
+};
+
 class Solver {
 public:
     explicit Solver(View& container) : container_(container) {}
@@ -85,10 +119,25 @@ public:
     void run() {
         collect();
         if (items_.empty()) return;
-        for (int round = 0; round < 3; ++round) {
-            for (int pass = 0; pass < 8 && equalities(); ++pass) {
+        auto* plan = static_cast<Plan*>(container_.layoutPlan().get());
+        if (!(plan && plan->fits(container_, items_) && replay(*plan))) {
+            resetAxes();
+            Plan recorded;
+            recording_ = &recorded;
+            for (int round = 0; round < 3; ++round) {
+                for (int pass = 0; pass < 8 && equalities(); ++pass) {
+                }
+                if (!intrinsicSizes()) break;
             }
-            if (!intrinsicSizes()) break;
+            recording_ = nullptr;
+            // A system that solved cleanly solves the same way while only numbers change; a conflict
+            // is solved afresh each time, so it keeps being reported.
+            if (conflict_) {
+                container_.layoutPlan().reset();
+            } else {
+                recorded.snapshot(container_, items_);
+                container_.layoutPlan() = std::make_shared<Plan>(std::move(recorded));
+            }
         }
         inequalities();
         place();
@@ -171,9 +220,43 @@ private:
         return true;
     }
 
+    void resetAxes() {
+        for (auto& item : items_) item.x = item.y = Axis{};
+        for (auto& c : active_) c.settled = false;
+    }
+
+    // Runs the recorded steps on today's numbers; false when one no longer applies.
+    bool replay(const Plan& plan) {
+        for (const auto& step : plan.steps) {
+            if (step.kind == Plan::intrinsicWidth || step.kind == Plan::intrinsicHeight) {
+                Solving& item = items_[step.index];
+                const Size natural = item.view->intrinsicContentSize();
+                const double size = step.kind == Plan::intrinsicWidth ? natural.width : natural.height;
+                if (size < 0) return false;
+                (step.kind == Plan::intrinsicWidth ? item.x : item.y).size = size;
+                continue;
+            }
+            const Active& c = active_[step.index];
+            const bool forward = step.kind == Plan::forward;
+            const auto known = forward ? (c.second ? value(c.second, c.secondAttribute) : std::optional(0.0))
+                                       : value(c.first, c.firstAttribute);
+            if (!known) return false;
+            const double multiplier = c.second ? c.multiplier : 0;
+            const bool assigned = forward ? assign(c.first, c.firstAttribute, *known * multiplier + c.constant)
+                                          : assign(c.second, c.secondAttribute, (*known - c.constant) / c.multiplier);
+            if (!assigned) return false;
+        }
+        return !conflict_;
+    }
+
+    void note(std::uint8_t kind, std::size_t index) {
+        if (recording_) recording_->steps.push_back({kind, static_cast<std::uint16_t>(index)});
+    }
+
     bool equalities() {
         bool progress = false;
-        for (auto& c : active_) {
+        for (std::size_t index = 0; index < active_.size(); ++index) {
+            auto& c = active_[index];
             if (c.relation != LayoutRelation::equal || c.settled) continue;
             const auto right = c.second ? value(c.second, c.secondAttribute) : std::optional(0.0);
             const auto left = value(c.first, c.firstAttribute);
@@ -181,8 +264,10 @@ private:
             // Once both sides are known the constraint has done all it can.
             if (right && !left) {
                 progress |= c.settled = assign(c.first, c.firstAttribute, *right * multiplier + c.constant);
+                if (c.settled) note(Plan::forward, index);
             } else if (left && !right && c.second && c.multiplier != 0) {
                 progress |= c.settled = assign(c.second, c.secondAttribute, (*left - c.constant) / c.multiplier);
+                if (c.settled) note(Plan::backward, index);
             } else if (left && right) {
                 c.settled = true;
                 if (std::abs(*left - (*right * multiplier + c.constant)) > 0.5) conflict_ = true;
@@ -194,17 +279,20 @@ private:
     // Views still without a size take their natural one; true when any did.
     bool intrinsicSizes() {
         bool any = false;
-        for (auto& solving : items_) {
+        for (std::size_t index = 0; index < items_.size(); ++index) {
+            auto& solving = items_[index];
             const bool needsWidth = !solving.x.extent();
             const bool needsHeight = !solving.y.extent();
             if (!needsWidth && !needsHeight) continue;  // measuring text is the dear part
             const Size natural = solving.view->intrinsicContentSize();
             if (needsWidth && natural.width >= 0) {
                 solving.x.size = natural.width;
+                note(Plan::intrinsicWidth, index);
                 any = true;
             }
             if (needsHeight && natural.height >= 0) {
                 solving.y.size = natural.height;
+                note(Plan::intrinsicHeight, index);
                 any = true;
             }
         }
@@ -267,6 +355,7 @@ private:
     };
 
     View& container_;
+    Plan* recording_ = nullptr;
     // Few per container: kept on the stack, found by a scan.
     boost::container::small_vector<Solving, 8> items_;
     boost::container::small_vector<Active, 24> active_;

@@ -112,6 +112,8 @@ public:
     virtual Size sizeThatFits(Size size) const;
     virtual Size intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
     void invalidateIntrinsicContentSize();
+    // What the constraint solver keeps between layouts of this view.
+    std::shared_ptr<void>& layoutPlan() { return layoutPlan_; }
     void sizeToFit();
 
     // The screen whose root view this is: its layout calls run around this view's.
@@ -166,6 +168,7 @@ private:
     bool subtreeNeedsLayout_ = true;  // some view below asked for layout
     std::vector<Motion> motions_;
     ViewController* viewController_ = nullptr;
+    std::shared_ptr<void> layoutPlan_;
 };
 
 // Makes a view of type T, shared as the tree holds it.
