@@ -6,26 +6,23 @@
 
 namespace uikit {
 
-namespace {
-// The animation whose block runs now; main thread only, so one slot serves.
-thread_local const Animation::Timing* open = nullptr;
-thread_local bool suppressed = false;
-} // namespace
+namespace detail {
+thread_local const Animation::Timing* openAnimation = nullptr;
+thread_local bool animationsSuppressed = false;
+} // namespace detail
 
 double Animation::now() {
     const auto since = platform::MainQueue::shared().scheduler().now().time_since_epoch();
     return std::chrono::duration<double>(since).count();
 }
 
-const Animation::Timing* Animation::current() { return suppressed ? nullptr : open; }
-
 void Animation::animate(double duration, double delay, const std::function<void()>& animations,
                         std::function<void(bool)> completion) {
     const Timing timing{now() + delay, duration};
-    const Timing* outer = open;
-    open = duration > 0 ? &timing : outer;
+    const Timing* outer = detail::openAnimation;
+    detail::openAnimation = duration > 0 ? &timing : outer;
     if (animations) animations();
-    open = outer;
+    detail::openAnimation = outer;
     if (!completion) return;
     const double total = duration + delay;
     auto& main = platform::MainQueue::shared();
@@ -36,10 +33,10 @@ void Animation::animate(double duration, double delay, const std::function<void(
 }
 
 void Animation::performWithoutAnimation(const std::function<void()>& changes) {
-    const bool was = suppressed;
-    suppressed = true;
+    const bool was = detail::animationsSuppressed;
+    detail::animationsSuppressed = true;
     if (changes) changes();
-    suppressed = was;
+    detail::animationsSuppressed = was;
 }
 
 } // namespace uikit

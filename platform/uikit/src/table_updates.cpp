@@ -1,3 +1,7 @@
+// GCC 12 at -O3 warns falsely on chained string concatenation (its bug 105329).
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ == 12
+#pragma GCC diagnostic ignored "-Wrestrict"
+#endif
 #include "platform/log.hpp"
 #include "platform/main_queue.hpp"
 #include "table_layout.hpp"

@@ -105,10 +105,18 @@ void View::insertSubview(const Ptr& view, std::size_t index) {
     setNeedsLayout();
 }
 
+namespace {
+// While a layout pass runs, views taken out of the tree are kept until it ends, so the pass can
+// walk the tree by plain pointers. Main thread.
+thread_local int layoutDepth = 0;
+thread_local std::vector<View::Ptr>* removedDuringLayout = nullptr;
+} // namespace
+
 void View::removeFromSuperview() {
     View* parent = superview_;
     if (!parent) return;
     const Ptr keep = shared_from_this();
+    if (layoutDepth > 0 && removedDuringLayout) removedDuringLayout->push_back(keep);
     auto& list = parent->subviews_;
     list.erase(std::remove(list.begin(), list.end(), keep), list.end());
     superview_ = nullptr;
@@ -176,6 +184,20 @@ void View::markAncestorsForLayout() {
 
 void View::layoutIfNeeded() {
     if (!needsLayout_ && !subtreeNeedsLayout_) return;
+    if (layoutDepth > 0) {
+        layOutSubtree();
+        return;
+    }
+    std::vector<Ptr> removed;
+    removedDuringLayout = &removed;
+    ++layoutDepth;
+    const Ptr keep = weak_from_this().lock();
+    layOutSubtree();
+    --layoutDepth;
+    removedDuringLayout = nullptr;
+}
+
+void View::layOutSubtree() {
     if (needsLayout_) {
         needsLayout_ = false;
         if (viewController_)
@@ -185,12 +207,10 @@ void View::layoutIfNeeded() {
     }
     subtreeNeedsLayout_ = false;
     // By index, as laying out may add or remove views; a view added meanwhile is laid out too.
-    // Clean subtrees are passed over without touching their owners' counts.
+    // A view removed meanwhile is kept until the pass ends, so plain pointers serve.
     for (std::size_t i = 0; i < subviews_.size(); ++i) {
         View* child = subviews_[i].get();
-        if (!child->needsLayout_ && !child->subtreeNeedsLayout_) continue;
-        const Ptr keep = subviews_[i];
-        child->layoutIfNeeded();
+        if (child->needsLayout_ || child->subtreeNeedsLayout_) child->layOutSubtree();
     }
 }
 

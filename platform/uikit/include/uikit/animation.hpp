@@ -29,4 +29,15 @@ public:
     static const Timing* current();
 };
 
+namespace detail {
+// The animation whose block runs now, and whether changes are made without one; main thread.
+extern thread_local const Animation::Timing* openAnimation;
+extern thread_local bool animationsSuppressed;
+} // namespace detail
+
+// Inline: every frame change asks it.
+inline const Animation::Timing* Animation::current() {
+    return detail::animationsSuppressed ? nullptr : detail::openAnimation;
+}
+
 } // namespace uikit

@@ -143,32 +143,35 @@ private:
     void recordMotion(bool frameChanges, bool alphaChanges);
     void resizeSubviews(Size oldSize);
     void markAncestorsForLayout();
+    void layOutSubtree();
     Point originInWindow() const;
 
+    // What every layout pass reads comes first, to share cache lines.
     Rect frame_;
     std::vector<Ptr> subviews_;
     View* superview_ = nullptr;
+    ViewController* viewController_ = nullptr;
+    unsigned autoresizingMask_ = Autoresizing::none;
+    bool translatesMask_ = true;
+    bool needsLayout_ = true;
+    bool subtreeNeedsLayout_ = true;  // some view below asked for layout
     bool hidden_ = false;
     double alpha_ = 1;
+    std::vector<std::shared_ptr<LayoutConstraint>> constraints_;
+    std::vector<Motion> motions_;
+    std::shared_ptr<void> layoutPlan_;
+    // Looks and identity, read when drawing and by tests.
     std::optional<platform::Color> backgroundColor_;
     std::optional<platform::Color> tintColor_;
     double cornerRadius_ = 0;
     double borderWidth_ = 0;
     std::optional<platform::Color> borderColor_;
     bool clipsToBounds_ = false;
+    bool userInteractionEnabled_ = true;
+    int tag_ = 0;
     std::string accessibilityIdentifier_;
     std::string accessibilityLabel_;
-    int tag_ = 0;
-    bool userInteractionEnabled_ = true;
     std::vector<std::function<void()>> tapActions_;
-    unsigned autoresizingMask_ = Autoresizing::none;
-    bool translatesMask_ = true;
-    std::vector<std::shared_ptr<LayoutConstraint>> constraints_;
-    bool needsLayout_ = true;
-    bool subtreeNeedsLayout_ = true;  // some view below asked for layout
-    std::vector<Motion> motions_;
-    ViewController* viewController_ = nullptr;
-    std::shared_ptr<void> layoutPlan_;
 };
 
 // Makes a view of type T, shared as the tree holds it.
