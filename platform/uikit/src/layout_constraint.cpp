@@ -82,6 +82,20 @@ struct Solving {
 
 // The order in which a solve fixed each value, kept by the container: while the constraints and
 // the views they place stay the same, a new size of the container replays it instead of searching.
+// A constraint as one solve reads it.
+struct Active {
+    View* first;
+    A firstAttribute;
+    LayoutRelation relation;
+    View* second;
+    A secondAttribute;
+    double multiplier;
+    double constant;
+    bool settled = false;
+};
+
+// The order in which a solve fixed each value, kept by the container: while the constraints and
+// the views they place stay the same, a new size of the container replays it instead of searching.
 struct Plan {
     enum : std::uint8_t { forward, backward, intrinsicWidth, intrinsicHeight };
     struct Step {
@@ -89,25 +103,23 @@ struct Plan {
         std::uint16_t index;  // of the constraint, or of the item for an intrinsic size
     };
     std::vector<Step> steps;
-    std::vector<const LayoutConstraint*> constraints;
+    std::vector<Active> active;
+    std::vector<const LayoutConstraint*> sources;  // of `active`, in order
     std::vector<View*> items;
 
-    template <class Items>
-    void snapshot(const View& container, const Items& solved) {
-        for (const auto& constraint : container.constraints())
-            if (constraint->isActive()) constraints.push_back(constraint.get());
-        for (const auto& item : solved) items.push_back(item.view);
-    }
-    template <class Items>
-    bool fits(const View& container, const Items& solving) const {
+    // Whether the container's constraints read now as they did: the same objects, the same items
+    // alive, and those still placed by constraints.
+    bool fits(const View& container) const {
         std::size_t next = 0;
         for (const auto& constraint : container.constraints()) {
-            if (!constraint->isActive()) continue;
-            if (next == constraints.size() || constraints[next++] != constraint.get()) return false;
+            if (!constraint->isActive() || !constraint->firstView()) continue;
+            if (next == sources.size() || sources[next] != constraint.get()) return false;
+            if ((constraint->secondView() == nullptr) != (active[next].second == nullptr)) return false;
+            ++next;
         }
-        if (next != constraints.size() || solving.size() != items.size()) return false;
-        for (std::size_t i = 0; i < items.size(); ++i)
-            if (solving[i].view != items[i]) return false;
+        if (next != sources.size()) return false;
+        for (const View* item : items)
+            if (item->translatesAutoresizingMaskIntoConstraints()) return false;
         return true;
     }
 };
@@ -117,10 +129,15 @@ public:
     explicit Solver(View& container) : container_(container) {}
 
     void run() {
-        collect();
-        if (items_.empty()) return;
         auto* plan = static_cast<Plan*>(container_.layoutPlan().get());
-        if (!(plan && plan->fits(container_, items_) && replay(*plan))) {
+        if (plan && plan->fits(container_)) {
+            load(*plan);
+        } else {
+            plan = nullptr;
+            collect();
+        }
+        if (items_.empty()) return;
+        if (!(plan && replay(*plan))) {
             resetAxes();
             Plan recorded;
             recording_ = &recorded;
@@ -135,7 +152,9 @@ public:
             if (conflict_) {
                 container_.layoutPlan().reset();
             } else {
-                recorded.snapshot(container_, items_);
+                recorded.active.assign(active_.begin(), active_.end());
+                recorded.sources.assign(sources_.begin(), sources_.end());
+                for (const auto& item : items_) recorded.items.push_back(item.view);
                 container_.layoutPlan() = std::make_shared<Plan>(std::move(recorded));
             }
         }
@@ -160,7 +179,19 @@ private:
             }
             active_.push_back({first, constraint->firstAttribute(), constraint->relation(), second,
                                constraint->secondAttribute(), constraint->multiplier(), constraint->constant()});
+            sources_.push_back(constraint.get());
         }
+    }
+
+    // Takes the constraints and items as the plan read them, with today's constants.
+    void load(const Plan& plan) {
+        for (std::size_t i = 0; i < plan.active.size(); ++i) {
+            active_.push_back(plan.active[i]);
+            active_.back().constant = plan.sources[i]->constant();
+            active_.back().settled = false;
+            sources_.push_back(plan.sources[i]);
+        }
+        for (View* item : plan.items) items_.push_back(Solving{item, {}, {}});
     }
 
     Solving* find(View* view) {
@@ -343,22 +374,12 @@ private:
         }
     }
 
-    struct Active {
-        View* first;
-        A firstAttribute;
-        LayoutRelation relation;
-        View* second;
-        A secondAttribute;
-        double multiplier;
-        double constant;
-        bool settled = false;
-    };
-
     View& container_;
     Plan* recording_ = nullptr;
     // Few per container: kept on the stack, found by a scan.
     boost::container::small_vector<Solving, 8> items_;
     boost::container::small_vector<Active, 24> active_;
+    boost::container::small_vector<const LayoutConstraint*, 24> sources_;
     bool conflict_ = false;
 };
 

@@ -242,9 +242,9 @@ void View::resizeSubviews(Size oldSize) {
         Rect frame = child->frame_;
         // The change is shared evenly among the flexible parts of each axis.
         const auto share = [](double delta, bool before, bool size, bool after, double& origin, double& extent) {
-            const int parts = int(before) + int(size) + int(after);
-            if (parts == 0) return;
-            const double part = delta / parts;
+            if (delta == 0) return;
+            static constexpr double shareOf[] = {0, 1, 1.0 / 2, 1.0 / 3};  // no division per view
+            const double part = delta * shareOf[int(before) + int(size) + int(after)];
             if (before) origin += part;
             if (size) extent = std::max(0.0, extent + part);
         };
