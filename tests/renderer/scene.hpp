@@ -1,0 +1,53 @@
+#pragma once
+
+#include "uikit/button.hpp"
+#include "uikit/image_view.hpp"
+#include "uikit/label.hpp"
+#include "uikit/navigation_controller.hpp"
+#include "uikit/scroll_view.hpp"
+#include "uikit/text_input.hpp"
+#include "uikit/window.hpp"
+
+#include <QImage>
+
+#include <memory>
+#include <vector>
+
+namespace renderer_test {
+
+// A phone screen under a navigation bar holding every kind of view the kit has, in the looks
+// the renderer must draw: styled text, images, corners, borders, alpha, clipping, scrolling.
+struct Scene {
+    std::shared_ptr<uikit::Window> window;
+    std::shared_ptr<uikit::NavigationController> navigation;
+    std::shared_ptr<uikit::View> screen;
+    std::shared_ptr<uikit::Label> styledLabel;
+    std::shared_ptr<uikit::Button> sendButton;
+    std::shared_ptr<uikit::Button> disabledButton;
+    std::shared_ptr<uikit::ImageView> photo;
+    std::shared_ptr<uikit::ImageView> templateIcon;
+    std::shared_ptr<uikit::ActivityIndicatorView> spinner;
+    std::shared_ptr<uikit::TextField> emptyField;
+    std::shared_ptr<uikit::TextField> typedField;
+    std::shared_ptr<uikit::TextView> notes;
+    std::shared_ptr<uikit::ScrollView> list;
+    std::vector<std::shared_ptr<uikit::View>> rows;
+    std::shared_ptr<uikit::View> hiddenView;
+    std::shared_ptr<uikit::View> halfClear;
+    std::shared_ptr<uikit::View> toast;
+    int sends = 0;
+};
+
+// Needs a Window in the main queue's current time; lays the tree out.
+std::unique_ptr<Scene> makeScene();
+
+platform::ImagePtr gradientImage(int width, int height);
+// Opaque inside a circle, clear outside.
+platform::ImagePtr discMask(int size);
+
+// The colour of the pixel under a window point in an image drawn at `scale`.
+QColor pixelAt(const QImage& image, double x, double y, double scale = 1);
+// Whether the colours differ by more than `tolerance` in a channel.
+bool differs(const QColor& a, const QColor& b, int tolerance = 4);
+
+} // namespace renderer_test
