@@ -13,7 +13,8 @@ void drawLabel(const uikit::Label& label, QPainter& painter, const PaintContext&
     const auto& text = label.attributedText();
     if (text.empty()) return;
     TextBlock::Options options;
-    options.font = toQFont(label.font());
+    // Runs without a font are drawn in the one the kit measured them with, so they fit.
+    options.font = defaultTextFont();
     options.color = toQColor(label.textColor());
     options.width = context.bounds.width();
     options.maxLines = std::max(0, label.numberOfLines());

@@ -37,4 +37,6 @@ QFont toQFont(const platform::Font& font) {
     return qfont;
 }
 
+QFont defaultTextFont() { return toQFont(platform::Font::systemFont(17)); }
+
 } // namespace renderer

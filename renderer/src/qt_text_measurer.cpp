@@ -14,7 +14,7 @@ uikit::Size QtTextMeasurer::measure(const platform::AttributedString& text, doub
     // Qt's fonts need the application object; without it there are no metrics to give.
     if (!hasGuiApplication()) return fallback_.measure(text, maxWidth, maxLines);
     TextBlock::Options options;
-    options.font = toQFont(platform::Font::systemFont(17));
+    options.font = defaultTextFont();
     options.width = maxWidth;
     options.maxLines = std::max(0, maxLines);
     const TextBlock block(text, options);

@@ -42,7 +42,7 @@ void ViewPainter::paint(const uikit::View& root) {
 
 void ViewPainter::paintView(const uikit::View& view, const QRectF& frame, const QRectF& visible, double opacity) {
     if (view.isHidden()) return;
-    double alpha = opacity * view.presentationAlpha(context_.now) * detail::contentOpacity(view);
+    const double alpha = opacity * view.presentationAlpha(context_.now) * detail::contentOpacity(view);
     if (alpha < 0.01) return;
     const bool empty = frame.width() <= 0 || frame.height() <= 0;
     // Subviews overflowing a parent that is itself out of sight are rare, and skipping such a

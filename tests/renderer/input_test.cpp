@@ -66,6 +66,17 @@ TEST_F(Input, AClickReachesTheButtonUnderIt) {
     EXPECT_EQ(disabledTaps, 0);
 }
 
+TEST_F(Input, TheWidgetShowsWhatTheKitChanged) {
+    const auto scene = makeScene();
+    renderer::KitWidget widget(scene->window);
+    const QColor before = widget.grab().toImage().pixelColor(320, 194);
+    EXPECT_NEAR(before.blue(), 251, 3) << "the half-clear blue view";
+    scene->halfClear->setBackgroundColor(platform::Color{1, 0, 0, 1});
+    const QColor after = widget.grab().toImage().pixelColor(320, 194);
+    EXPECT_NEAR(after.red(), 248, 3);
+    EXPECT_NEAR(after.blue(), 123, 3);
+}
+
 TEST_F(Input, TypedKeysReachTheFocusedInput) {
     const auto scene = makeScene();
     renderer::KitWidget widget(scene->window);

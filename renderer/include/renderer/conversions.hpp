@@ -21,6 +21,8 @@ QColor toQColor(const platform::Color& color);
 // The face Qt draws for a kit font: the system family and Helvetica are DejaVu Sans, monospaced
 // faces DejaVu Sans Mono, with the font's bold, italic and width traits and its size in pixels.
 QFont toQFont(const platform::Font& font);
+// What styled text runs without a font are measured and drawn in: the system font at 17.
+QFont defaultTextFont();
 
 // The image upright, as 32-bit premultiplied pixels; null when its pixels are missing. Converted
 // images are kept while their source lives, so a frame does not convert them again.
