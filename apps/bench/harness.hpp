@@ -32,5 +32,6 @@ std::vector<Metric> richtextMetrics();
 std::vector<Metric> queueMetrics();
 std::vector<Metric> tableMetrics();
 std::vector<Metric> requestListMetrics();
+std::vector<Metric> uiMetrics();
 
 } // namespace bench

@@ -16,7 +16,7 @@ namespace {
 std::vector<bench::Metric> allMetrics() {
     std::vector<bench::Metric> all;
     for (auto&& group : {bench::storeMetrics(), bench::conversationMetrics(), bench::richtextMetrics(),
-                         bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics()})
+                         bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics(), bench::uiMetrics()})
         for (auto& metric : group) all.push_back(metric);
     return all;
 }

@@ -128,8 +128,13 @@ std::size_t TicketDesk::callCount() const {
 }
 
 void TicketDesk::setOffline(bool offline) {
-    std::lock_guard lock(mutex_);
-    offline_ = offline;
+    // Reachability observers run while the outage changes, and may call the desk: never under its lock.
+    corvane::NetworkMonitor::Outage outage = offline ? corvane::NetworkMonitor::shared().beginOutage() : nullptr;
+    {
+        std::lock_guard lock(mutex_);
+        offline_ = offline;
+        std::swap(outage_, outage);
+    }
 }
 
 void TicketDesk::setUnauthorized(bool unauthorized) {

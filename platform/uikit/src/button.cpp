@@ -108,8 +108,10 @@ Size Button::sizeThatFits(Size) const {
 void Button::layoutSubviews() {
     Control::layoutSubviews();
     // Titles follow the state as it is when laid out.
-    titleLabel_->setText(currentTitle());
-    titleLabel_->setTextColor(titleColor(state()).value_or(platform::Color::black()));
+    std::string title = currentTitle();
+    const platform::Color color = titleColor(state()).value_or(platform::Color::black());
+    if (title != titleLabel_->text()) titleLabel_->setText(std::move(title));
+    if (!(color == titleLabel_->textColor())) titleLabel_->setTextColor(color);
     const Rect content = bounds().inset(contentEdgeInsets);
     const auto picture = currentImage();
     const double imageWidth = picture ? picture->width : 0;

@@ -47,6 +47,8 @@ std::vector<std::string> visibleTexts(View& root) {
 bool tap(View& view) {
     for (View* current = &view; current; current = current->superview()) {
         if (!current->isUserInteractionEnabled() && current != &view) return false;
+        // An action may take the view out of its tree; it lives until the tap is handled.
+        const auto keep = current->weak_from_this().lock();
         if (current->handleTap()) return true;
     }
     return false;

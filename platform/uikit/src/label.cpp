@@ -15,6 +15,7 @@ void Label::setText(std::string text) {
 void Label::setAttributedText(platform::AttributedString text) {
     styled_ = true;
     text_ = std::move(text);
+    measured_.width = -1;
     invalidateIntrinsicContentSize();
 }
 
@@ -30,6 +31,7 @@ void Label::setTextColor(const platform::Color& color) {
 
 void Label::setNumberOfLines(int lines) {
     numberOfLines_ = lines;
+    measured_.width = -1;
     invalidateIntrinsicContentSize();
 }
 
@@ -37,13 +39,20 @@ void Label::restyle() {
     if (!styled_)
         text_ = platform::AttributedString(
             text_.string(), {{platform::AttributeName::font, font_}, {platform::AttributeName::foregroundColor, textColor_}});
+    measured_.width = -1;
     invalidateIntrinsicContentSize();
 }
 
 Size Label::sizeThatFits(Size size) const {
     if (text_.empty()) return {0, 0};
     const double width = size.width > 0 ? size.width : 1e9;
-    return textMeasurer().measure(text_, width, numberOfLines_);
+    const TextMeasurer& measurer = textMeasurer();
+    if (measured_.measurer != &measurer || measured_.width != width) {
+        measured_.size = measurer.measure(text_, width, numberOfLines_);
+        measured_.measurer = &measurer;
+        measured_.width = width;
+    }
+    return measured_.size;
 }
 
 Size Label::intrinsicContentSize() const {

@@ -3,7 +3,10 @@
 #include "platform/log.hpp"
 #include "uikit/view.hpp"
 
+#include <boost/container/small_vector.hpp>
+
 #include <cctype>
+#include <cstdint>
 #include <cmath>
 #include <map>
 #include <optional>
@@ -17,9 +20,11 @@ std::shared_ptr<LayoutConstraint> LayoutConstraint::make(const std::shared_ptr<V
                                                          double constant) {
     auto constraint = std::make_shared<LayoutConstraint>();
     constraint->first_ = first;
+    constraint->firstRaw_ = first.get();
     constraint->firstAttribute_ = firstAttribute;
     constraint->relation_ = relation;
     constraint->second_ = second;
+    constraint->secondRaw_ = second.get();
     constraint->secondAttribute_ = second ? secondAttribute : LayoutAttribute::notAnAttribute;
     constraint->multiplier_ = multiplier;
     constraint->constant_ = constant;
@@ -74,6 +79,39 @@ struct Solving {
     Axis x, y;
 };
 
+
+// The order in which a solve fixed each value, kept by the container: while the constraints and
+// the views they place stay the same, a new size of the container replays it instead of searching.
+struct Plan {
+    enum : std::uint8_t { forward, backward, intrinsicWidth, intrinsicHeight };
+    struct Step {
+        std::uint8_t kind;
+        std::uint16_t index;  // of the constraint, or of the item for an intrinsic size
+    };
+    std::vector<Step> steps;
+    std::vector<const LayoutConstraint*> constraints;
+    std::vector<View*> items;
+
+    template <class Items>
+    void snapshot(const View& container, const Items& solved) {
+        for (const auto& constraint : container.constraints())
+            if (constraint->isActive()) constraints.push_back(constraint.get());
+        for (const auto& item : solved) items.push_back(item.view);
+    }
+    template <class Items>
+    bool fits(const View& container, const Items& solving) const {
+        std::size_t next = 0;
+        for (const auto& constraint : container.constraints()) {
+            if (!constraint->isActive()) continue;
+            if (next == constraints.size() || constraints[next++] != constraint.get()) return false;
+        }
+        if (next != constraints.size() || solving.size() != items.size()) return false;
+        for (std::size_t i = 0; i < items.size(); ++i)
+            if (solving[i].view != items[i]) return false;
+        return true;
+    }
+};
+
 class Solver {
 public:
     explicit Solver(View& container) : container_(container) {}
@@ -81,10 +119,25 @@ public:
     void run() {
         collect();
         if (items_.empty()) return;
-        for (int round = 0; round < 3; ++round) {
-            for (int pass = 0; pass < 8 && equalities(); ++pass) {
+        auto* plan = static_cast<Plan*>(container_.layoutPlan().get());
+        if (!(plan && plan->fits(container_, items_) && replay(*plan))) {
+            resetAxes();
+            Plan recorded;
+            recording_ = &recorded;
+            for (int round = 0; round < 3; ++round) {
+                for (int pass = 0; pass < 8 && equalities(); ++pass) {
+                }
+                if (!intrinsicSizes()) break;
             }
-            if (!intrinsicSizes()) break;
+            recording_ = nullptr;
+            // A system that solved cleanly solves the same way while only numbers change; a conflict
+            // is solved afresh each time, so it keeps being reported.
+            if (conflict_) {
+                container_.layoutPlan().reset();
+            } else {
+                recorded.snapshot(container_, items_);
+                container_.layoutPlan() = std::make_shared<Plan>(std::move(recorded));
+            }
         }
         inequalities();
         place();
@@ -94,20 +147,32 @@ public:
 
 private:
     void collect() {
-        for (const auto& constraint : container_.constraints()) {
+        const auto& constraints = container_.constraints();
+        for (const auto& constraint : constraints) {
             if (!constraint->isActive()) continue;
-            for (const auto& item : {constraint->firstItem(), constraint->secondItem()}) {
-                if (!item || item.get() == &container_ || item->translatesAutoresizingMaskIntoConstraints()) continue;
-                if (!items_.contains(item.get())) items_.emplace(item.get(), Solving{item.get(), {}, {}});
+            // Nothing is freed while a solve runs: the tree holds the views.
+            View* first = constraint->firstView();
+            View* second = constraint->secondView();
+            if (!first) continue;
+            for (View* item : {first, second}) {
+                if (!item || item == &container_ || item->translatesAutoresizingMaskIntoConstraints()) continue;
+                if (!find(item)) items_.push_back(Solving{item, {}, {}});
             }
-            active_.push_back(constraint);
+            active_.push_back({first, constraint->firstAttribute(), constraint->relation(), second,
+                               constraint->secondAttribute(), constraint->multiplier(), constraint->constant()});
         }
     }
 
+    Solving* find(View* view) {
+        for (auto& item : items_)
+            if (item.view == view) return &item;
+        return nullptr;
+    }
+
     Axis* axisOf(View* view, A attribute) {
-        const auto found = items_.find(view);
-        if (found == items_.end()) return nullptr;
-        return horizontal(attribute) ? &found->second.x : &found->second.y;
+        Solving* found = find(view);
+        if (!found) return nullptr;
+        return horizontal(attribute) ? &found->x : &found->y;
     }
 
     // A view that is not solved here stands where it is.
@@ -155,24 +220,57 @@ private:
         return true;
     }
 
+    void resetAxes() {
+        for (auto& item : items_) item.x = item.y = Axis{};
+        for (auto& c : active_) c.settled = false;
+    }
+
+    // Runs the recorded steps on today's numbers; false when one no longer applies.
+    bool replay(const Plan& plan) {
+        for (const auto& step : plan.steps) {
+            if (step.kind == Plan::intrinsicWidth || step.kind == Plan::intrinsicHeight) {
+                Solving& item = items_[step.index];
+                const Size natural = item.view->intrinsicContentSize();
+                const double size = step.kind == Plan::intrinsicWidth ? natural.width : natural.height;
+                if (size < 0) return false;
+                (step.kind == Plan::intrinsicWidth ? item.x : item.y).size = size;
+                continue;
+            }
+            const Active& c = active_[step.index];
+            const bool forward = step.kind == Plan::forward;
+            const auto known = forward ? (c.second ? value(c.second, c.secondAttribute) : std::optional(0.0))
+                                       : value(c.first, c.firstAttribute);
+            if (!known) return false;
+            const double multiplier = c.second ? c.multiplier : 0;
+            const bool assigned = forward ? assign(c.first, c.firstAttribute, *known * multiplier + c.constant)
+                                          : assign(c.second, c.secondAttribute, (*known - c.constant) / c.multiplier);
+            if (!assigned) return false;
+        }
+        return !conflict_;
+    }
+
+    void note(std::uint8_t kind, std::size_t index) {
+        if (recording_) recording_->steps.push_back({kind, static_cast<std::uint16_t>(index)});
+    }
+
     bool equalities() {
         bool progress = false;
-        for (const auto& constraint : active_) {
-            if (constraint->relation() != LayoutRelation::equal) continue;
-            const auto first = constraint->firstItem();
-            const auto second = constraint->secondItem();
-            if (!first) continue;
-            const auto right = second ? value(second.get(), constraint->secondAttribute()) : std::optional(0.0);
-            const auto left = value(first.get(), constraint->firstAttribute());
+        for (std::size_t index = 0; index < active_.size(); ++index) {
+            auto& c = active_[index];
+            if (c.relation != LayoutRelation::equal || c.settled) continue;
+            const auto right = c.second ? value(c.second, c.secondAttribute) : std::optional(0.0);
+            const auto left = value(c.first, c.firstAttribute);
+            const double multiplier = c.second ? c.multiplier : 0;
+            // Once both sides are known the constraint has done all it can.
             if (right && !left) {
-                progress |= assign(first.get(), constraint->firstAttribute(),
-                                   *right * (second ? constraint->multiplier() : 0) + constraint->constant());
-            } else if (left && !right && second && constraint->multiplier() != 0) {
-                progress |= assign(second.get(), constraint->secondAttribute(),
-                                   (*left - constraint->constant()) / constraint->multiplier());
+                progress |= c.settled = assign(c.first, c.firstAttribute, *right * multiplier + c.constant);
+                if (c.settled) note(Plan::forward, index);
+            } else if (left && !right && c.second && c.multiplier != 0) {
+                progress |= c.settled = assign(c.second, c.secondAttribute, (*left - c.constant) / c.multiplier);
+                if (c.settled) note(Plan::backward, index);
             } else if (left && right) {
-                const double wanted = *right * (second ? constraint->multiplier() : 0) + constraint->constant();
-                if (std::abs(*left - wanted) > 0.5) conflict_ = true;
+                c.settled = true;
+                if (std::abs(*left - (*right * multiplier + c.constant)) > 0.5) conflict_ = true;
             }
         }
         return progress;
@@ -181,14 +279,20 @@ private:
     // Views still without a size take their natural one; true when any did.
     bool intrinsicSizes() {
         bool any = false;
-        for (auto& [view, solving] : items_) {
-            const Size natural = view->intrinsicContentSize();
-            if (!solving.x.extent() && natural.width >= 0) {
+        for (std::size_t index = 0; index < items_.size(); ++index) {
+            auto& solving = items_[index];
+            const bool needsWidth = !solving.x.extent();
+            const bool needsHeight = !solving.y.extent();
+            if (!needsWidth && !needsHeight) continue;  // measuring text is the dear part
+            const Size natural = solving.view->intrinsicContentSize();
+            if (needsWidth && natural.width >= 0) {
                 solving.x.size = natural.width;
+                note(Plan::intrinsicWidth, index);
                 any = true;
             }
-            if (!solving.y.extent() && natural.height >= 0) {
+            if (needsHeight && natural.height >= 0) {
                 solving.y.size = natural.height;
+                note(Plan::intrinsicHeight, index);
                 any = true;
             }
         }
@@ -196,20 +300,17 @@ private:
     }
 
     void inequalities() {
-        for (const auto& constraint : active_) {
-            if (constraint->relation() == LayoutRelation::equal) continue;
-            const auto first = constraint->firstItem();
-            const auto second = constraint->secondItem();
-            if (!first) continue;
-            Axis* axis = axisOf(first.get(), constraint->firstAttribute());
+        for (const auto& c : active_) {
+            if (c.relation == LayoutRelation::equal) continue;
+            Axis* axis = axisOf(c.first, c.firstAttribute);
             if (!axis) continue;
-            const auto right = second ? value(second.get(), constraint->secondAttribute()) : std::optional(0.0);
+            const auto right = c.second ? value(c.second, c.secondAttribute) : std::optional(0.0);
             if (!right) continue;
-            const double bound = *right * (second ? constraint->multiplier() : 0) + constraint->constant();
-            const auto current = value(first.get(), constraint->firstAttribute());
-            const bool atLeast = constraint->relation() == LayoutRelation::greaterThanOrEqual;
+            const double bound = *right * (c.second ? c.multiplier : 0) + c.constant;
+            const auto current = value(c.first, c.firstAttribute);
+            const bool atLeast = c.relation == LayoutRelation::greaterThanOrEqual;
             if (current && (atLeast ? *current >= bound : *current <= bound)) continue;
-            const A attribute = constraint->firstAttribute();
+            const A attribute = c.firstAttribute;
             if (attribute == A::width || attribute == A::height) {
                 // A size bound moves the far edge, keeping the near one.
                 const auto low = axis->minimum();
@@ -218,13 +319,14 @@ private:
                 axis->center.reset();
                 if (low) axis->min = low;
             } else if (!current) {
-                assign(first.get(), attribute, bound);
+                assign(c.first, attribute, bound);
             }
         }
     }
 
     void place() {
-        for (auto& [view, solving] : items_) {
+        for (auto& solving : items_) {
+            View* view = solving.view;
             const Rect old = view->frame();
             const auto settle = [](Axis& axis, double oldOrigin, double oldSize) {
                 if (!axis.extent()) axis.size = oldSize;
@@ -241,9 +343,22 @@ private:
         }
     }
 
+    struct Active {
+        View* first;
+        A firstAttribute;
+        LayoutRelation relation;
+        View* second;
+        A secondAttribute;
+        double multiplier;
+        double constant;
+        bool settled = false;
+    };
+
     View& container_;
-    std::map<View*, Solving> items_;
-    std::vector<std::shared_ptr<LayoutConstraint>> active_;
+    Plan* recording_ = nullptr;
+    // Few per container: kept on the stack, found by a scan.
+    boost::container::small_vector<Solving, 8> items_;
+    boost::container::small_vector<Active, 24> active_;
     bool conflict_ = false;
 };
 
@@ -268,7 +383,9 @@ public:
         std::vector<std::shared_ptr<LayoutConstraint>> out;
         std::shared_ptr<View> previous;  // null before the first element
         bool previousIsEdge = false;
-        std::optional<double> gap;       // the spacing read since the previous element
+        // The spacing read since the previous element, if any.
+        double gap = 0;
+        bool hasGap = false;
         while (!text_.empty()) {
             if (text_.front() == '|') {
                 text_.remove_prefix(1);
@@ -279,24 +396,27 @@ public:
                 View* parent = previous->superview();
                 if (!parent) return std::nullopt;
                 out.push_back(LayoutConstraint::make(parent->shared_from_this(), trail, LayoutRelation::equal, previous,
-                                                     trail, 1, gap.value_or(0)));
-                gap.reset();
+                                                     trail, 1, (hasGap ? gap : 0)));
+                hasGap = false;
                 continue;
             }
             if (text_.front() == '-') {
                 text_.remove_prefix(1);
                 if (!text_.empty() && text_.front() == '[') {
                     gap = 8;
+                    hasGap = true;
                     continue;
                 }
                 if (!text_.empty() && text_.front() == '|') {
-                    gap = gap.value_or(20);
+                    gap = hasGap ? gap : 20;
+                    hasGap = true;
                     continue;
                 }
                 const auto amount = number();
                 if (!amount || text_.empty() || text_.front() != '-') return std::nullopt;
                 text_.remove_prefix(1);
                 gap = *amount;
+                hasGap = true;
                 continue;
             }
             if (text_.front() != '[') return std::nullopt;
@@ -321,14 +441,14 @@ public:
             const auto& view = found->second;
             if (size) out.push_back(LayoutConstraint::make(view, extent, size->first, nullptr, A::notAnAttribute, 1, size->second));
             if (previous) {
-                out.push_back(LayoutConstraint::make(view, lead, LayoutRelation::equal, previous, trail, 1, gap.value_or(0)));
+                out.push_back(LayoutConstraint::make(view, lead, LayoutRelation::equal, previous, trail, 1, (hasGap ? gap : 0)));
             } else if (previousIsEdge) {
                 View* parent = view->superview();
                 if (!parent) return std::nullopt;
                 out.push_back(LayoutConstraint::make(view, lead, LayoutRelation::equal, parent->shared_from_this(), lead, 1,
-                                                     gap.value_or(0)));
+                                                     (hasGap ? gap : 0)));
             }
-            gap.reset();
+            hasGap = false;
             previous = view;
             previousIsEdge = false;
         }

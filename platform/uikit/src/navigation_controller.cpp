@@ -119,7 +119,6 @@ void NavigationController::show(ViewController* leaving, bool animated) {
     }
     refreshBar();
     view()->setNeedsLayout();
-    view()->layoutIfNeeded();
 }
 
 void NavigationController::pushViewController(const Ptr& controller, bool animated) {

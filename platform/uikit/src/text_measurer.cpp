@@ -6,17 +6,6 @@
 
 namespace uikit {
 
-namespace {
-
-double pointSizeAt(const platform::AttributedString& text, std::size_t index, bool& bold) {
-    const auto* font = text.length() > 0 ? text.attributesAt(index).get<platform::Font>(platform::AttributeName::font)
-                                         : nullptr;
-    bold = font && (font->symbolicTraits() & platform::FontTrait::bold);
-    return font ? font->pointSize() : 17;
-}
-
-} // namespace
-
 Size FixedWidthTextMeasurer::measure(const platform::AttributedString& text, double maxWidth, int maxLines) const {
     const std::string& bytes = text.string();
     if (bytes.empty()) return {0, 0};
@@ -41,13 +30,25 @@ Size FixedWidthTextMeasurer::measure(const platform::AttributedString& text, dou
         wordWidth = 0;
         wordHeight = 0;
     };
+    // The font changes only from run to run.
+    const auto runs = text.runs();
+    auto run = runs.begin();
+    double advance = 0;
+    double high = 0;
+    std::size_t runEnd = 0;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (i >= runEnd) {
+            while (run != runs.end() && run->range.location + run->range.length <= i) ++run;
+            const auto* font = run != runs.end() ? run->attributes.get<platform::Font>(platform::AttributeName::font)
+                                                 : nullptr;
+            const bool bold = font && (font->symbolicTraits() & platform::FontTrait::bold);
+            const double size = font ? font->pointSize() : 17;
+            advance = size * (bold ? 0.55 : 0.5);
+            high = std::ceil(size * 1.2);
+            runEnd = run != runs.end() ? run->range.location + run->range.length : bytes.size();
+        }
         const auto byte = static_cast<unsigned char>(bytes[i]);
         if ((byte & 0xC0) == 0x80) continue;  // one advance per character
-        bool bold = false;
-        const double size = pointSizeAt(text, i, bold);
-        const double advance = size * (bold ? 0.55 : 0.5);
-        const double high = std::ceil(size * 1.2);
         if (bytes[i] == '\n') {
             placeWord();
             lineHeight = std::max(lineHeight, high);

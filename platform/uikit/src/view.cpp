@@ -99,6 +99,7 @@ void View::insertSubview(const Ptr& view, std::size_t index) {
     index = std::min(index, subviews_.size());
     subviews_.insert(subviews_.begin() + static_cast<std::ptrdiff_t>(index), view);
     view->superview_ = this;
+    if (view->needsLayout_ || view->subtreeNeedsLayout_) view->markAncestorsForLayout();
     view->didMoveToSuperview();
     if (window()) view->didMoveToWindow();
     setNeedsLayout();
@@ -163,7 +164,18 @@ void View::removeConstraint(const std::shared_ptr<LayoutConstraint>& constraint)
     setNeedsLayout();
 }
 
+void View::setNeedsLayout() {
+    needsLayout_ = true;
+    markAncestorsForLayout();
+}
+
+void View::markAncestorsForLayout() {
+    for (View* parent = superview_; parent && !parent->subtreeNeedsLayout_; parent = parent->superview_)
+        parent->subtreeNeedsLayout_ = true;
+}
+
 void View::layoutIfNeeded() {
+    if (!needsLayout_ && !subtreeNeedsLayout_) return;
     if (needsLayout_) {
         needsLayout_ = false;
         if (viewController_)
@@ -171,9 +183,15 @@ void View::layoutIfNeeded() {
         else
             layoutSubviews();
     }
-    // A copy: laying out may add or remove views.
-    const auto children = subviews_;
-    for (const auto& child : children) child->layoutIfNeeded();
+    subtreeNeedsLayout_ = false;
+    // By index, as laying out may add or remove views; a view added meanwhile is laid out too.
+    // Clean subtrees are passed over without touching their owners' counts.
+    for (std::size_t i = 0; i < subviews_.size(); ++i) {
+        View* child = subviews_[i].get();
+        if (!child->needsLayout_ && !child->subtreeNeedsLayout_) continue;
+        const Ptr keep = subviews_[i];
+        child->layoutIfNeeded();
+    }
 }
 
 void View::layoutSubviews() {
@@ -195,6 +213,7 @@ void View::sizeToFit() {
 }
 
 void View::resizeSubviews(Size oldSize) {
+    if (subviews_.empty()) return;
     const double dw = frame_.size.width - oldSize.width;
     const double dh = frame_.size.height - oldSize.height;
     for (const auto& child : subviews_) {

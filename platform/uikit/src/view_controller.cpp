@@ -34,6 +34,7 @@ void ViewController::loadView() {
 
 void ViewController::beginAppearanceTransition(bool appearing, bool animated) {
     if (appearing == visible_ && !appearing_) return;
+    if (appearing) loadViewIfNeeded();
     appearing_ = true;
     if (appearing)
         viewWillAppear(animated);

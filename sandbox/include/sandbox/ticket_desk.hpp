@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dastrel/create_request.hpp"
+#include "corvane/reachability.hpp"
 #include "dastrel/request_provider.hpp"
 #include "platform/scheduler.hpp"
 
@@ -55,7 +56,8 @@ public:
     std::optional<dastrel::CRVCreateRequest> creation(const std::string& requestId) const;
     std::size_t callCount() const;
 
-    // Switches.
+    // Switches. Going offline also takes the network's reachability down, for as long as the
+    // desk is offline or until it goes.
     void setOffline(bool offline);
     void setUnauthorized(bool unauthorized);
     void setLatency(platform::Duration latency);
@@ -115,6 +117,7 @@ private:
     std::size_t calls_ = 0;
 
     bool offline_ = false;
+    corvane::NetworkMonitor::Outage outage_;
     bool unauthorized_ = false;
     std::atomic<bool> answersOnWorkerThreads_ = false;  // read with and without the lock
     int failNext_ = 0;

@@ -47,6 +47,12 @@ private:
     platform::Color textColor_ = platform::Color::black();
     TextAlignment alignment_ = TextAlignment::natural;
     int numberOfLines_ = 1;
+    // The last measure, as layouts ask the same again and again.
+    mutable struct {
+        const void* measurer = nullptr;
+        double width = -1;
+        Size size;
+    } measured_;
 };
 
 } // namespace uikit

@@ -46,6 +46,9 @@ public:
 
     std::shared_ptr<View> firstItem() const { return first_.lock(); }
     std::shared_ptr<View> secondItem() const { return second_.lock(); }
+    // The items without taking a reference: for the solver, while the tree holds them.
+    View* firstView() const { return first_.expired() ? nullptr : firstRaw_; }
+    View* secondView() const { return second_.expired() ? nullptr : secondRaw_; }
     LayoutAttribute firstAttribute() const { return firstAttribute_; }
     LayoutAttribute secondAttribute() const { return secondAttribute_; }
     LayoutRelation relation() const { return relation_; }
@@ -59,6 +62,8 @@ public:
 private:
     std::weak_ptr<View> first_;
     std::weak_ptr<View> second_;
+    View* firstRaw_ = nullptr;
+    View* secondRaw_ = nullptr;
     LayoutAttribute firstAttribute_ = LayoutAttribute::notAnAttribute;
     LayoutAttribute secondAttribute_ = LayoutAttribute::notAnAttribute;
     LayoutRelation relation_ = LayoutRelation::equal;

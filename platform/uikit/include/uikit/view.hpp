@@ -103,7 +103,7 @@ public:
     void addConstraints(const std::vector<std::shared_ptr<LayoutConstraint>>& constraints);
     void removeConstraint(const std::shared_ptr<LayoutConstraint>& constraint);
     const std::vector<std::shared_ptr<LayoutConstraint>>& constraints() const { return constraints_; }
-    void setNeedsLayout() { needsLayout_ = true; }
+    void setNeedsLayout();
     bool needsLayout() const { return needsLayout_; }
     // Lays out this view's subtree now if anything in it asked for it.
     void layoutIfNeeded();
@@ -112,6 +112,8 @@ public:
     virtual Size sizeThatFits(Size size) const;
     virtual Size intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
     void invalidateIntrinsicContentSize();
+    // What the constraint solver keeps between layouts of this view.
+    std::shared_ptr<void>& layoutPlan() { return layoutPlan_; }
     void sizeToFit();
 
     // The screen whose root view this is: its layout calls run around this view's.
@@ -140,6 +142,7 @@ private:
     };
     void recordMotion(bool frameChanges, bool alphaChanges);
     void resizeSubviews(Size oldSize);
+    void markAncestorsForLayout();
     Point originInWindow() const;
 
     Rect frame_;
@@ -162,8 +165,10 @@ private:
     bool translatesMask_ = true;
     std::vector<std::shared_ptr<LayoutConstraint>> constraints_;
     bool needsLayout_ = true;
+    bool subtreeNeedsLayout_ = true;  // some view below asked for layout
     std::vector<Motion> motions_;
     ViewController* viewController_ = nullptr;
+    std::shared_ptr<void> layoutPlan_;
 };
 
 // Makes a view of type T, shared as the tree holds it.
