@@ -202,9 +202,6 @@ std::unique_ptr<Scene> makeScene() {
     static_cast<uikit::Label&>(*scene->toast->subviews().front()).setTextAlignment(uikit::TextAlignment::center);
     view.addSubview(scene->toast);
 
-    // The kit lays a navigation controller's view out once while loading it, before the view
-    // knows its controller, so the bar would stay unplaced until something else asked for layout.
-    scene->navigation->view()->setNeedsLayout();
     scene->window->layoutTree();
     return scene;
 }
