@@ -11,7 +11,8 @@
 namespace renderer {
 
 // Shows a kit window in a Qt window: paints its tree, sized as its environment, repaints while
-// anything moves, and gives mouse clicks, the wheel and typed keys back to the kit.
+// anything moves, and gives mouse clicks, the wheel and typed keys back to the kit. Install the
+// Qt text measurer first, so the kit lays text out as it is drawn.
 class KitWidget final : public QWidget {
 public:
     explicit KitWidget(std::shared_ptr<uikit::Window> window, QWidget* parent = nullptr);
