@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Draws the file-type icons of conversation rows as PNG resources of the library.
+"""Draws the file-type icons of conversation rows, and the placeholder avatar of agents, as PNG
+resources of the library.
 
 Run from the repository root; writes belvakit/resources/images/<name>.png. The output is
 committed, so a build needs no Python: run this again only to change the icons.
@@ -87,13 +88,57 @@ def draw(label, band):
     return pixels
 
 
+AVATAR_SIZE = 40
+AVATAR_DISC = (200, 204, 208)
+AVATAR_FIGURE = (255, 255, 255)
+
+
+def draw_avatar():
+    """A grey disc with a white head and shoulders, its edges smoothed by 4x4 supersampling."""
+    size = AVATAR_SIZE
+    radius = size / 2
+    steps = 4
+
+    def inside_disc(x, y):
+        return (x - radius) ** 2 + (y - radius) ** 2 <= radius ** 2
+
+    def inside_figure(x, y):
+        head = (x - radius) ** 2 + (y - 15.5) ** 2 <= 7.0 ** 2
+        # Shoulders: the top of a wide ellipse, cut by the disc.
+        shoulders = ((x - radius) / 13.0) ** 2 + ((y - 36.0) / 12.0) ** 2 <= 1.0
+        return head or shoulders
+
+    pixels = []
+    for row in range(size):
+        line = []
+        for column in range(size):
+            disc = figure = 0
+            for sy in range(steps):
+                for sx in range(steps):
+                    x = column + (sx + 0.5) / steps
+                    y = row + (sy + 0.5) / steps
+                    if inside_disc(x, y):
+                        disc += 1
+                        if inside_figure(x, y):
+                            figure += 1
+            total = steps * steps
+            if disc == 0:
+                line.append(CLEAR)
+                continue
+            share = figure / disc
+            colour = tuple(round(AVATAR_DISC[i] * (1 - share) + AVATAR_FIGURE[i] * share) for i in range(3))
+            line.append(colour + (round(255 * disc / total),))
+        pixels.append(line)
+    return pixels
+
+
 def png(pixels):
     raw = b"".join(b"\x00" + b"".join(bytes(p) for p in row) for row in pixels)
 
     def chunk(kind, data):
         return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data) & 0xFFFFFFFF)
 
-    header = struct.pack(">IIBBBBB", SIZE, SIZE, 8, 6, 0, 0, 0)
+    header = struct.pack(">IIBBBBB", len(pixels[0]), len(pixels), 8, 6, 0, 0, 0)
     return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(raw, 9)) + chunk(b"IEND", b"")
 
 
@@ -102,6 +147,8 @@ def main():
     for name, (label, band) in ICONS.items():
         with open(os.path.join(OUT, name + ".png"), "wb") as out:
             out.write(png(draw(label, band)))
+    with open(os.path.join(OUT, "Avatar.png"), "wb") as out:
+        out.write(png(draw_avatar()))
 
 
 if __name__ == "__main__":

@@ -42,8 +42,8 @@ Point sourceOf(ImageOrientation orientation, int x, int y, int width, int height
     case ImageOrientation::right: return {y, height - 1 - x};
     case ImageOrientation::upMirrored: return {width - 1 - x, y};
     case ImageOrientation::downMirrored: return {x, height - 1 - y};
-    case ImageOrientation::leftMirrored: return {width - 1 - y, outWidth - 1 - x};
-    case ImageOrientation::rightMirrored: return {y, x};
+    case ImageOrientation::leftMirrored: return {y, x};
+    case ImageOrientation::rightMirrored: return {width - 1 - y, outWidth - 1 - x};
     }
     return {x, y};
 }

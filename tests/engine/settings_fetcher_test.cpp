@@ -37,20 +37,16 @@ const dastrel::CRVConversationsSettings off{false};
 
 } // namespace
 
-TEST(SupportEngineSettingsFetcher, ConversationsOnNeverAskForAnEmail) {
+// Only an anonymous user without an email is asked, and only while conversations are off; a failed
+// request counts as off.
+TEST(SupportEngineSettingsFetcher, AsksForAnEmailOnlyWhenNeitherConversationsNorTheIdentityCanReachTheUser) {
     EXPECT_EQ(ask(on, corvane::Identity::createAnonymous()), (Outcome{false, true}));
     EXPECT_EQ(ask(on, corvane::Identity::createJwt("token")), (Outcome{false, true}));
-}
-
-TEST(SupportEngineSettingsFetcher, WithConversationsOffOnlyAnAnonymousUserWithoutEmailIsAsked) {
     EXPECT_EQ(ask(off, corvane::Identity::createAnonymous("Ann")), (Outcome{true, false}));
     EXPECT_EQ(ask(off, corvane::Identity::createAnonymous("Ann", "")), (Outcome{true, false}));
     EXPECT_EQ(ask(off, corvane::Identity::createAnonymous(std::nullopt, "ann@example.com")), (Outcome{false, false}));
     EXPECT_EQ(ask(off, corvane::Identity::createJwt("token")), (Outcome{false, false}));
     EXPECT_EQ(ask(off, nullptr), (Outcome{false, false}));
-}
-
-TEST(SupportEngineSettingsFetcher, AFailedRequestCountsAsConversationsOff) {
     EXPECT_EQ(ask(std::nullopt, corvane::Identity::createAnonymous()), (Outcome{true, false}));
     EXPECT_EQ(ask(std::nullopt, corvane::Identity::createAnonymous("Ann", "ann@example.com")), (Outcome{false, false}));
 

@@ -91,7 +91,7 @@ protected:
 
 } // namespace
 
-TEST_F(SupportEngineTest, GreetsAfterTypingForTheDelayAndSendsTheMenuStateOnce) {
+TEST_F(SupportEngineTest, GreetsAfterTheTypingDelayThenAUserWithAnEmailGetsTheTicketAtOnce) {
     startWith(corvane::Identity::createAnonymous("Ann", "ann@example.com"), false);
 
     EXPECT_THAT(shown(), ElementsAre(typing, inputOpen, menuHidden));
@@ -103,12 +103,8 @@ TEST_F(SupportEngineTest, GreetsAfterTypingForTheDelayAndSendsTheMenuStateOnce) 
     EXPECT_EQ(engine_->supportModel()->engineState(), SupportEngineState{SupportEngineState::WaitingForTicketEntry{}});
     EXPECT_FALSE(engine_->isConversationOngoing());
     EXPECT_EQ(engine_->transferOptionDescription().engineId, "support");
-}
 
-TEST_F(SupportEngineTest, AUserWithAnEmailAndConversationsOffGetsTheTicketAtOnce) {
-    startWith(corvane::Identity::createAnonymous("Ann", "ann@example.com"), false);
-    greeted();
-
+    // With an email and conversations off, the ticket goes at once.
     submit("My order never came");
     ASSERT_GE(updates_.size(), 2u);
     const auto appended = std::get<Update::AppendMessagingItems>(updates_[seen_].value).items.at(0);
@@ -127,8 +123,6 @@ TEST_F(SupportEngineTest, AUserWithAnEmailAndConversationsOffGetsTheTicketAtOnce
 TEST_F(SupportEngineTest, ConversationsOnOfferTheRequestListWithTheHostsConfigurations) {
     auto configuration = std::make_shared<RequestUiConfiguration>();
     configuration->subject = "From the app";
-    configuration->tags = {"mobile", "engine"};
-    configuration->ticketFormID = 7;
     startWith(corvane::Identity::createAnonymous(), true, "", {configuration});
     greeted();
 
@@ -264,15 +258,6 @@ TEST_F(SupportEngineTest, AStartWithALogShowsNoGreetingAndSendsTheLogAsTheTicket
     const auto requests = helpDesk_->tickets()->requests();
     ASSERT_EQ(requests.size(), 1u);
     EXPECT_EQ(requests[0].requestDescription, "User: my card was declined");
-}
-
-TEST_F(SupportEngineTest, AFailedSettingsRequestLetsTheIdentityDecide) {
-    helpDesk_->conversationsSettings()->setFailing(true);
-    startWith(corvane::Identity::createAnonymous(), true);
-    greeted();
-    submit("Hello");
-    EXPECT_THAT(shown(), ElementsAre("append {query(pending) \"Hello\"}", inputOpen, "update {query(sent) \"Hello\"}",
-                                     inputOpen, typing, emailHint()));
 }
 
 TEST(SupportEngineCreation, FailsWithoutTheSupportLibraryOrAnIdentity) {

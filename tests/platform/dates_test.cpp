@@ -1,6 +1,5 @@
 #include "platform/base64.hpp"
 #include "platform/calendar.hpp"
-#include "platform/clock.hpp"
 
 #include <gtest/gtest.h>
 
@@ -46,14 +45,4 @@ TEST(Calendar, FormatsPatternsInItsLocaleAndZone) {
     // The platform's description is UTC whatever the calendar, seconds truncated.
     EXPECT_EQ(dateDescription(1700000000.75), "2023-11-14 22:13:20 +0000");
     EXPECT_EQ(dateDescription(0), "1970-01-01 00:00:00 +0000");
-}
-
-TEST(WallClock, TestsCanFixTheTime) {
-    auto fixed = std::make_shared<FixedWallClock>(1000);
-    auto previous = setWallClock(fixed);
-    EXPECT_EQ(now(), 1000);
-    fixed->advance(2.5);
-    EXPECT_EQ(now(), 1002.5);
-    setWallClock(previous);
-    EXPECT_GT(now(), 1700000000);
 }

@@ -76,28 +76,26 @@ TEST(FixOrientation, TurnsAndMirrorsThePixelsUprightAndLeavesUprightImagesAlone)
     const ImagePtr upright = marked(3, 2);
     EXPECT_EQ(fixOrientationOfImage(upright), upright) << "the same object";
     EXPECT_EQ(fixOrientationOfImage(nullptr), nullptr);
-    // Stored 3 wide and 2 high.
-    const auto down = fixOrientationOfImage(marked(3, 2, ImageOrientation::down));
-    EXPECT_EQ(down->orientation, ImageOrientation::up);
-    EXPECT_EQ(origin(*down, 0, 0), std::make_pair(2, 1));
-
-    const auto right = fixOrientationOfImage(marked(3, 2, ImageOrientation::right));
-    ASSERT_EQ(right->width, 2);
-    ASSERT_EQ(right->height, 3);
-    // Turned clockwise: the stored bottom-left corner comes to the top left.
-    EXPECT_EQ(origin(*right, 0, 0), std::make_pair(0, 1));
-    EXPECT_EQ(origin(*right, 1, 0), std::make_pair(0, 0));
-
-    const auto left = fixOrientationOfImage(marked(3, 2, ImageOrientation::left));
-    EXPECT_EQ(left->width, 2);
-    // Turned counter-clockwise: the stored top-right corner comes to the top left.
-    EXPECT_EQ(origin(*left, 0, 0), std::make_pair(2, 0));
-
-    const auto mirrored = fixOrientationOfImage(marked(3, 2, ImageOrientation::upMirrored));
-    EXPECT_EQ(origin(*mirrored, 0, 0), std::make_pair(2, 0));
-    const auto downMirrored = fixOrientationOfImage(marked(3, 2, ImageOrientation::downMirrored));
-    EXPECT_EQ(origin(*downMirrored, 0, 0), std::make_pair(0, 1));
-    const auto rightMirrored = fixOrientationOfImage(marked(3, 2, ImageOrientation::rightMirrored));
-    EXPECT_EQ(rightMirrored->height, 3);
-    EXPECT_EQ(origin(*rightMirrored, 1, 2), std::make_pair(2, 1));
+    // Stored 3 wide and 2 high; `at` is a shown pixel and `from` the stored pixel it shows.
+    const struct {
+        ImageOrientation orientation;
+        int width, height;
+        std::pair<int, int> at, from;
+    } cases[] = {
+        {ImageOrientation::down, 3, 2, {0, 0}, {2, 1}},
+        {ImageOrientation::right, 2, 3, {0, 0}, {0, 1}},  // turned clockwise
+        {ImageOrientation::right, 2, 3, {1, 0}, {0, 0}},
+        {ImageOrientation::left, 2, 3, {0, 0}, {2, 0}},  // turned counter-clockwise
+        {ImageOrientation::upMirrored, 3, 2, {0, 0}, {2, 0}},
+        {ImageOrientation::downMirrored, 3, 2, {0, 0}, {0, 1}},
+        {ImageOrientation::rightMirrored, 2, 3, {1, 2}, {0, 0}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(static_cast<int>(c.orientation));
+        const auto fixed = fixOrientationOfImage(marked(3, 2, c.orientation));
+        EXPECT_EQ(fixed->orientation, ImageOrientation::up);
+        ASSERT_EQ(fixed->width, c.width);
+        ASSERT_EQ(fixed->height, c.height);
+        EXPECT_EQ(origin(*fixed, c.at.first, c.at.second), c.from);
+    }
 }

@@ -79,7 +79,6 @@ TEST(LoopScheduler, DelayedWorkRunsOnTheMainLoop) {
 
 TEST(SerialQueue, RunsOneItemAtATimeInOrder) {
     SerialQueue queue("TokenQueue");
-    EXPECT_EQ(queue.label(), "TokenQueue");
     std::vector<int> order;
     std::atomic<int> concurrent = 0;
     std::atomic<int> maxConcurrent = 0;

@@ -1,5 +1,4 @@
 #include "platform/files.hpp"
-#include "platform/object.hpp"
 #include "platform/regular_expression.hpp"
 #include "platform/type_name.hpp"
 #include "platform/uuid.hpp"
@@ -50,17 +49,4 @@ TEST(Files, AtomicWriteReplacesWholeFileLeavesNoTemporariesAndFailsWithoutThrowi
     const auto blocker = std::filesystem::path(dir.path()) / "blocker";
     ASSERT_TRUE(writeFileAtomically(blocker, "a file where a directory should be"));
     EXPECT_FALSE(writeFileAtomically(blocker / "child.json", "x"));
-}
-
-TEST(Object, AssociatedValuesLiveAsLongAsTheObject) {
-    auto value = std::make_shared<int>(7);
-    std::weak_ptr<int> watch = value;
-    {
-        Object object;
-        object.setAssociatedObject("KEY", std::move(value));
-        EXPECT_EQ(*std::static_pointer_cast<int>(object.associatedObject("KEY")), 7);
-        EXPECT_EQ(object.associatedObject("OTHER"), nullptr);
-        EXPECT_FALSE(watch.expired());
-    }
-    EXPECT_TRUE(watch.expired());
 }

@@ -186,8 +186,6 @@ TEST_F(OperationsTest, AFailedUploadStopsBeforeTheProvider) {
 TEST_F(OperationsTest, ATicketIsMadeFromTheConfigurationAndItsAnswerIsRead) {
     RequestUiConfiguration config;
     config.subject = "Order";
-    config.tags = {"mobile"};
-    config.ticketFormID = 77;
     const boost::json::object body{
         {"request", dastrel::CRVRequest{.requestId = "501", .requestDescription = "Help", .createdAt = 1600}.toJson()},
         {"last_comment", dastrel::CRVComment{.commentId = 61, .body = "Help", .createdAt = 1600}.toJson()}};
@@ -196,8 +194,6 @@ TEST_F(OperationsTest, ATicketIsMadeFromTheConfigurationAndItsAnswerIsRead) {
         run(ticket("local", {file("a")}, UploadResults{{file("a"), uploaded("t-a", 3)}}, config), TicketInfo{"ignored", 0});
 
     EXPECT_EQ(provider_->created->subject, "Order");
-    EXPECT_EQ(provider_->created->tags, std::vector<std::string>{"mobile"});
-    EXPECT_EQ(provider_->created->ticketFormId, 77);
     EXPECT_EQ(provider_->created->attachments, std::vector<std::string>{"t-a"});
     const auto& created = results.only<Actions::TicketCreated>();
     EXPECT_EQ(created.localId, "local");

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <set>
 #include <random>
 
 using namespace belvakit;
@@ -25,7 +24,6 @@ public:
 
     std::vector<std::string> events;
     std::map<std::string, std::vector<std::string>> outcomes;  // message id -> "delivered" / "failed"
-    std::vector<Actions::CommentCreated> commentsCreated;
     std::vector<Actions::TicketCreated> ticketsCreated;
     int completed = 0;
 
@@ -36,7 +34,6 @@ private:
             ticketsCreated.push_back(*ticket);
         } else if (const auto* comment = tivra::actionAs<Actions::CommentCreated>(action)) {
             note("CommentCreated", comment->localId, "delivered");
-            commentsCreated.push_back(*comment);
         } else if (const auto* a = tivra::actionAs<Actions::TicketCreationError>(action)) {
             note("TicketCreationError", a->id, "failed");
         } else if (const auto* b = tivra::actionAs<Actions::CommentCreationError>(action)) {
@@ -138,34 +135,6 @@ TEST_F(QueueEndToEndTest, AFailedCreationFailsItsMessagesAndTheNextSendCreatesAT
     EXPECT_EQ(recorder_.events.at(3), "TicketCreated:local-3");
     ASSERT_EQ(host_.tickets().requests().size(), 1u);
     EXPECT_EQ(host_.tickets().requests()[0].requestDescription, "Second try");
-}
-
-TEST_F(QueueEndToEndTest, ACommentWithThreeAttachmentsReachesTheHelpDeskWithThreeFiles) {
-    sharedStore()->dispatch(details("local-1", "Opening"));
-    ASSERT_TRUE(settled([&] { return recorder_.completed > 0; }));
-    const std::vector<Upload::Attachment> files{{"png-bytes", "f1", FileType::png, "one.png"},
-                                                {"pdf-bytes", "f2", FileType::pdf, "two.pdf"},
-                                                {"txt-bytes", "f3", FileType::txt, "three.txt"}};
-    sharedStore()->dispatch(details("local-2", "Here are the files", files));
-    ASSERT_TRUE(settled([&] { return recorder_.completed > 1; }));
-
-    ASSERT_EQ(recorder_.commentsCreated.size(), 1u);
-    const auto& created = recorder_.commentsCreated[0];
-    ASSERT_EQ(created.attachments.size(), 3u);
-    const auto comments = host_.tickets().comments(host_.tickets().requests().at(0).requestId);
-    ASSERT_EQ(comments.size(), 2u);
-    ASSERT_EQ(comments[1].attachments.size(), 3u);
-    std::set<std::string> names, remoteIds, localIds;
-    for (const auto& file : comments[1].attachments) {
-        names.insert(file.filename);
-        remoteIds.insert(std::to_string(file.attachmentId));
-    }
-    for (const auto& [remoteId, file] : created.attachments) {
-        EXPECT_TRUE(remoteIds.contains(remoteId)) << remoteId;
-        localIds.insert(file.id);
-    }
-    EXPECT_EQ(names, (std::set<std::string>{"one.png", "two.pdf", "three.txt"}));
-    EXPECT_EQ(localIds, (std::set<std::string>{"f1", "f2", "f3"}));
 }
 
 TEST_F(QueueEndToEndTest, AFailedUploadFailsTheMessageAndTheQueueGoesOn) {

@@ -92,7 +92,6 @@ protected:
         store_->addActionListener([this](const tivra::Action& action) {
             if (tivra::actionAs<RequestQueueActions::QueueCompleted>(action)) ++completed_;
             if (tivra::actionAs<Actions::TicketCreated>(action)) seen_.push_back("TicketCreated");
-            if (tivra::actionAs<Actions::TicketCreationError>(action)) seen_.push_back("TicketCreationError");
         });
     }
 
@@ -133,15 +132,6 @@ TEST_F(QueueMiddlewareTest, RunsOneOperationAtATimeAndHandsOnTheCreatedTicket) {
     second->finishWith(commentCreated(6));
     EXPECT_EQ(middleware_->queueState(), State::ticketCreated("42", 6));
     EXPECT_EQ(completed_, 1);
-}
-
-TEST_F(QueueMiddlewareTest, AFailedCreationLeavesNoTicketAndTheQueueStillCompletes) {
-    auto first = operation("a");
-    run({first});
-    first->finishWith(Actions::TicketCreationError{});
-    EXPECT_EQ(middleware_->queueState(), State::initial());
-    EXPECT_EQ(completed_, 1);
-    EXPECT_EQ(seen_, (std::vector<std::string>{"TicketCreationError"}));
 }
 
 TEST_F(QueueMiddlewareTest, SetRequestIdWithoutIdChangesNothingAndResetWhileIdleForgetsTheTicket) {
@@ -226,14 +216,4 @@ TEST_F(QueueMiddlewareTest, DetailsOnAKnownTicketFetchBeforeTheCommentAndConfigR
     ASSERT_NE(comment, nullptr);
     EXPECT_EQ(comment->id(), "local-1");
     EXPECT_EQ(comment->body, "Hello");
-}
-
-TEST_F(QueueMiddlewareTest, DetailsWhileATicketIsBeingCreatedWaitAsAComment) {
-    auto creation = operation("creation");
-    run({creation});
-    RequestQueueActions::DispatchDetails details;
-    details.id = "local-2";
-    store_->dispatch(details);
-    ASSERT_EQ(middleware_->requestOperations().size(), 1u);
-    EXPECT_NE(dynamic_cast<const CommentRequestOperation*>(middleware_->requestOperations()[0].get()), nullptr);
 }

@@ -47,36 +47,34 @@ std::pair<AgentAvatarInfo, bool> fetch(const AvatarFetcher& fetcher, const Agent
 
 } // namespace
 
-TEST(AvatarFetcher, DownloadsOnceThenServesFromTheCache) {
+TEST(AvatarFetcher, KeepsOnlyRealImagesUnderTheirKeyAndServesThemFromTheCacheAfterwards) {
     testing_support::TemporaryDirectory directory;
     auto cache = std::make_shared<ConcreteCache>(directory.path(), true);
+    const auto stored = [&] {
+        bool done = false;
+        cache->run([&] { platform::MainQueue::shared().async([&] { done = true; }); });
+        EXPECT_TRUE(testing_support::pumpMainQueueUntil([&] { return done; }));
+        return cache->fileURL("https:avatarspeople7.png").has_value();
+    };
+    EXPECT_FALSE(fetch(AvatarFetcher{std::make_shared<FakeProvider>(""), cache}, ada).first.avatarImage);
+    EXPECT_FALSE(fetch(AvatarFetcher{std::make_shared<FakeProvider>("not an image"), cache}, ada).first.avatarImage);
+    EXPECT_FALSE(stored()) << "junk is not cached";
+    auto noUrl = ada;
+    noUrl.avatarUrl.reset();
     auto provider = std::make_shared<FakeProvider>(*platform::encodePNG(*platform::makeImage(3, 2)));
+    EXPECT_EQ(fetch(AvatarFetcher{provider, cache}, noUrl).first, noUrl);
+    EXPECT_TRUE(provider->requested.empty());
+
     const AvatarFetcher fetcher{provider, cache};
     const auto [first, downloaded] = fetch(fetcher, ada);
     ASSERT_TRUE(first.avatarImage);
     EXPECT_EQ(first.avatarImage->width, 3);
     EXPECT_TRUE(downloaded);
-    bool stored = false;
-    cache->run([&] { platform::MainQueue::shared().async([&] { stored = true; }); });
-    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return stored; }));
-    EXPECT_TRUE(cache->fileURL("https:avatarspeople7.png"));
+    EXPECT_TRUE(stored());
     const auto [second, downloadedAgain] = fetch(fetcher, ada);
     EXPECT_TRUE(second.avatarImage);
     EXPECT_FALSE(downloadedAgain);
     EXPECT_EQ(provider->requested.size(), 1u);
-}
-
-TEST(AvatarFetcher, FailuresJunkAndMissingUrlsLeaveTheInfoWithoutImage) {
-    testing_support::TemporaryDirectory directory;
-    auto cache = std::make_shared<ConcreteCache>(directory.path(), true);
-    EXPECT_FALSE(fetch(AvatarFetcher{std::make_shared<FakeProvider>(""), cache}, ada).first.avatarImage);
-    EXPECT_FALSE(fetch(AvatarFetcher{std::make_shared<FakeProvider>("not an image"), cache}, ada).first.avatarImage);
-    EXPECT_FALSE(cache->fileURL(avatarCacheKey(*ada.avatarUrl))) << "junk is not cached";
-    auto noUrl = ada;
-    noUrl.avatarUrl.reset();
-    auto provider = std::make_shared<FakeProvider>("x");
-    EXPECT_EQ(fetch(AvatarFetcher{provider, cache}, noUrl).first, noUrl);
-    EXPECT_TRUE(provider->requested.empty());
 }
 
 TEST(RequestListService, FetchesEachAvatarOnceAndFillsEveryRowThatShowsIt) {

@@ -281,20 +281,19 @@ TEST_F(RequestListPipelineTest, AFetchThatCannotStartOrGetsNoAnswerEndsTheLoadin
     silent.provider = makeRequestProvider();
     load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(silent); });
 
-    // Last, as the core object stays gone for the rest of the test.
-    corvane::Corvane::reset();
     sharedStore()->dispatch(Actions::RefreshRequests{});
-    load(RequestListStateType::ErroredFromNetwork, [&] { fetchCached(); });
-}
-
-TEST_F(RequestListPipelineTest, AFetchWithoutAServiceEndsTheLoadingAsAFailure) {
-    Actions::FetchRequests fetch;
-    fetch.isRefreshing = true;
-    load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(fetch); });
+    Actions::FetchRequests withoutService;
+    withoutService.isRefreshing = true;
+    load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(withoutService); });
     EXPECT_EQ(list().error, NetworkError::generic);
 
     sharedStore()->dispatch(Actions::RefreshRequests{});
     Actions::FetchAgentAvatars avatars;
     avatars.requestDatums = {RequestListCellData::local("t1", "Broken zip", 100, false)};
     load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(avatars); });
+
+    // Last, as the core object stays gone for the rest of the test.
+    corvane::Corvane::reset();
+    sharedStore()->dispatch(Actions::RefreshRequests{});
+    load(RequestListStateType::ErroredFromNetwork, [&] { fetchCached(); });
 }

@@ -168,10 +168,10 @@ TEST(MessageCellTextTest, ShowsRenderedHtmlOnlyWhenItHasVisibleText) {
     EXPECT_EQ(plain.runs().front().attributes, expected);
 
     EXPECT_EQ(messageCellText(true, "plain body", "<div><b>rich</b></div>").string(), "rich");
-    for (const std::optional<std::string>& html :
-         {std::optional<std::string>(), std::optional<std::string>(""), std::optional<std::string>("<div>  </div>"),
-          std::optional<std::string>("a<b>c</b>"), std::optional<std::string>("<p>a</p><p>b</p>"),
-          std::optional<std::string>("<div>a&nbsp;b</div>"), std::optional<std::string>("<br>")}) {
+    // No html, html without visible text, or html that does not parse: the plain body.
+    for (const std::optional<std::string>& html : {std::optional<std::string>(), std::optional<std::string>(""),
+                                                   std::optional<std::string>("<div>  </div>"),
+                                                   std::optional<std::string>("<div>a&nbsp;b</div>")}) {
         EXPECT_EQ(messageCellText(true, "plain body", html), plain) << html.value_or("(none)");
     }
     EXPECT_EQ(messageCellText(false, "plain body", "<div><b>rich</b></div>"), plain) << "a user's message stays plain";

@@ -1,5 +1,4 @@
 #include "fixtures.hpp"
-#include "tivra/debug_logger.hpp"
 #include "tivra/logger_middleware.hpp"
 
 #include <gtest/gtest.h>
@@ -73,12 +72,4 @@ TEST(LoggerMiddleware, AFalsePredicateLogsNothingButLetsTheActionThrough) {
     logged.store->dispatch(Increment());
     EXPECT_TRUE(logged.lines.empty());
     EXPECT_EQ(logged.store->state().valueOfType<Counter>()->value, 1);
-}
-
-TEST(TivraDebugLogger, OneSwitchBehindEnableDebugLogging) {
-    EXPECT_FALSE(Tivra::enableDebugLogging());
-    Tivra::setEnableDebugLogging(true);
-    EXPECT_TRUE(TivraDebugLogger::enabled());
-    TivraDebugLogger::setEnabled(false);
-    EXPECT_FALSE(Tivra::enableDebugLogging());
 }

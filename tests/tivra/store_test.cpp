@@ -50,25 +50,6 @@ TEST(StoreDispatch, NestedDispatchRunsToItsEndBeforeTheOuterCarriesOn) {
     EXPECT_EQ(journal, (std::vector<std::string>{"counter 1", "names nested", "after nested 1"}));
 }
 
-TEST(StoreDispatch, EachListenerReadsTheStateAfreshButItsOldValueFromTheSnapshot) {
-    auto store = twoSliceStore();
-    std::vector<std::pair<int, int>> seen;  // (old, new) of the second listener
-    store->addListener<Counter>([&](const Counter& counter) {
-        if (counter.value == 1) store->dispatch(Increment(10));
-    });
-    store->addListener<Counter>(std::nullopt, Filter<Counter>([&](const Counter& oldValue, const Counter& newValue) {
-                                    seen.emplace_back(oldValue.value, newValue.value);
-                                    return true;
-                                }),
-                                [](const Counter&) {});
-
-    store->dispatch(Increment());
-
-    // The nested pass runs first (old 1, new 11); the outer pass then reads the fresh state (11)
-    // with its own old value (0).
-    EXPECT_EQ(seen, (std::vector<std::pair<int, int>>{{1, 11}, {0, 11}}));
-}
-
 TEST(StoreDispatch, ListenersAddedDuringAPassWaitAndRemovedOnesStillHearIt) {
     auto store = twoSliceStore();
     int lateCalls = 0;
@@ -127,6 +108,8 @@ TEST(StoreDispatch, ASliceAddedDuringAPassMovesTheKeysWithoutMixingUpTheirListen
     store->addListener<Names>([&](const Names& names) { namesSeen.push_back(names.names.back()); });
 
     store->dispatch(Increment());
+    // The nested pass runs first (old 1, new 11); the outer pass then reads the fresh state (11)
+    // with its own old value from its snapshot (0).
     EXPECT_EQ(counterSeen, (std::vector<std::pair<int, int>>{{1, 11}, {0, 11}}));
     EXPECT_TRUE(namesSeen.empty());
 
@@ -153,8 +136,6 @@ TEST(StoreFilters, EqualsFilterSuppressesEqualValuesAndPassesNonComparableOnes) 
     store->dispatch(Increment(2));
     EXPECT_EQ(counterCalls, 1);
     EXPECT_EQ(opaqueCalls, 2);
-
-    EXPECT_TRUE(alwaysFilter(Counter{1}, Counter{1}));
     EXPECT_FALSE(EqualsFilter(std::string("a"), std::string("a")));
 }
 

@@ -2,6 +2,7 @@
 
 #include "uikit/animation.hpp"
 #include "uikit/button.hpp"
+#include "uikit/search_controller.hpp"
 #include "uikit/window.hpp"
 
 #include <algorithm>
@@ -24,6 +25,11 @@ std::shared_ptr<View> NavigationBar::buttonFor(const BarButtonItem& item, const 
 }
 
 void NavigationBar::show(const NavigationItem& item, bool canGoBack, std::function<void()> back) {
+    if (collapsed_) {
+        for (const auto& view : {left_, right_, titleView_, std::static_pointer_cast<View>(titleLabel_)})
+            if (view) view->setHidden(false);
+        collapsed_ = false;
+    }
     for (auto* view : {&left_, &right_, &titleView_})
         if (*view) (*view)->removeFromSuperview();
     left_ = right_ = titleView_ = nullptr;
@@ -48,12 +54,34 @@ void NavigationBar::show(const NavigationItem& item, bool canGoBack, std::functi
     if (item.rightBarButtonItem) right_ = buttonFor(*item.rightBarButtonItem, "");
     for (const auto& view : {left_, right_})
         if (view) addSubview(view);
+    const std::shared_ptr<View> searchBar = item.searchController ? item.searchController->searchBar() : nullptr;
+    if (searchBar_ && searchBar_ != searchBar && searchBar_->superview() == this) searchBar_->removeFromSuperview();
+    search_ = item.searchController;
+    searchBar_ = searchBar;
+    if (searchBar_) addSubview(searchBar_);
     setNeedsLayout();
+}
+
+double NavigationBar::contentHeight() const {
+    const auto search = search_.lock();
+    if (!search || !searchBar_) return height;
+    if (search->isActive() && search->hidesNavigationBarDuringPresentation) return SearchBar::height;
+    return height + SearchBar::height;
 }
 
 void NavigationBar::layoutSubviews() {
     View::layoutSubviews();
-    const Rect bar{0, frame().height() - height, frame().width(), height};
+    const double searchHeight = searchBar_ ? SearchBar::height : 0;
+    if (searchBar_) searchBar_->setFrame({0, frame().height() - searchHeight, frame().width(), searchHeight});
+    // An active search that hides the bar leaves only its search bar.
+    const auto search = search_.lock();
+    const bool collapsed = search && search->isActive() && search->hidesNavigationBarDuringPresentation;
+    if (collapsed != collapsed_) {
+        collapsed_ = collapsed;
+        for (const auto& view : {left_, right_, titleView_, std::static_pointer_cast<View>(titleLabel_)})
+            if (view) view->setHidden(collapsed);
+    }
+    const Rect bar{0, frame().height() - searchHeight - height, frame().width(), height};
     double leftEdge = 8;
     double rightEdge = bar.width() - 8;
     if (left_) {
@@ -163,7 +191,7 @@ void NavigationController::viewWillLayoutSubviews() {
     const Rect bounds = view()->bounds();
     const Window* window = view()->window();
     const double statusBar = window ? window->environment().safeAreaInsets.top : 0;
-    bar_->setFrame({0, 0, bounds.width(), statusBar + NavigationBar::height});
+    bar_->setFrame({0, 0, bounds.width(), statusBar + bar_->contentHeight()});
     // Screens lie under the bar, as on the platform; their safe area keeps content below it.
     if (auto* top = topViewController()) top->view()->setFrame(bounds);
 }

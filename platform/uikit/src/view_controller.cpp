@@ -21,6 +21,8 @@ const View::Ptr& ViewController::view() {
         loadView();
         if (!view_) view_ = make<View>();
         view_->setViewController(this);
+        // Layout run while loading went without the screen's calls: the first one after must have them.
+        view_->setNeedsLayout();
         viewDidLoad();
     }
     return view_;

@@ -9,6 +9,7 @@
 namespace uikit {
 
 class View;
+class SearchController;
 
 // An item of a navigation bar; the bar shows it as a button that runs `action`.
 struct BarButtonItem {
@@ -33,6 +34,8 @@ struct NavigationItem {
     BarButtonItemPtr backBarButtonItem;
     bool hidesBackButton = false;
     int largeTitleDisplayMode = 0;
+    // Its search bar shows under the title while the screen is on top.
+    std::shared_ptr<SearchController> searchController;
 };
 
 } // namespace uikit

@@ -9,6 +9,7 @@ namespace uikit {
 
 class Button;
 class Label;
+class SearchController;
 
 // The bar on top of a navigation controller: the top screen's title (or title view) and its bar
 // items as buttons.
@@ -20,6 +21,8 @@ public:
     void show(const NavigationItem& item, bool canGoBack, std::function<void()> back);
     void layoutSubviews() override;
     const std::shared_ptr<Label>& titleLabel() const { return titleLabel_; }
+    // The bar's height below the status bar: the title row, and the search bar when the item has one.
+    double contentHeight() const;
 
 private:
     std::shared_ptr<View> buttonFor(const BarButtonItem& item, const std::string& fallbackIdentifier);
@@ -27,6 +30,9 @@ private:
     std::shared_ptr<View> titleView_;
     std::shared_ptr<View> left_;
     std::shared_ptr<View> right_;
+    std::weak_ptr<SearchController> search_;
+    std::shared_ptr<View> searchBar_;
+    bool collapsed_ = false;
 };
 
 // A stack of screens under a bar; the top one shows.

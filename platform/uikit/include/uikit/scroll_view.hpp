@@ -17,11 +17,17 @@ public:
     // Kept within the content, as a user's scrolling is.
     void setContentOffset(Point offset, bool animated = false);
     const Size& contentSize() const { return contentSize_; }
-    void setContentSize(Size size) { contentSize_ = size; }
+    void setContentSize(Size size) {
+        if (size == contentSize_) return;
+        contentSize_ = size;
+        if (contentSizeDidChange) contentSizeDidChange();
+    }
     EdgeInsets contentInset;
     bool scrollEnabled = true;
     // Told after the offset changed.
     std::function<void()> didScroll;
+    // Told after the content size changed, as an observer of it would be.
+    std::function<void()> contentSizeDidChange;
 
     // The offset a scroll by (dx, dy) would reach, clamped to the content.
     Point clampedOffset(Point offset) const;
