@@ -4,7 +4,10 @@
 #include "uikit/button.hpp"
 #include "uikit/image_view.hpp"
 #include "uikit/navigation_controller.hpp"
+#include "uikit/search_bar.hpp"
+#include "uikit/table_view_cell.hpp"
 #include "uikit/text_input.hpp"
+#include "uikit/web_view.hpp"
 
 #include <map>
 
@@ -36,19 +39,24 @@ void drawContent(const uikit::View& view, QPainter& painter, const PaintContext&
             found->second(view, painter, context);
             return;
         }
-    // Most derived kinds first. Table cells and containers are plain views: their background,
-    // border and subviews are all they show.
-    if (const auto* input = dynamic_cast<const uikit::TextInput*>(&view)) return drawTextInput(*input, painter, context);
+    // Most derived kinds first. Tables, stack views and containers are plain views: their
+    // background, border and subviews are all they show.
+    if (const auto* input = dynamic_cast<const uikit::TextInput*>(&view)) {
+        if (dynamic_cast<const uikit::SearchBar*>(input->superview())) drawSearchGlyph(*input, painter, context);
+        return drawTextInput(*input, painter, context);
+    }
     if (const auto* button = dynamic_cast<const uikit::Button*>(&view)) return drawButton(*button, painter, context);
     if (const auto* label = dynamic_cast<const uikit::Label*>(&view)) return drawLabel(*label, painter, context);
     if (const auto* image = dynamic_cast<const uikit::ImageView*>(&view)) return drawImageView(*image, painter, context);
     if (const auto* spinner = dynamic_cast<const uikit::ActivityIndicatorView*>(&view))
         return drawActivityIndicator(*spinner, painter, context);
+    if (const auto* cell = dynamic_cast<const uikit::TableViewCell*>(&view))
+        return drawTableViewCell(*cell, painter, context);
+    if (const auto* web = dynamic_cast<const uikit::WebView*>(&view)) return drawWebView(*web, painter, context);
     if (const auto* bar = dynamic_cast<const uikit::NavigationBar*>(&view))
         return drawNavigationBar(*bar, painter, context);
-    // EXTENSION POINT: the web view. When the kit has uikit::WebView, its HTML is laid out with
-    // QTextDocument here, its height reported back to the kit and its links hit-tested for the
-    // navigation delegate. Until then a kind without a drawer shows its background and subviews.
+    if (const auto* search = dynamic_cast<const uikit::SearchBar*>(&view)) return drawSearchBar(*search, painter, context);
+    // New kinds go here, or register a drawer under their class name.
 }
 
 double contentOpacity(const uikit::View& view) {

@@ -13,7 +13,10 @@ class ActivityIndicatorView;
 class Button;
 class ImageView;
 class NavigationBar;
+class TableViewCell;
+class SearchBar;
 class TextInput;
+class WebView;
 } // namespace uikit
 
 namespace renderer::detail {
@@ -29,6 +32,11 @@ void drawImageView(const uikit::ImageView& view, QPainter& painter, const PaintC
 void drawActivityIndicator(const uikit::ActivityIndicatorView& view, QPainter& painter, const PaintContext& context);
 void drawTextInput(const uikit::TextInput& input, QPainter& painter, const PaintContext& context);
 void drawNavigationBar(const uikit::NavigationBar& bar, QPainter& painter, const PaintContext& context);
+void drawWebView(const uikit::WebView& view, QPainter& painter, const PaintContext& context);
+void drawTableViewCell(const uikit::TableViewCell& cell, QPainter& painter, const PaintContext& context);
+void drawSearchBar(const uikit::SearchBar& bar, QPainter& painter, const PaintContext& context);
+// The magnifying glass in the room a search bar's field leaves before its text.
+void drawSearchGlyph(const uikit::TextInput& field, QPainter& painter, const PaintContext& context);
 
 // The tint a view draws with: its own or its nearest parent's, else the platform's blue.
 QColor effectiveTint(const uikit::View& view);

@@ -15,8 +15,9 @@ namespace {
 constexpr double widestPage = 1e5;
 } // namespace
 
-HtmlPage::HtmlPage(const std::string& html, double width)
-    : html_(html), width_(std::isfinite(width) ? std::clamp(width, 1.0, widestPage) : widestPage) {
+double HtmlPage::layoutWidth(double width) { return std::isfinite(width) ? std::clamp(width, 1.0, widestPage) : widestPage; }
+
+HtmlPage::HtmlPage(const std::string& html, double width) : html_(html), width_(layoutWidth(width)) {
     // A browser's default: a 16-point sans serif face.
     document_.setDefaultFont(toQFont(platform::Font::systemFont(16)));
     document_.setDocumentMargin(margin);

@@ -1,10 +1,12 @@
 #include "renderer/input.hpp"
 
+#include "html_pages.hpp"
 #include "uikit/inspection.hpp"
 #include "uikit/scroll_view.hpp"
 #include "uikit/text_input.hpp"
+#include "uikit/web_view.hpp"
 
-#include <Qt>
+#include <QUrl>
 
 #include <cmath>
 
@@ -27,11 +29,32 @@ uikit::View* viewAt(uikit::View& view, uikit::Point point) {
     return own.contains(point) ? &view : nullptr;
 }
 
+// A link of a shown page under the point goes to its web view, resolved against the page's
+// base URL as a browser resolves it.
+bool followLink(uikit::Window& window, uikit::Point point) {
+    uikit::WebView* web = nullptr;
+    for (uikit::View* view = window.hitTest(point); view && !web; view = view->superview())
+        web = dynamic_cast<uikit::WebView*>(view);
+    if (!web || web->isLoading() || web->html().empty()) return false;
+    const uikit::Point inView = window.convert(point, web);
+    const uikit::Point offset = web->scrollView()->contentOffset();
+    const auto& page = detail::htmlPage(web->html(), web->frame().width());
+    const std::string link = page.linkAt({inView.x + offset.x, inView.y + offset.y});
+    if (link.empty()) return false;
+    std::string target = link;
+    if (const auto& base = web->baseURL()) {
+        const QUrl resolved = QUrl(QString::fromStdString(base->absoluteString())).resolved(QUrl(QString::fromStdString(link)));
+        if (resolved.isValid()) target = resolved.toString(QUrl::FullyEncoded).toStdString();
+    }
+    web->activateLink(target);
+    return true;
+}
+
 } // namespace
 
 bool clickAt(uikit::Window& window, uikit::Point point) {
     if (!std::isfinite(point.x) || !std::isfinite(point.y)) return false;
-    return uikit::tapAt(window, point);
+    return followLink(window, point) || uikit::tapAt(window, point);
 }
 
 bool scrollAt(uikit::Window& window, uikit::Point point, double dx, double dy) {

@@ -206,4 +206,71 @@ std::unique_ptr<Scene> makeScene() {
     return scene;
 }
 
+const char* const sampleArticle =
+    "<h2>Resetting a password</h2>"
+    "<p><a href=\"https://help.example.com/reset\">Open the reset page</a> and follow the steps it gives you, "
+    "one after another, until the new password is saved. <a href=\"/hc/articles/2\">Related article</a></p>";
+
+namespace {
+
+class ArticleRows final : public uikit::TableViewDataSource {
+public:
+    int numberOfRowsInSection(uikit::TableView&, int) override { return 40; }
+    std::shared_ptr<uikit::TableViewCell> cellForRowAt(uikit::TableView& table, const uikit::IndexPath& path) override {
+        auto cell = table.dequeueReusableCell("article", path);
+        cell->textLabel()->setText("Article " + std::to_string(path.row + 1));
+        cell->detailTextLabel()->setText("Updated " + std::to_string(path.row + 2) + " days ago");
+        cell->setAccessoryType(uikit::TableViewCellAccessoryType::disclosureIndicator);
+        return cell;
+    }
+    std::optional<std::string> titleForHeader(uikit::TableView&, int) override { return "Articles"; }
+};
+
+} // namespace
+
+std::unique_ptr<ListScene> makeListScene() {
+    auto scene = std::make_unique<ListScene>();
+    scene->window = make<uikit::Window>(uikit::Environment::phonePortrait());
+    scene->window->setBackgroundColor(Color::white());
+    auto screen = std::make_shared<uikit::ViewController>();
+    screen->setTitle("Help");
+    scene->window->setRootViewController(std::make_shared<uikit::NavigationController>(screen));
+    auto& view = *screen->view();
+
+    scene->searchBar = make<uikit::SearchBar>();
+    scene->searchBar->setFrame({0, 64, 375, uikit::SearchBar::height});
+    scene->searchBar->setPlaceholder("Search articles");
+    view.addSubview(scene->searchBar);
+
+    scene->table = make<uikit::TableView>(uikit::Rect{0, 120, 375, 260});
+    scene->table->registerCell("article", [] {
+        return std::make_shared<uikit::TableViewCell>(uikit::TableViewCellStyle::subtitle, "article");
+    });
+    scene->rows = std::make_shared<ArticleRows>();
+    scene->table->setDataSource(scene->rows);
+    view.addSubview(scene->table);
+    scene->table->selectRow(uikit::IndexPath{0, 1}, false, uikit::TableViewScrollPosition::none);
+
+    std::vector<std::shared_ptr<uikit::View>> chips;
+    for (const char* word : {"Billing", "Account", "Orders"}) {
+        auto chip = label(word, {}, Font::systemFont(14), Color::fromRGB(0, 90, 200));
+        chip->setBackgroundColor(Color::fromRGB(225, 236, 252));
+        chip->setTextAlignment(uikit::TextAlignment::center);
+        chips.push_back(chip);
+    }
+    scene->stack = make<uikit::StackView>(chips);
+    scene->stack->setFrame({16, 388, 343, 28});
+    scene->stack->setSpacing(8);
+    scene->stack->setDistribution(uikit::StackViewDistribution::fillEqually);
+    view.addSubview(scene->stack);
+
+    scene->web = make<uikit::WebView>(uikit::Rect{0, 424, 375, 243});
+    scene->web->setNavigationDelegate(scene->navigation);
+    scene->web->loadHTMLString(sampleArticle, platform::URL::parse("https://help.example.com/hc/articles/1"));
+    view.addSubview(scene->web);
+
+    scene->window->layoutTree();
+    return scene;
+}
+
 } // namespace renderer_test

@@ -5,7 +5,11 @@
 #include "uikit/label.hpp"
 #include "uikit/navigation_controller.hpp"
 #include "uikit/scroll_view.hpp"
+#include "uikit/search_bar.hpp"
+#include "uikit/stack_view.hpp"
+#include "uikit/table_view.hpp"
 #include "uikit/text_input.hpp"
+#include "uikit/web_view.hpp"
 #include "uikit/window.hpp"
 
 #include <QImage>
@@ -40,6 +44,30 @@ struct Scene {
 
 // Needs a Window in the main queue's current time; lays the tree out.
 std::unique_ptr<Scene> makeScene();
+
+// What a web view's delegate was asked, in order.
+struct RecordingNavigationDelegate final : uikit::WebViewNavigationDelegate {
+    std::vector<std::pair<uikit::NavigationType, std::string>> asked;
+    void decidePolicyForNavigationAction(uikit::WebView&, const uikit::NavigationAction& action,
+                                         std::function<void(uikit::NavigationActionPolicy)> decide) override {
+        asked.emplace_back(action.navigationType, action.url.absoluteString());
+        decide(uikit::NavigationActionPolicy::allow);
+    }
+};
+
+// The composite kinds: a search bar over a table of cells with a section header, a stack of
+// labels, and a web view showing a page. The page loads on the main queue: advance time by zero.
+struct ListScene {
+    std::shared_ptr<uikit::Window> window;
+    std::shared_ptr<uikit::SearchBar> searchBar;
+    std::shared_ptr<uikit::TableView> table;
+    std::shared_ptr<uikit::TableViewDataSource> rows;
+    std::shared_ptr<uikit::StackView> stack;
+    std::shared_ptr<uikit::WebView> web;
+    std::shared_ptr<RecordingNavigationDelegate> navigation = std::make_shared<RecordingNavigationDelegate>();
+};
+std::unique_ptr<ListScene> makeListScene();
+extern const char* const sampleArticle;
 
 platform::ImagePtr gradientImage(int width, int height);
 // Opaque inside a circle, clear outside.

@@ -19,6 +19,8 @@ public:
     static constexpr double margin = 8;
 
     HtmlPage(const std::string& html, double width);
+    // The width a page asked for is laid out at: at least a point, at most a hundred thousand.
+    static double layoutWidth(double width);
     HtmlPage(const HtmlPage&) = delete;
     HtmlPage& operator=(const HtmlPage&) = delete;
 
