@@ -1,7 +1,9 @@
+#include "renderer/application.hpp"
 #include "renderer/main_queue_pump.hpp"
 
 #include "platform/main_queue.hpp"
 
+#include <QApplication>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -27,6 +29,15 @@ TEST(MainQueuePump, QtsLoopRunsTheMainQueueAndItsTimers) {
     EXPECT_EQ(ran, (std::vector<std::string>{"now", "later"}));
     EXPECT_GE(turnsWithWork, 2);
     EXPECT_EQ(pump.pump(), 0u) << "nothing is left";
+}
+
+TEST(MainQueuePump, ThereIsOneApplication) {
+    EXPECT_TRUE(renderer::hasGuiApplication());
+    int argc = 1;
+    char name[] = "second";
+    char* argv[] = {name, nullptr};
+    EXPECT_EQ(renderer::startApplication(argc, argv), nullptr) << "the tests' own application is kept";
+    EXPECT_NE(QCoreApplication::instance(), nullptr);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 class QApplication;
 
 namespace renderer {
@@ -7,8 +9,9 @@ namespace renderer {
 // Whether Qt's GUI application exists, which fonts and text need.
 bool hasGuiApplication();
 
-// The Qt application drawing needs, made once if the host has none. Without a display, or when
-// asked, it runs on Qt's offscreen platform, so pictures can be made on any machine.
-QApplication& ensureApplication(bool offscreen = false);
+// The Qt application that drawing needs, for the host's main to keep while it draws (argc and
+// argv must live as long). Without a display, or when asked, it runs on Qt's offscreen platform,
+// so pictures can be made on any machine. Null when the process has an application already.
+std::unique_ptr<QApplication> startApplication(int& argc, char** argv, bool offscreen = false);
 
 } // namespace renderer
