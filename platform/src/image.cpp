@@ -52,6 +52,10 @@ Point sourceOf(ImageOrientation orientation, int x, int y, int width, int height
 
 ImagePtr fixOrientationOfImage(const ImagePtr& image) {
     if (!image || image->orientation == ImageOrientation::up) return image;
+    // Pixels that don't fill the stated size can't be turned: the image is not a bitmap at all.
+    if (image->width <= 0 || image->height <= 0 ||
+        image->rgba.size() < static_cast<std::size_t>(image->width) * static_cast<std::size_t>(image->height) * 4)
+        return nullptr;
     const bool swap = swapsSides(image->orientation);
     const int outWidth = swap ? image->height : image->width;
     const int outHeight = swap ? image->width : image->height;

@@ -76,6 +76,8 @@ TEST(FixOrientation, TurnsAndMirrorsThePixelsUprightAndLeavesUprightImagesAlone)
     const ImagePtr upright = marked(3, 2);
     EXPECT_EQ(fixOrientationOfImage(upright), upright) << "the same object";
     EXPECT_EQ(fixOrientationOfImage(nullptr), nullptr);
+    EXPECT_EQ(fixOrientationOfImage(std::make_shared<Image>(Image{3, 2, ImageOrientation::left, {1, 2, 3}})), nullptr)
+        << "pixels short of the size";
     // Stored 3 wide and 2 high; `at` is a shown pixel and `from` the stored pixel it shows.
     const struct {
         ImageOrientation orientation;

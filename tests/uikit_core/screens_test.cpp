@@ -102,6 +102,22 @@ TEST(Screens, NavigationPushesAndPopsWithTheBarsBackButtonAndKeepsContentBelowTh
     EXPECT_EQ(first->safeAreaInsets().top, 20);
 }
 
+// What a screen reads when it is told it appeared: its frames and insets are already laid out.
+TEST(Screens, AScreenIsLaidOutBeforeItIsToldItAppeared) {
+    class Reader final : public ViewController {
+    public:
+        void viewDidAppear(bool) override { topOnAppear = safeAreaInsets().top; }
+        double topOnAppear = -1;
+    };
+    auto window = std::make_shared<Window>();
+    auto root = std::make_shared<Reader>();
+    window->setRootViewController(std::make_shared<NavigationController>(root));
+    EXPECT_EQ(root->topOnAppear, 20 + NavigationBar::height);
+    auto pushed = std::make_shared<Reader>();
+    root->navigationController()->pushViewController(pushed, false);
+    EXPECT_EQ(pushed->topOnAppear, 20 + NavigationBar::height);
+}
+
 TEST(Input, TapsReachTheViewUnderThemAndTypingGoesThroughTheFirstResponder) {
     auto window = std::make_shared<Window>();
     auto screen = std::make_shared<ViewController>();
@@ -142,7 +158,25 @@ TEST(Input, TapsReachTheViewUnderThemAndTypingGoesThroughTheFirstResponder) {
     EXPECT_EQ(shown[0].endFrame.minY(), window->bounds().height() - 216);
     field->insertText("\b\b");
     EXPECT_EQ(field->text(), "Ada");
+    // A character of several bytes is one change, and one backspace takes it whole.
+    std::vector<std::string> seen;
+    field->shouldChangeText = [&](const std::string& next) {
+        seen.push_back(next);
+        return true;
+    };
+    field->insertText("\xC3\xA9");  // é
+    EXPECT_EQ(seen, std::vector<std::string>{"Ada\xC3\xA9"});
+    field->deleteBackward();
+    EXPECT_EQ(field->text(), "Ada");
     EXPECT_EQ(visibleTexts(*window), (std::vector<std::string>{"Send", "Ada"}));
+    // A button's looks follow its state at the next layout.
+    button->setTitle("Sending", ControlState::disabled);
+    button->setEnabled(true);
+    window->layoutTree();
+    EXPECT_EQ(button->titleLabel()->text(), "Send");
+    button->setEnabled(false);
+    window->layoutTree();
+    EXPECT_EQ(button->titleLabel()->text(), "Sending");
 
     // A first responder that leaves the window takes the keyboard with it.
     field->removeFromSuperview();

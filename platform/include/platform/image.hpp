@@ -41,7 +41,7 @@ using ImagePtr = std::shared_ptr<const Image>;
 ImagePtr makeImage(int width, int height, ImageOrientation orientation = ImageOrientation::up);
 
 // The image with its pixels turned upright and orientation `up`. An upright image comes back as
-// the same object.
+// the same object; one whose pixels don't fill its size comes back as null.
 ImagePtr fixOrientationOfImage(const ImagePtr& image);
 
 } // namespace platform

@@ -140,10 +140,15 @@ void NavigationController::show(ViewController* leaving, bool animated) {
     }
     if (!arriving) return;
     const auto& shown = arriving->view();
+    const bool onScreen = isVisible() && view()->window();
     if (shown->superview() != view().get()) {
-        if (isVisible()) arriving->beginAppearanceTransition(true, animated);
+        if (onScreen) arriving->beginAppearanceTransition(true, animated);
         view()->insertSubview(shown, 0);
-        if (isVisible()) arriving->endAppearanceTransition();
+        refreshBar();
+        view()->setNeedsLayout();
+        // On screen, a screen has its frames before it is told it appeared.
+        if (onScreen) view()->layoutIfNeeded();
+        if (onScreen) arriving->endAppearanceTransition();
     }
     refreshBar();
     view()->setNeedsLayout();

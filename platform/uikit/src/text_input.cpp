@@ -50,14 +50,19 @@ bool TextInput::change(std::string next) {
 
 void TextInput::insertText(const std::string& typed) {
     if (!editable) return;
-    for (const char c : typed) {
+    // Character by character, as keys give them: a character of several bytes goes in whole.
+    for (std::size_t i = 0; i < typed.size();) {
+        const char c = typed[i];
+        std::size_t length = 1;
+        while (i + length < typed.size() && (static_cast<unsigned char>(typed[i + length]) & 0xC0) == 0x80) ++length;
         if (c == '\b') {
             deleteBackward();
         } else if (c == '\n' && className() == "UITextField") {
             pressReturn();
         } else {
-            change(text_ + c);
+            change(text_ + typed.substr(i, length));
         }
+        i += length;
     }
 }
 

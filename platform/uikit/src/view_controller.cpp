@@ -95,6 +95,7 @@ void ViewController::presentViewController(const Ptr& controller, bool animated,
     shown->setFrame(animated ? target.offsetBy(0, full.height()) : target);
     controller->beginAppearanceTransition(true, animated);
     window->addSubview(shown);
+    window->layoutIfNeeded();
     auto finish = [controller, completion = std::move(completion)](bool) {
         controller->endAppearanceTransition();
         if (completion) completion();

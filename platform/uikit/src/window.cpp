@@ -40,6 +40,8 @@ void Window::setRootViewController(std::shared_ptr<ViewController> controller) {
     root_->view()->setFrame(bounds());
     root_->view()->setAutoresizingMask(Autoresizing::flexibleWidth | Autoresizing::flexibleHeight);
     addSubview(root_->view());
+    // On screen, a screen has its frames before it is told it appeared.
+    layoutIfNeeded();
     root_->endAppearanceTransition();
 }
 

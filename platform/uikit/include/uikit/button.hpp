@@ -27,11 +27,21 @@ public:
     std::string_view className() const override { return "UIControl"; }
 
     bool isEnabled() const { return enabled_; }
-    void setEnabled(bool enabled) { enabled_ = enabled; }
+    // State changes lay the control out again: its looks follow its state.
+    void setEnabled(bool enabled) {
+        enabled_ = enabled;
+        setNeedsLayout();
+    }
     bool isSelected() const { return selected_; }
-    void setSelected(bool selected) { selected_ = selected; }
+    void setSelected(bool selected) {
+        selected_ = selected;
+        setNeedsLayout();
+    }
     bool isHighlighted() const { return highlighted_; }
-    void setHighlighted(bool highlighted) { highlighted_ = highlighted; }
+    void setHighlighted(bool highlighted) {
+        highlighted_ = highlighted;
+        setNeedsLayout();
+    }
     unsigned state() const;
 
     void addTarget(ControlEvent event, std::function<void()> action);
