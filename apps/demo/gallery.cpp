@@ -5,6 +5,7 @@
 #include "belvakit/toolkit/progress_state_machine.hpp"
 #include "belvakit/toolkit/theme.hpp"
 #include "belvakit/toolkit/toast.hpp"
+#include "belvakit/toolkit/toast_style.hpp"
 #include "belvakit/toolkit/ui_util.hpp"
 #include "belvakit/toolkit/ui_view_controller.hpp"
 #include "corvane/reachability.hpp"
@@ -65,6 +66,14 @@ GalleryShot toastShot(CRVToastType type, bool withButton) {
     const std::string name = "toast-type-" + std::to_string(type) + (withButton ? "-button" : "");
     return {name, "Toast type " + std::to_string(type) + (withButton ? " with button" : ""), 1.0, [type, withButton] {
                 auto screen = std::make_shared<StageScreen>("Toasts", [type, withButton](StageScreen& stage) {
+                    // Types share one look until a host styles them: two are styled here to show how.
+                    if (type == 1) {
+                        CRVToastStyle::setValue(platform::Color::fromRGB(39, 174, 96), 1, CRVToastStyleKeys::background);
+                        CRVToastStyle::setValue(platform::Color::fromRGB(30, 132, 73), 1, CRVToastStyleKeys::buttonBackground);
+                    } else if (type == 2) {
+                        CRVToastStyle::setValue(platform::Color::fromRGB(230, 126, 34), 2, CRVToastStyleKeys::background);
+                        CRVToastStyle::setValue(platform::Color::fromRGB(186, 96, 20), 2, CRVToastStyleKeys::buttonBackground);
+                    }
                     const std::string message = "We couldn't reach the help desk. Your message is kept.";
                     if (withButton)
                         CRVToast::showMessage(message, type, stage.self(), "Retry", [] {}, nullptr, true);

@@ -10,6 +10,7 @@
 #include "belvakit/Request/queue/request_fetcher.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "engine_dialog.hpp"
+#include "gallery_runner.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "platform/calendar.hpp"
 #include "belvakit/entry/support_ui.hpp"
@@ -112,6 +113,11 @@ bool send(const std::string& id, const std::string& body, std::vector<Upload::At
 
 int main(int argc, char** argv) {
     if (argc > 1 && std::string_view(argv[1]) == "--engine") return belvademo::runEngineDialog();
+    if (argc > 2 && std::string_view(argv[1]) == "--shots") {
+        const std::string directory = argv[2];
+        return belvademo::renderGalleryShots(argc, argv, directory);
+    }
+    if (argc > 1 && std::string_view(argv[1]) == "--window") return belvademo::runGalleryWindow(argc, argv);
     const auto storage = std::filesystem::temp_directory_path() / "belva-demo";
     std::filesystem::remove_all(storage);
     auto helpDesk = sandbox::HelpDesk::make({.storageDirectory = storage});
