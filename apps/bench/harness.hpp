@@ -33,5 +33,6 @@ std::vector<Metric> queueMetrics();
 std::vector<Metric> tableMetrics();
 std::vector<Metric> requestListMetrics();
 std::vector<Metric> uiMetrics();
+std::vector<Metric> renderMetrics();
 
 } // namespace bench

@@ -16,7 +16,8 @@ namespace {
 std::vector<bench::Metric> allMetrics() {
     std::vector<bench::Metric> all;
     for (auto&& group : {bench::storeMetrics(), bench::conversationMetrics(), bench::richtextMetrics(),
-                         bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics(), bench::uiMetrics()})
+                         bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics(), bench::uiMetrics(),
+                         bench::renderMetrics()})
         for (auto& metric : group) all.push_back(metric);
     return all;
 }
