@@ -34,21 +34,26 @@ struct ExactHandler {
         return true;
     }
     bool on_int64(std::int64_t i, boost::json::string_view, boost::system::error_code&) {
-        number.clear();
+        if (!number.empty()) number.clear();
         stack.push_int64(i);
         return true;
     }
     bool on_uint64(std::uint64_t u, boost::json::string_view, boost::system::error_code&) {
-        number.clear();
+        if (!number.empty()) number.clear();
         stack.push_uint64(u);
         return true;
     }
     bool on_double(double d, boost::json::string_view s, boost::system::error_code&) {
-        number.append(s.data(), s.size());
+        // The text comes in pieces only when the input does; one buffer gives it whole.
+        std::string_view text(s.data(), s.size());
+        if (!number.empty()) {
+            number.append(s.data(), s.size());
+            text = number;
+        }
         double exact = d;
-        const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), exact);
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exact);
         // Out of range: keep the library's answer (an infinity or zero), as its own parser does.
-        stack.push_double(error == std::errc{} && end == number.data() + number.size() ? exact : d);
+        stack.push_double(error == std::errc{} && end == text.data() + text.size() ? exact : d);
         number.clear();
         return true;
     }
