@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <any>
+#include <thread>
 #include <boost/json.hpp>
 
 using namespace belvakit;
@@ -256,4 +257,17 @@ TEST_F(OperationsTest, FetchAsksSinceTheTicketsDateAndConvertsEachComment) {
 
     provider_->comments.reset();
     run(fetch, TicketInfo{"300", 0}).only<Actions::FetchCommentsError>();
+}
+
+// The queue reads an operation's id on the main thread while a provider's answer may read it on
+// its own: the id exists from the start, so neither writes it.
+TEST(OperationIds, AFetchHasItsIdFromTheStartForEveryThread) {
+    const auto fetch = std::make_shared<FetchNewCommentsOperation>();
+    std::string seenElsewhere;
+    std::thread reader([&] { seenElsewhere = fetch->id(); });
+    const std::string seenHere = fetch->id();
+    reader.join();
+    EXPECT_EQ(seenHere, seenElsewhere);
+    EXPECT_EQ(seenHere.size(), 36u);
+    EXPECT_NE(FetchNewCommentsOperation().id(), seenHere);
 }
