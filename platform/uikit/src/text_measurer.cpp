@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <atomic>
 #include <mutex>
+#include <vector>
 
 namespace uikit {
 
@@ -69,22 +71,27 @@ Size FixedWidthTextMeasurer::measure(const platform::AttributedString& text, dou
 }
 
 namespace {
-std::mutex measurerMutex;
-std::shared_ptr<const TextMeasurer>& installed() {
-    static std::shared_ptr<const TextMeasurer> measurer = std::make_shared<FixedWidthTextMeasurer>();
-    return measurer;
+// Every label asks for the measurer on every measure, so reading it takes no lock. A replaced
+// measurer stays alive (with whoever holds it) and the last one is never freed while in use:
+// the installed ones are kept here.
+std::mutex installMutex;
+std::vector<std::shared_ptr<const TextMeasurer>>& installedMeasurers() {
+    static std::vector<std::shared_ptr<const TextMeasurer>> measurers{std::make_shared<FixedWidthTextMeasurer>()};
+    return measurers;
 }
+std::atomic<const TextMeasurer*> current{installedMeasurers().front().get()};
 } // namespace
 
-const TextMeasurer& textMeasurer() {
-    std::lock_guard lock(measurerMutex);
-    return *installed();
-}
+const TextMeasurer& textMeasurer() { return *current.load(std::memory_order_acquire); }
 
 std::shared_ptr<const TextMeasurer> setTextMeasurer(std::shared_ptr<const TextMeasurer> measurer) {
-    std::lock_guard lock(measurerMutex);
+    std::lock_guard lock(installMutex);
     if (!measurer) measurer = std::make_shared<FixedWidthTextMeasurer>();
-    return std::exchange(installed(), std::move(measurer));
+    auto& measurers = installedMeasurers();
+    const auto previous = measurers.back();
+    measurers.push_back(std::move(measurer));
+    current.store(measurers.back().get(), std::memory_order_release);
+    return previous;
 }
 
 } // namespace uikit
