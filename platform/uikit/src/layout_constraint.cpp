@@ -7,6 +7,7 @@
 
 #include <cctype>
 #include <cstdint>
+#include <limits>
 #include <cmath>
 #include <map>
 #include <optional>
@@ -40,41 +41,56 @@ bool horizontal(A attribute) {
            attribute == A::width || attribute == A::centerX;
 }
 
+// A number that may be unknown, held as NaN: the solver's inner loops test and pass these all the
+// time, and a plain double is cheaper than an optional there.
+class Maybe {
+public:
+    constexpr Maybe() = default;
+    constexpr Maybe(double value) : value_(value) {}
+    explicit operator bool() const { return !std::isnan(value_); }
+    double operator*() const { return value_; }
+    void reset() { value_ = std::numeric_limits<double>::quiet_NaN(); }
+
+private:
+    double value_ = std::numeric_limits<double>::quiet_NaN();
+};
+
 // One axis of a view being solved: any two of its four values fix the other two.
 struct Axis {
-    std::optional<double> min, max, size, center;
+    Maybe min, max, size, center;
 
-    std::optional<double> minimum() const {
+    Maybe minimum() const {
         if (min) return min;
         if (max && size) return *max - *size;
         if (center && size) return *center - *size / 2;
         if (center && max) return 2 * *center - *max;
-        return std::nullopt;
+        return {};
     }
-    std::optional<double> maximum() const {
+    Maybe maximum() const {
         if (max) return max;
         if (min && size) return *min + *size;
         if (center && size) return *center + *size / 2;
         if (center && min) return 2 * *center - *min;
-        return std::nullopt;
+        return {};
     }
-    std::optional<double> extent() const {
+    Maybe extent() const {
         if (size) return size;
         const auto low = minimum();
         const auto high = maximum();
         if (low && high) return *high - *low;
-        return std::nullopt;
+        return {};
     }
-    std::optional<double> middle() const {
+    Maybe middle() const {
         if (center) return center;
         const auto low = minimum();
         const auto high = maximum();
         if (low && high) return (*low + *high) / 2;
-        return std::nullopt;
+        return {};
     }
 };
 
 struct Solving {
+    explicit Solving(View* placed) : view(placed) {}
     View* view;
     Axis x, y;
 };
@@ -175,7 +191,7 @@ private:
             if (!first) continue;
             for (View* item : {first, second}) {
                 if (!item || item == &container_ || item->translatesAutoresizingMaskIntoConstraints()) continue;
-                if (!find(item)) items_.push_back(Solving{item, {}, {}});
+                if (!find(item)) items_.emplace_back(item);
             }
             active_.push_back({first, constraint->firstAttribute(), constraint->relation(), second,
                                constraint->secondAttribute(), constraint->multiplier(), constraint->constant()});
@@ -191,7 +207,7 @@ private:
             active_.back().settled = false;
             sources_.push_back(plan.sources[i]);
         }
-        for (View* item : plan.items) items_.push_back(Solving{item, {}, {}});
+        for (View* item : plan.items) items_.emplace_back(item);
     }
 
     Solving* find(View* view) {
@@ -207,7 +223,7 @@ private:
     }
 
     // A view that is not solved here stands where it is.
-    std::optional<double> fixedValue(View* view, A attribute) const {
+    Maybe fixedValue(View* view, A attribute) const {
         const Rect frame = view == &container_ ? Rect({}, container_.frame().size)
                                                : view->convert(view->bounds(), &container_);
         switch (attribute) {
@@ -219,11 +235,11 @@ private:
         case A::height: return frame.height();
         case A::centerX: return frame.midX();
         case A::centerY: return frame.midY();
-        default: return std::nullopt;
+        default: return {};
         }
     }
 
-    std::optional<double> value(View* view, A attribute) {
+    Maybe value(View* view, A attribute) {
         if (attribute == A::notAnAttribute) return 0.0;
         Axis* axis = axisOf(view, attribute);
         if (!axis) return fixedValue(view, attribute);
@@ -252,7 +268,7 @@ private:
     }
 
     void resetAxes() {
-        for (auto& item : items_) item.x = item.y = Axis{};
+        for (auto& item : items_) item.x = item.y = Axis();
         for (auto& c : active_) c.settled = false;
     }
 
@@ -269,7 +285,7 @@ private:
             }
             const Active& c = active_[step.index];
             const bool forward = step.kind == Plan::forward;
-            const auto known = forward ? (c.second ? value(c.second, c.secondAttribute) : std::optional(0.0))
+            const auto known = forward ? (c.second ? value(c.second, c.secondAttribute) : Maybe(0.0))
                                        : value(c.first, c.firstAttribute);
             if (!known) return false;
             const double multiplier = c.second ? c.multiplier : 0;
@@ -289,7 +305,7 @@ private:
         for (std::size_t index = 0; index < active_.size(); ++index) {
             auto& c = active_[index];
             if (c.relation != LayoutRelation::equal || c.settled) continue;
-            const auto right = c.second ? value(c.second, c.secondAttribute) : std::optional(0.0);
+            const auto right = c.second ? value(c.second, c.secondAttribute) : Maybe(0.0);
             const auto left = value(c.first, c.firstAttribute);
             const double multiplier = c.second ? c.multiplier : 0;
             // Once both sides are known the constraint has done all it can.
@@ -335,7 +351,7 @@ private:
             if (c.relation == LayoutRelation::equal) continue;
             Axis* axis = axisOf(c.first, c.firstAttribute);
             if (!axis) continue;
-            const auto right = c.second ? value(c.second, c.secondAttribute) : std::optional(0.0);
+            const auto right = c.second ? value(c.second, c.secondAttribute) : Maybe(0.0);
             if (!right) continue;
             const double bound = *right * (c.second ? c.multiplier : 0) + c.constant;
             const auto current = value(c.first, c.firstAttribute);
