@@ -1,8 +1,6 @@
 #include "renderer/input.hpp"
 #include "renderer/kit_widget.hpp"
-#include "renderer/qt_text_measurer.hpp"
 #include "scene.hpp"
-#include "test_support.hpp"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -16,11 +14,8 @@ namespace {
 using namespace renderer_test;
 using uikit::make;
 
-class Input : public testing::Test {
+class Input : public QtMeasuredTest {
 protected:
-    Input() : previousMeasurer_(renderer::installQtTextMeasurer()) {}
-    ~Input() override { uikit::setTextMeasurer(previousMeasurer_); }
-
     void click(QWidget& widget, QPointF at, QPointF releasedAt) {
         QMouseEvent press(QEvent::MouseButtonPress, at, widget.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton,
                           Qt::NoModifier);
@@ -38,9 +33,6 @@ protected:
         const uikit::Rect frame = view.convert(view.bounds(), nullptr);
         return {frame.midX(), frame.midY()};
     }
-
-    testing_support::VirtualTime time_;
-    std::shared_ptr<const uikit::TextMeasurer> previousMeasurer_;
 };
 
 TEST_F(Input, AClickReachesTheButtonUnderIt) {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 
 namespace renderer_test {
 
@@ -12,35 +13,36 @@ using platform::Color;
 using platform::Font;
 using uikit::make;
 
-platform::ImagePtr gradientImage(int width, int height) {
+namespace {
+
+platform::ImagePtr imageOf(int width, int height, const std::function<void(int, int, std::uint8_t*)>& paint) {
     auto image = std::make_shared<platform::Image>();
     image->width = width;
     image->height = height;
     image->rgba.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            auto* pixel = &image->rgba[(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + x) * 4];
-            pixel[0] = static_cast<std::uint8_t>(255 * x / std::max(1, width - 1));
-            pixel[1] = static_cast<std::uint8_t>(120);
-            pixel[2] = static_cast<std::uint8_t>(255 * y / std::max(1, height - 1));
-            pixel[3] = 255;
-        }
+        for (int x = 0; x < width; ++x)
+            paint(x, y, &image->rgba[(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + x) * 4]);
     return image;
 }
 
+} // namespace
+
+platform::ImagePtr gradientImage(int width, int height) {
+    return imageOf(width, height, [&](int x, int y, std::uint8_t* pixel) {
+        pixel[0] = static_cast<std::uint8_t>(255 * x / std::max(1, width - 1));
+        pixel[1] = 120;
+        pixel[2] = static_cast<std::uint8_t>(255 * y / std::max(1, height - 1));
+        pixel[3] = 255;
+    });
+}
+
 platform::ImagePtr discMask(int size) {
-    auto image = std::make_shared<platform::Image>();
-    image->width = image->height = size;
-    image->rgba.resize(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * 4);
     const double r = size / 2.0;
-    for (int y = 0; y < size; ++y)
-        for (int x = 0; x < size; ++x) {
-            const bool inside = std::hypot(x + 0.5 - r, y + 0.5 - r) <= r - 1;
-            auto* pixel = &image->rgba[(static_cast<std::size_t>(y) * static_cast<std::size_t>(size) + x) * 4];
-            pixel[0] = pixel[1] = pixel[2] = 0;
-            pixel[3] = inside ? 255 : 0;
-        }
-    return image;
+    return imageOf(size, size, [&](int x, int y, std::uint8_t* pixel) {
+        pixel[0] = pixel[1] = pixel[2] = 0;
+        pixel[3] = std::hypot(x + 0.5 - r, y + 0.5 - r) <= r - 1 ? 255 : 0;
+    });
 }
 
 QColor pixelAt(const QImage& image, double x, double y, double scale) {
@@ -86,18 +88,25 @@ std::shared_ptr<uikit::TextField> field(uikit::Rect frame) {
     return made;
 }
 
+// A white phone window whose root is a navigation controller around a screen of that title.
+std::shared_ptr<uikit::ViewController> showScreen(std::shared_ptr<uikit::Window>& window, const std::string& title,
+                                                  std::shared_ptr<uikit::NavigationController>* navigation = nullptr) {
+    window = make<uikit::Window>(uikit::Environment::phonePortrait());
+    window->setBackgroundColor(Color::white());
+    auto screen = std::make_shared<uikit::ViewController>();
+    screen->setTitle(title);
+    auto controller = std::make_shared<uikit::NavigationController>(screen);
+    window->setRootViewController(controller);
+    if (navigation) *navigation = controller;
+    return screen;
+}
+
 } // namespace
 
 std::unique_ptr<Scene> makeScene() {
     auto scene = std::make_unique<Scene>();
-    scene->window = make<uikit::Window>(uikit::Environment::phonePortrait());
-    scene->window->setBackgroundColor(Color::white());
-
-    auto screen = std::make_shared<uikit::ViewController>();
-    screen->setTitle("Renderer");
+    auto screen = showScreen(scene->window, "Renderer", &scene->navigation);
     screen->navigationItem().rightBarButtonItem = std::make_shared<uikit::BarButtonItem>(uikit::BarButtonItem{"Edit"});
-    scene->navigation = std::make_shared<uikit::NavigationController>(screen);
-    scene->window->setRootViewController(scene->navigation);
     scene->window->makeKeyAndVisible();
     scene->screen = screen->view();
     auto& view = *scene->screen;
@@ -230,11 +239,7 @@ public:
 
 std::unique_ptr<ListScene> makeListScene() {
     auto scene = std::make_unique<ListScene>();
-    scene->window = make<uikit::Window>(uikit::Environment::phonePortrait());
-    scene->window->setBackgroundColor(Color::white());
-    auto screen = std::make_shared<uikit::ViewController>();
-    screen->setTitle("Help");
-    scene->window->setRootViewController(std::make_shared<uikit::NavigationController>(screen));
+    auto screen = showScreen(scene->window, "Help");
     auto& view = *screen->view();
 
     scene->searchBar = make<uikit::SearchBar>();

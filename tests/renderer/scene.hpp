@@ -12,7 +12,11 @@
 #include "uikit/web_view.hpp"
 #include "uikit/window.hpp"
 
+#include "renderer/qt_text_measurer.hpp"
+#include "test_support.hpp"
+
 #include <QImage>
+#include <gtest/gtest.h>
 
 #include <memory>
 #include <vector>
@@ -77,5 +81,15 @@ platform::ImagePtr discMask(int size);
 QColor pixelAt(const QImage& image, double x, double y, double scale = 1);
 // Whether the colours differ by more than `tolerance` in a channel.
 bool differs(const QColor& a, const QColor& b, int tolerance = 4);
+
+// Measures text with Qt, on virtual time.
+class QtMeasuredTest : public testing::Test {
+protected:
+    QtMeasuredTest() : previousMeasurer_(renderer::installQtTextMeasurer()) {}
+    ~QtMeasuredTest() override { uikit::setTextMeasurer(previousMeasurer_); }
+
+    testing_support::VirtualTime time_;
+    std::shared_ptr<const uikit::TextMeasurer> previousMeasurer_;
+};
 
 } // namespace renderer_test

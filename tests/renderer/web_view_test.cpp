@@ -2,9 +2,7 @@
 #include "renderer/input.hpp"
 #include "renderer/offscreen.hpp"
 #include "renderer/qt_html_measurer.hpp"
-#include "renderer/qt_text_measurer.hpp"
 #include "scene.hpp"
-#include "test_support.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,22 +11,16 @@ namespace {
 using namespace renderer_test;
 using uikit::NavigationType;
 
-class WebPages : public testing::Test {
+class WebPages : public QtMeasuredTest {
 protected:
-    WebPages()
-        : previousText_(renderer::installQtTextMeasurer()), previousHTML_(renderer::installQtHTMLMeasurer()) {}
-    ~WebPages() override {
-        uikit::setTextMeasurer(previousText_);
-        uikit::setHTMLMeasurer(previousHTML_);
-    }
+    WebPages() : previousHTML_(renderer::installQtHTMLMeasurer()) {}
+    ~WebPages() override { uikit::setHTMLMeasurer(previousHTML_); }
     // A point of the web view's page, in the window, the page scrolled as it is.
     static uikit::Point onPage(const uikit::WebView& web, double x, double y) {
         const uikit::Point offset = web.scrollView()->contentOffset();
         return web.convert(uikit::Point{x - offset.x, y - offset.y}, nullptr);
     }
 
-    testing_support::VirtualTime time_;
-    std::shared_ptr<const uikit::TextMeasurer> previousText_;
     std::shared_ptr<const uikit::HTMLMeasurer> previousHTML_;
 };
 

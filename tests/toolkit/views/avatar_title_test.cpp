@@ -1,13 +1,11 @@
 #include "belvakit/Request/requestlist/avatar_fetcher.hpp"
 #include "belvakit/resources/image_resources.hpp"
 #include "belvakit/toolkit/avatar_title.hpp"
+#include "navigation_fixture.hpp"
 #include "platform/image_codec.hpp"
 #include "platform/url_opener.hpp"
-#include "test_support.hpp"
 #include "uikit/animation.hpp"
 #include "uikit/inspection.hpp"
-#include "uikit/navigation_controller.hpp"
-#include "uikit/window.hpp"
 
 #include <gtest/gtest.h>
 
@@ -55,25 +53,9 @@ std::vector<AvatarImageView*> avatarsIn(uikit::View& root) {
     return avatars;
 }
 
-class AvatarTitleTest : public ::testing::Test {
+class AvatarTitleTest : public toolkit_testing::NavigationScreenTest {
 protected:
-    void SetUp() override {
-        screen = std::make_shared<uikit::ViewController>();
-        navigation = std::make_shared<uikit::NavigationController>(screen);
-        window = std::make_shared<uikit::Window>();
-        window->makeKeyAndVisible();
-        window->setRootViewController(navigation);
-        // The kit lays the navigation view out before it knows its controller; this pass places the bar.
-        navigation->view()->setNeedsLayout();
-        window->layoutTree();
-        cache = std::make_shared<MemoryCache>();
-    }
-
-    testing_support::VirtualTime time;
-    std::shared_ptr<uikit::ViewController> screen;
-    std::shared_ptr<uikit::NavigationController> navigation;
-    std::shared_ptr<uikit::Window> window;
-    std::shared_ptr<MemoryCache> cache;
+    std::shared_ptr<MemoryCache> cache = std::make_shared<MemoryCache>();
 };
 
 TEST_F(AvatarTitleTest, TheBarShowsEachAgentsAvatarAndTheirNames) {

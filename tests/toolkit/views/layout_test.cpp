@@ -2,11 +2,7 @@
 #include "belvakit/toolkit/layout_guide_applicator.hpp"
 #include "belvakit/toolkit/list_helpers.hpp"
 #include "belvakit/toolkit/pin.hpp"
-#include "test_support.hpp"
-#include "uikit/navigation_controller.hpp"
-#include "uikit/window.hpp"
-
-#include <gtest/gtest.h>
+#include "navigation_fixture.hpp"
 
 using namespace belvakit;
 using uikit::LayoutAttribute;
@@ -14,39 +10,29 @@ using uikit::Rect;
 
 namespace {
 
-class LayoutTest : public ::testing::Test {
+class LayoutTest : public toolkit_testing::NavigationScreenTest {
 protected:
-    // A screen in a navigation controller on a phone: its top guide ends below the bar, at 64.
     void SetUp() override {
-        screen = std::make_shared<uikit::ViewController>();
-        navigation = std::make_shared<uikit::NavigationController>(screen);
-        window = std::make_shared<uikit::Window>();
-        window->makeKeyAndVisible();
-        window->setRootViewController(navigation);
-        // The kit lays the navigation view out before it knows its controller; this pass places the bar.
-        navigation->view()->setNeedsLayout();
-        window->layoutTree();
+        NavigationScreenTest::SetUp();
         container = screen->view();
-        box = uikit::make<uikit::View>(Rect{0, 0, 100, 50});
         container->addSubview(box);
     }
     void layout() {
         container->setNeedsLayout();
         window->layoutTree();
     }
-    std::shared_ptr<uikit::LayoutConstraint> pinTop(double constant) {
+    void pinLeadingAndHeight() {
         Pin::pin(box, LayoutAttribute::leading, container, 0, container.get());
-        Pin::pin(box, LayoutAttribute::width, nullptr, 100, container.get());
         Pin::pin(box, LayoutAttribute::height, nullptr, 50, container.get());
+    }
+    std::shared_ptr<uikit::LayoutConstraint> pinTop(double constant) {
+        pinLeadingAndHeight();
+        Pin::pin(box, LayoutAttribute::width, nullptr, 100, container.get());
         return Pin::pin(box, LayoutAttribute::top, container, constant, container.get());
     }
 
-    testing_support::VirtualTime time;
-    std::shared_ptr<uikit::ViewController> screen;
-    std::shared_ptr<uikit::NavigationController> navigation;
-    std::shared_ptr<uikit::Window> window;
     std::shared_ptr<uikit::View> container;
-    std::shared_ptr<uikit::View> box;
+    std::shared_ptr<uikit::View> box = uikit::make<uikit::View>(Rect{0, 0, 100, 50});
 };
 
 TEST_F(LayoutTest, PinPlacesTheViewByConstraintsInItsParent) {
@@ -89,8 +75,7 @@ TEST_F(LayoutTest, TheApplicatorMovesTheTopConstraintBelowTheBarsKeepingItsWhole
 }
 
 TEST_F(LayoutTest, WithoutAConstraintToMoveTheViewSitsRightOnTheGuide) {
-    Pin::pin(box, LayoutAttribute::leading, container, 0, container.get());
-    Pin::pin(box, LayoutAttribute::height, nullptr, 50, container.get());
+    pinLeadingAndHeight();
     // A top constraint to another view is not the one to move.
     auto other = uikit::make<uikit::View>(Rect{0, 300, 10, 10});
     container->addSubview(other);
@@ -104,8 +89,7 @@ TEST_F(LayoutTest, WithoutAConstraintToMoveTheViewSitsRightOnTheGuide) {
 
 TEST_F(LayoutTest, TheBottomGuideKeepsTheViewAboveTheHomeIndicator) {
     window->setEnvironment(uikit::Environment::phoneLandscape());
-    Pin::pin(box, LayoutAttribute::leading, container, 0, container.get());
-    Pin::pin(box, LayoutAttribute::height, nullptr, 50, container.get());
+    pinLeadingAndHeight();
     // container.bottom == box.bottom + 10: 10 points of space.
     Pin::pin(container, LayoutAttribute::bottom, box, 10, container.get());
     container->setTranslatesAutoresizingMaskIntoConstraints(true);
@@ -134,8 +118,7 @@ TEST_F(LayoutTest, VisualFormatsAndConstraintMatching) {
 
 TEST_F(LayoutTest, TheKeyboardHelperLiftsTheBottomConstraintAndTellsItsListeners) {
     // A bar pinned to the screen's bottom.
-    Pin::pin(box, LayoutAttribute::leading, container, 0, container.get());
-    Pin::pin(box, LayoutAttribute::height, nullptr, 50, container.get());
+    pinLeadingAndHeight();
     const auto bottom = Pin::pin(box, LayoutAttribute::bottom, container, 0, container.get());
     layout();
     ASSERT_EQ(box->frame().maxY(), 667);
