@@ -236,9 +236,12 @@ void View::resizeSubviews(Size oldSize) {
     if (subviews_.empty()) return;
     const double dw = frame_.size.width - oldSize.width;
     const double dh = frame_.size.height - oldSize.height;
+    // A change moves or sizes a child only through its leading margin or its size on that axis.
+    const unsigned moving = (dw != 0 ? Autoresizing::flexibleLeftMargin | Autoresizing::flexibleWidth : 0u) |
+                            (dh != 0 ? Autoresizing::flexibleTopMargin | Autoresizing::flexibleHeight : 0u);
     for (const auto& child : subviews_) {
         const unsigned mask = child->autoresizingMask_;
-        if (!child->translatesMask_ || mask == Autoresizing::none) continue;
+        if (!child->translatesMask_ || !(mask & moving)) continue;
         Rect frame = child->frame_;
         // The change is shared evenly among the flexible parts of each axis.
         const auto share = [](double delta, bool before, bool size, bool after, double& origin, double& extent) {
