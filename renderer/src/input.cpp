@@ -1,7 +1,7 @@
 #include "renderer/input.hpp"
 
 #include "html_pages.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 #include "uikit/scroll_view.hpp"
 #include "uikit/text_input.hpp"
 #include "uikit/web_view.hpp"

@@ -4,7 +4,7 @@
 #include "renderer/view_painter.hpp"
 #include "scene.hpp"
 #include "uikit/animation.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 
 #include <QPainter>
 

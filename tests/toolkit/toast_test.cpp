@@ -2,7 +2,7 @@
 #include "belvakit/toolkit/toast_view_wrapper.hpp"
 #include "toolkit_fixture.hpp"
 #include "uikit/animation.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 
 #include <algorithm>
 

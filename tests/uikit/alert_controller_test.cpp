@@ -1,6 +1,6 @@
 #include "test_support.hpp"
 #include "uikit/alert_controller.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 #include "uikit/window.hpp"
 
 #include <gtest/gtest.h>

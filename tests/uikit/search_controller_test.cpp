@@ -1,5 +1,5 @@
 #include "test_support.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 #include "uikit/navigation_controller.hpp"
 #include "uikit/search_controller.hpp"
 #include "uikit/window.hpp"

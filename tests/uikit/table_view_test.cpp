@@ -1,6 +1,6 @@
 #include "table_support.hpp"
 #include "test_support.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 #include "uikit/layout_constraint.hpp"
 #include "uikit/text_measurer.hpp"
 #include "uikit/window.hpp"

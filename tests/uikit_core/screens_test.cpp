@@ -3,7 +3,7 @@
 #include "platform/notification_center.hpp"
 #include "test_support.hpp"
 #include "uikit/button.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 #include "uikit/navigation_controller.hpp"
 #include "uikit/text_input.hpp"
 #include "uikit/window.hpp"

@@ -5,7 +5,7 @@
 #include "platform/image_codec.hpp"
 #include "platform/url_opener.hpp"
 #include "uikit/animation.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 
 #include <gtest/gtest.h>
 

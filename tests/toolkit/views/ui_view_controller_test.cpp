@@ -6,7 +6,7 @@
 #include "test_support.hpp"
 #include "uikit/animation.hpp"
 #include "uikit/button.hpp"
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 #include "uikit/navigation_controller.hpp"
 #include "uikit/window.hpp"
 

@@ -1,4 +1,4 @@
-#include "uikit/inspection.hpp"
+#include "uikit/probe.hpp"
 
 #include "uikit/button.hpp"
 #include "uikit/text_input.hpp"
