@@ -1,5 +1,7 @@
 #include "uikit/html_measurer.hpp"
 
+#include "installed.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -181,22 +183,16 @@ Size TextEstimateHTMLMeasurer::measure(const std::string& html, double width) co
 }
 
 namespace {
-std::mutex measurerMutex;
-std::shared_ptr<const HTMLMeasurer>& installed() {
-    static std::shared_ptr<const HTMLMeasurer> measurer = std::make_shared<TextEstimateHTMLMeasurer>();
+Installed<HTMLMeasurer, TextEstimateHTMLMeasurer>& installed() {
+    static Installed<HTMLMeasurer, TextEstimateHTMLMeasurer> measurer;
     return measurer;
 }
 } // namespace
 
-const HTMLMeasurer& htmlMeasurer() {
-    std::lock_guard lock(measurerMutex);
-    return *installed();
-}
+const HTMLMeasurer& htmlMeasurer() { return installed().get(); }
 
 std::shared_ptr<const HTMLMeasurer> setHTMLMeasurer(std::shared_ptr<const HTMLMeasurer> measurer) {
-    std::lock_guard lock(measurerMutex);
-    if (!measurer) measurer = std::make_shared<TextEstimateHTMLMeasurer>();
-    return std::exchange(installed(), std::move(measurer));
+    return installed().set(std::move(measurer));
 }
 
 } // namespace uikit

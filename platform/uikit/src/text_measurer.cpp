@@ -1,5 +1,7 @@
 #include "uikit/text_measurer.hpp"
 
+#include "installed.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <atomic>
@@ -71,27 +73,16 @@ Size FixedWidthTextMeasurer::measure(const platform::AttributedString& text, dou
 }
 
 namespace {
-// Every label asks for the measurer on every measure, so reading it takes no lock. A replaced
-// measurer stays alive (with whoever holds it) and the last one is never freed while in use:
-// the installed ones are kept here.
-std::mutex installMutex;
-std::vector<std::shared_ptr<const TextMeasurer>>& installedMeasurers() {
-    static std::vector<std::shared_ptr<const TextMeasurer>> measurers{std::make_shared<FixedWidthTextMeasurer>()};
-    return measurers;
+Installed<TextMeasurer, FixedWidthTextMeasurer>& installed() {
+    static Installed<TextMeasurer, FixedWidthTextMeasurer> measurer;
+    return measurer;
 }
-std::atomic<const TextMeasurer*> current{installedMeasurers().front().get()};
 } // namespace
 
-const TextMeasurer& textMeasurer() { return *current.load(std::memory_order_acquire); }
+const TextMeasurer& textMeasurer() { return installed().get(); }
 
 std::shared_ptr<const TextMeasurer> setTextMeasurer(std::shared_ptr<const TextMeasurer> measurer) {
-    std::lock_guard lock(installMutex);
-    if (!measurer) measurer = std::make_shared<FixedWidthTextMeasurer>();
-    auto& measurers = installedMeasurers();
-    const auto previous = measurers.back();
-    measurers.push_back(std::move(measurer));
-    current.store(measurers.back().get(), std::memory_order_release);
-    return previous;
+    return installed().set(std::move(measurer));
 }
 
 } // namespace uikit
