@@ -258,6 +258,7 @@ void RequestListViewController::render(RequestListState newState) {
     switch (newState.stateType) {
     case RequestListStateType::LoadedFromNetwork:
         giveToHandler(newState);
+        failed_ = false;
         finishLoading();
         updateEmptyView();
         updateLogo();
@@ -275,6 +276,7 @@ void RequestListViewController::render(RequestListState newState) {
         break;
     case RequestListStateType::ErroredFromNetwork:
         giveToHandler(newState);
+        failed_ = true;
         finishLoading();
         updateEmptyView();
         showError();
@@ -301,10 +303,9 @@ void RequestListViewController::finishLoading() {
 
 void RequestListViewController::updateEmptyView() {
     const bool empty = tableViewHandler->tableData.requests.empty();
-    const bool failed = tableViewHandler->tableData.stateType == RequestListStateType::ErroredFromNetwork;
     inboxView->setHidden(!empty || loading_);
     requestListTableView->setHidden(empty && !loading_);
-    conversationsLabel->setText(localized(failed ? LocalizedKey::requestsRequestListError
+    conversationsLabel->setText(localized(failed_ ? LocalizedKey::requestsRequestListError
                                                  : LocalizedKey::requestsRequestListEmptySubtitle));
     inboxView->setNeedsLayout();
     if (loading_ && empty && !refreshController->isRefreshing())

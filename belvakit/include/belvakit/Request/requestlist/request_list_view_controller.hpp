@@ -94,6 +94,8 @@ private:
     std::shared_ptr<RequestListRefreshActionHandler> refreshHandler_ = std::make_shared<RequestListRefreshActionHandler>();
     platform::ObservationToken unauthorizedObserver_;
     bool loading_ = false;
+    // The last answer from the help desk was a failure.
+    bool failed_ = false;
 };
 
 } // namespace belvakit
