@@ -3,6 +3,7 @@
 #include "corvane/corvane.hpp"
 #include "sandbox/attachment_store.hpp"
 #include "sandbox/conversations_settings_desk.hpp"
+#include "sandbox/help_center_desk.hpp"
 #include "sandbox/ticket_desk.hpp"
 
 #include <filesystem>
@@ -39,6 +40,9 @@ public:
     const std::shared_ptr<TicketDesk>& tickets() const { return tickets_; }
     // Whether users can follow up on their tickets in the app.
     const std::shared_ptr<ConversationsSettingsDesk>& conversationsSettings() const { return conversationsSettings_; }
+    // Categories, sections and articles, search, votes and the Help Center settings; starts with the
+    // sample content built into the library.
+    const std::shared_ptr<HelpCenterDesk>& helpCenter() const { return helpCenter_; }
 
 private:
     explicit HelpDesk(Options options);
@@ -46,6 +50,7 @@ private:
     std::shared_ptr<AttachmentStore> attachments_;
     std::shared_ptr<TicketDesk> tickets_;
     std::shared_ptr<ConversationsSettingsDesk> conversationsSettings_ = ConversationsSettingsDesk::make();
+    std::shared_ptr<HelpCenterDesk> helpCenter_;
 };
 
 } // namespace sandbox
