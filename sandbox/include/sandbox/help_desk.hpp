@@ -3,11 +3,8 @@
 #include "corvane/corvane.hpp"
 #include "sandbox/attachment_store.hpp"
 #include "sandbox/conversations_settings_desk.hpp"
-<<<<<<< HEAD
-#include "sandbox/telemetry_desk.hpp"
-=======
 #include "sandbox/help_center_desk.hpp"
->>>>>>> d4c6ed4
+#include "sandbox/telemetry_desk.hpp"
 #include "sandbox/ticket_desk.hpp"
 
 #include <filesystem>
@@ -44,14 +41,11 @@ public:
     const std::shared_ptr<TicketDesk>& tickets() const { return tickets_; }
     // Whether users can follow up on their tickets in the app.
     const std::shared_ptr<ConversationsSettingsDesk>& conversationsSettings() const { return conversationsSettings_; }
-<<<<<<< HEAD
-    // The usage events the library sent.
-    const std::shared_ptr<TelemetryDesk>& telemetry() const { return telemetry_; }
-=======
     // Categories, sections and articles, search, votes and the Help Center settings; starts with the
     // sample content built into the library.
     const std::shared_ptr<HelpCenterDesk>& helpCenter() const { return helpCenter_; }
->>>>>>> d4c6ed4
+    // The usage events the library sent.
+    const std::shared_ptr<TelemetryDesk>& telemetry() const { return telemetry_; }
 
 private:
     explicit HelpDesk(Options options);
@@ -59,11 +53,8 @@ private:
     std::shared_ptr<AttachmentStore> attachments_;
     std::shared_ptr<TicketDesk> tickets_;
     std::shared_ptr<ConversationsSettingsDesk> conversationsSettings_ = ConversationsSettingsDesk::make();
-<<<<<<< HEAD
-    std::shared_ptr<TelemetryDesk> telemetry_ = std::make_shared<TelemetryDesk>();
-=======
     std::shared_ptr<HelpCenterDesk> helpCenter_;
->>>>>>> d4c6ed4
+    std::shared_ptr<TelemetryDesk> telemetry_ = std::make_shared<TelemetryDesk>();
 };
 
 } // namespace sandbox
