@@ -3,6 +3,7 @@
 #include "corvane/corvane.hpp"
 #include "sandbox/attachment_store.hpp"
 #include "sandbox/conversations_settings_desk.hpp"
+#include "sandbox/settings_desk.hpp"
 #include "sandbox/ticket_desk.hpp"
 
 #include <filesystem>
@@ -39,6 +40,8 @@ public:
     const std::shared_ptr<TicketDesk>& tickets() const { return tickets_; }
     // Whether users can follow up on their tickets in the app.
     const std::shared_ptr<ConversationsSettingsDesk>& conversationsSettings() const { return conversationsSettings_; }
+    // The account's ticket settings: conversations, attachments, email, referrer, system message.
+    const std::shared_ptr<SettingsDesk>& settings() const { return settings_; }
 
 private:
     explicit HelpDesk(Options options);
@@ -46,6 +49,7 @@ private:
     std::shared_ptr<AttachmentStore> attachments_;
     std::shared_ptr<TicketDesk> tickets_;
     std::shared_ptr<ConversationsSettingsDesk> conversationsSettings_ = ConversationsSettingsDesk::make();
+    std::shared_ptr<SettingsDesk> settings_ = SettingsDesk::make();
 };
 
 } // namespace sandbox
