@@ -1,9 +1,12 @@
 #pragma once
 
-// What the support library's network dispatcher announces on the default notification centre.
-namespace dastrel::DispatcherNotifications {
+namespace dastrel {
 
-// Posted when the help desk answers a call with HTTP 401: the user's access has gone.
-inline constexpr const char* UnauthorizedNotificationName = "CRVUnauthorizedNotification";
+// What the support library's network dispatcher posts on the default notification centre.
+struct DispatcherNotifications {
+    // A request was answered with HTTP 401: the identity is no longer accepted. Posted on the
+    // main queue.
+    static constexpr const char* UnauthorizedNotificationName = "CRVDispatcherUnauthorizedNotification";
+};
 
-} // namespace dastrel::DispatcherNotifications
+} // namespace dastrel
