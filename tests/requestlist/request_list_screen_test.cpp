@@ -4,10 +4,10 @@
 #include "belvakit/Request/requestlist/request_list_view_controller.hpp"
 #include "belvakit/engine/support_engine.hpp"
 #include "belvakit/entry/localized_strings.hpp"
+#include "belvakit/entry/request_container_controller.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
 #include "dastrel/dispatcher_notifications.hpp"
-#include "dastrel/settings.hpp"
 #include "platform/image_codec.hpp"
 #include "test_support.hpp"
 #include "uikit/navigation_controller.hpp"
@@ -25,17 +25,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
-
-// The account's settings, answered on the main queue; none while failing.
-class SettingsDesk final : public dastrel::SettingsProvider {
-public:
-    void getSettings(std::function<void(std::optional<dastrel::SupportSettings>)> completion) override {
-        auto answer = failing ? std::nullopt : std::optional(settings);
-        platform::MainQueue::shared().async([answer, completion = std::move(completion)] { completion(answer); });
-    }
-    dastrel::SupportSettings settings;
-    bool failing = false;
-};
 
 // A ticket screen that remembers which ticket it was made for.
 class TicketScreen final : public uikit::ViewController {
@@ -77,7 +66,6 @@ class RequestListScreenTest : public testing::Test {
 protected:
     void SetUp() override {
         sharedStore()->dispatch(Actions::ClearRequestList{});
-        host_.core->providerModule().setProvider<dastrel::SettingsProvider>(settings_);
         // The desk answers only as virtual time moves, so a visit's kept rows come first, as on a device.
         host_.tickets().setLatency(platform::milliseconds(100));
         window_->makeKeyAndVisible();
@@ -101,14 +89,14 @@ protected:
     }
 
     // The list pushed over a home screen, as a host shows it.
-    void show(const std::shared_ptr<ListScreen>& list) {
+    void show(const std::shared_ptr<RequestListViewController>& list) {
         navigation_ = std::make_shared<uikit::NavigationController>(home_);
         window_->setRootViewController(navigation_);
         navigation_->pushViewController(list, false);
         window_->layoutTree();
     }
     // A visit: the kept rows first, then the desk's answer unless none was asked for.
-    void visit(const std::shared_ptr<ListScreen>& list, bool asksTheDesk = true) {
+    void visit(const std::shared_ptr<RequestListViewController>& list, bool asksTheDesk = true) {
         const Passes before = passes();
         show(list);
         awaitVisit(before, asksTheDesk);
@@ -176,7 +164,7 @@ protected:
     queue_testing::FixedClock clock_;
     testing_support::TemporaryDirectory directory_;
     queue_testing::Host host_{directory_.path()};
-    std::shared_ptr<SettingsDesk> settings_ = std::make_shared<SettingsDesk>();
+    sandbox::SettingsDesk& settings_ = *host_.helpDesk->settings();
     std::shared_ptr<uikit::Window> window_ = std::make_shared<uikit::Window>();
     std::shared_ptr<uikit::ViewController> home_ = std::make_shared<uikit::ViewController>();
     std::shared_ptr<uikit::NavigationController> navigation_;
@@ -231,11 +219,14 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
     EXPECT_EQ(cell(2)->requestSubjectLabel->frame().minX(), RequestListTableViewCell::margin);
 
     // Hidden by the settings, a closed ticket leaves the list at the next visit.
-    settings_->settings.showClosedRequests = false;
+    auto settings = settings_.settings();
+    settings.showClosedRequests = false;
+    settings_.setSettings(settings);
     navigation_->popViewController(false);
     list_ = makeList();
     visit(list_);
     EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip"), HasSubstr("Late order")));
+    EXPECT_EQ(host_.helpDesk->telemetry()->count("requestListViewed"), 2u);
 
     // A ticket whose sending failed comes first, marked.
     Actions::RequestCreationOrUpdateError failed;
@@ -247,8 +238,7 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
 }
 
 TEST_F(RequestListScreenTest, AnEmptyAccountShowsTheEmptyViewWhoseButtonAndComposeOfferANewTicket) {
-    settings_->settings.showReferrerLogo = true;
-    settings_->settings.referrerUrl = "https://belva.example.com/ref";
+    settings_.setReferrer(true, "https://belva.example.com/ref");
     visit(list_);
     EXPECT_TRUE(uikit::isShown(*list_->inboxView));
     EXPECT_FALSE(uikit::isShown(*list_->requestListTableView));
@@ -318,7 +308,7 @@ TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderTheConnectivityToast)
 
     host_.tickets().setOffline(true);
     // The account's settings can't be had offline either.
-    settings_->failing = true;
+    settings_.setFailing(true);
     list_ = makeList();
     visit(list_, false);
     EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
@@ -371,31 +361,37 @@ TEST_F(RequestListScreenTest, PullAndTheOutsideRefreshActionFetchAgainWhileTheLi
     EXPECT_EQ(registry.count(), before + 1);
 }
 
-TEST_F(RequestListScreenTest, AnUnauthorizedAnswerClearsTheListAndLeavesTwoSecondsLaterTheNotificationAtOnce) {
+TEST_F(RequestListScreenTest, AnAuthErrorClearsTheListAndLeavesTwoSecondsLaterTheDesksUnauthorizedNoticeAtOnce) {
     createTicket("Broken zip");
     visit(list_);
     testing_support::CapturedLog log;
-    host_.tickets().setUnauthorized(true);
-    pull();
+    // The pipeline's answer to a 401: the auth failure, then the generic one.
+    sharedStore()->dispatch(Actions::RequestsFetchedFailedWIthAuthError{});
+    sharedStore()->dispatch(Actions::RequestsFetchedFailed{});
     EXPECT_THAT(log.messages(platform::LogLevel::error), ElementsAre("401 Authentication error, dismissing Request List"));
     EXPECT_THAT(slice().requests.get(), IsEmpty());
     EXPECT_THAT(rows(), IsEmpty());
+    EXPECT_TRUE(list_->toastWrapper->isShowingError);
     queue_testing::pass(time_, platform::milliseconds(1900));
     EXPECT_EQ(navigation_->topViewController(), list_.get());
     queue_testing::pass(time_, platform::milliseconds(150));
     EXPECT_EQ(navigation_->topViewController(), home_.get());
 
-    host_.tickets().setUnauthorized(false);
+    // The desk's 401 comes with the dispatcher's notice, which takes the list away at once.
     list_ = makeList();
-    show(list_);
-    platform::NotificationCenter::defaultCenter().post(dastrel::DispatcherNotifications::UnauthorizedNotificationName,
-                                                       nullptr);
-    EXPECT_EQ(navigation_->topViewController(), home_.get());
+    visit(list_);
+    log.clear();
+    host_.tickets().setUnauthorized(true);
+    const int network = passes_.network;
+    list_->refreshController->userDidPull();
+    ASSERT_TRUE(settled([&] { return navigation_->topViewController() == home_.get(); }));
     EXPECT_THAT(log.messages(platform::LogLevel::warn), ElementsAre("401 received, clearing storage and dismissing Corvane UI"));
+    ASSERT_TRUE(settled([&] { return passes_.network > network; }));
+    EXPECT_THAT(slice().requests.get(), IsEmpty());
 }
 
 TEST_F(RequestListScreenTest, ConversationsOffDisableComposeAndDismissTheScreen) {
-    settings_->settings.conversationsEnabled = false;
+    settings_.setConversationsEnabled(false);
     testing_support::CapturedLog log;
     show(list_);
     ASSERT_TRUE(settled([&] { return navigation_->topViewController() == home_.get(); }));
@@ -424,6 +420,28 @@ TEST_F(RequestListScreenTest, TappingARowOpensThatTicketAndMarksItRead) {
     opened = dynamic_cast<TicketScreen*>(navigation_->topViewController());
     ASSERT_NE(opened, nullptr);
     EXPECT_EQ(opened->requestId, second);
+
+    // The library's own ticket screen is the request container, with the list's configurations:
+    // on the tapped ticket, or on a new one from the compose button.
+    auto configuration = std::make_shared<RequestUiConfiguration>();
+    auto library = RequestListViewController::make({configuration});
+    visit(library);
+    auto* compose = uikit::findByIdentifier(*window_, "CRVcomposeButton");
+    ASSERT_NE(compose, nullptr);
+    ASSERT_TRUE(uikit::tap(*compose));
+    auto presented = std::dynamic_pointer_cast<uikit::NavigationController>(library->presentedViewController());
+    ASSERT_TRUE(presented);
+    auto* creating = dynamic_cast<RequestContainerController*>(presented->topViewController());
+    ASSERT_NE(creating, nullptr);
+    EXPECT_EQ(creating->state.requestId, std::nullopt);
+    library->dismissViewController(false);
+
+    ASSERT_TRUE(uikit::tap(*library->requestListTableView->cellForRow({0, 0})));
+    auto container = std::dynamic_pointer_cast<RequestContainerController>(navigation_->viewControllers().back());
+    ASSERT_TRUE(container);
+    EXPECT_EQ(container->state.requestId, first);
+    ASSERT_TRUE(container->state.configs);
+    EXPECT_EQ(container->state.configs->configuration<RequestUiConfiguration>(), configuration);
 }
 
 TEST_F(RequestListScreenTest, TheEngineShowsTheListOnTheMessagingScreensNavigationOnly) {
