@@ -5,6 +5,7 @@
 #include "belvakit/engine/support_engine.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/entry/request_container_controller.hpp"
+#include "belvakit/entry/request_ui.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
 #include "dastrel/dispatcher_notifications.hpp"
@@ -464,4 +465,26 @@ TEST_F(RequestListScreenTest, TheEngineShowsTheListOnTheMessagingScreensNavigati
     awaitVisit(before);
     EXPECT_EQ(shown->state.stateType, RequestListStateType::LoadedFromNetwork);
     EXPECT_EQ(shown->requestListTableView->numberOfRowsInSection(0), 1);
+}
+
+TEST_F(RequestListScreenTest, TheHostsRequestListIsThisScreenUnderTheCoordinatorsBarAndLeavesWithIt) {
+    createTicket("Broken zip");
+    auto flow = RequestUi::buildRequestList();
+    navigation_ = std::make_shared<uikit::NavigationController>(home_);
+    window_->setRootViewController(navigation_);
+    const Passes before = passes();
+    navigation_->pushViewController(flow, false);
+    ASSERT_TRUE(settled([&] { return flow->activeController() != nullptr; }));
+    auto shown = std::dynamic_pointer_cast<RequestListViewController>(flow->activeController());
+    ASSERT_TRUE(shown);
+    awaitVisit(before);
+    EXPECT_EQ(shown->requestListTableView->numberOfRowsInSection(0), 1);
+    // The list's title and compose button stand on the bar of the screen that holds it.
+    EXPECT_EQ(navigation_->navigationBar()->titleLabel()->text(), text(LocalizedKey::requestsRequestListTitle));
+    ASSERT_NE(uikit::findByIdentifier(*window_, "CRVcomposeButton"), nullptr);
+
+    // Leaving takes the holding screen off the stack.
+    sharedStore()->dispatch(Actions::RequestsFetchedFailedWIthAuthError{});
+    queue_testing::pass(time_, platform::seconds(2.1));
+    EXPECT_EQ(navigation_->topViewController(), home_.get());
 }
