@@ -301,7 +301,7 @@ TEST_F(RequestListScreenTest, AFailedFetchShowsTheErrorToastKeepsTheRowsAndWitho
     EXPECT_GT(list_->toastWrapper->contentHeight, 0);
 }
 
-TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderTheConnectivityToast) {
+TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderTheConnectivityToastAloneAndKeepClearOfTheSides) {
     createTicket("Broken zip");
     createTicket("Late order");
     visit(list_);
@@ -315,13 +315,23 @@ TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderTheConnectivityToast)
     EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
     EXPECT_FALSE(list_->isLoading());
     EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+    // The connectivity toast says why; no error toast over it.
     EXPECT_TRUE(showsText(text(LocalizedKey::requestsConnectionError)));
-    EXPECT_TRUE(list_->toastWrapper->isShowingError);
+    EXPECT_FALSE(list_->toastWrapper->isShowingError);
+    EXPECT_EQ(list_->requestListTableView->frame().minY(), 0);
 
     // Refreshing offline fails and keeps them.
     pull();
     EXPECT_EQ(list_->state.stateType, RequestListStateType::ErroredFromNetwork);
     EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
+
+    // Sideways, the rows keep clear of the notch and the rounded corners.
+    window_->setEnvironment(uikit::Environment::phoneLandscape());
+    window_->layoutTree();
+    const auto safe = uikit::Environment::phoneLandscape().safeAreaInsets;
+    const auto table = list_->requestListTableView->convert(list_->requestListTableView->bounds(), nullptr);
+    EXPECT_EQ(table.minX(), safe.left);
+    EXPECT_EQ(table.maxX(), uikit::Environment::phoneLandscape().size.width - safe.right);
 }
 
 TEST_F(RequestListScreenTest, PullAndTheOutsideRefreshActionFetchAgainWhileTheListIsOnView) {

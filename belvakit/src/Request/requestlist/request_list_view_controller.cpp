@@ -179,19 +179,24 @@ void RequestListViewController::buildViews() {
 
 void RequestListViewController::layoutList(const uikit::Rect& bounds) {
     const double width = bounds.width();
+    // Beside a sideways phone's notch and corners the rows keep clear; the bars span the width.
+    const uikit::EdgeInsets safe = safeAreaInsets();
+    const double left = safe.left;
+    const double inner = std::max(0.0, width - safe.left - safe.right);
     const double top = toastWrapper->contentHeight;
     toastWrapper->setFrame({0, 0, width, top});
     double bottom = bounds.height();
     if (!corvaneLogoButton->isHidden()) {
-        const uikit::Size logo = corvaneLogoButton->sizeThatFits({width, 0});
-        corvaneLogoButton->setFrame({std::floor((width - logo.width) / 2), bottom - logo.height - 8, logo.width, logo.height});
+        const uikit::Size logo = corvaneLogoButton->sizeThatFits({inner, 0});
+        corvaneLogoButton->setFrame(
+            {left + std::floor((inner - logo.width) / 2), bottom - logo.height - 8, logo.width, logo.height});
         bottom -= logo.height + 16;
     }
     const double pulled = refreshController->isRefreshing() ? RefreshControl::height : 0;
-    refreshController->setFrame({0, top, width, RefreshControl::height});
-    const uikit::Rect area{0, top + pulled, width, std::max(0.0, bottom - top - pulled)};
+    refreshController->setFrame({left, top, inner, RefreshControl::height});
+    const uikit::Rect area{left, top + pulled, inner, std::max(0.0, bottom - top - pulled)};
     requestListTableView->setFrame(area);
-    inboxView->setFrame({0, top, width, std::max(0.0, bottom - top)});
+    inboxView->setFrame({left, top, inner, std::max(0.0, bottom - top)});
     const uikit::Size spinner = loadingSpinner->intrinsicContentSize();
     loadingSpinner->setFrame({std::floor(area.midX() - spinner.width / 2), std::floor(area.midY() - spinner.height / 2),
                               spinner.width, spinner.height});
@@ -327,6 +332,8 @@ void RequestListViewController::updateLogo() {
 }
 
 void RequestListViewController::showError() {
+    // Offline, the connectivity toast already says why, in the same place.
+    if (toastView) return;
     toastWrapper->showErrorInViewController(self(), localized(LocalizedKey::requestsRequestListError));
 }
 
