@@ -547,8 +547,8 @@ void CreateRequestController::showStatus(const std::string& text, const platform
 }
 
 void CreateRequestController::hideStatus() {
-    ++statusGeneration_;
     if (!statusShown_) return;
+    ++statusGeneration_;
     statusShown_ = false;
     if (!isViewLoaded()) {
         toastView_->setHidden(true);
