@@ -36,18 +36,20 @@ private:
     }
 };
 
-class FakeContainer final : public CRVContainerChildControllerDelegate, public NavigationItemDelegate {
+// Hosts the form as the request container does: the form's view fills it, and its send button
+// moves to the host's own bar.
+class HostScreen final : public uikit::ViewController, public CRVContainerChildControllerDelegate {
 public:
-    uikit::NavigationItem& navItem() override { return item; }
-    void willDismiss() override { ++dismissed; }
-    void setRightBarButtonItemEnabled(bool enabled) override {
-        enabledCalls.push_back(enabled);
-        if (navigation) navigation->refreshBar();  // where the button shows
+    explicit HostScreen(const std::shared_ptr<CreateRequestController>& child) {
+        addChildViewController(child);
+        child->view()->setFrame(view()->bounds());
+        child->view()->setAutoresizingMask(uikit::Autoresizing::flexibleWidth | uikit::Autoresizing::flexibleHeight);
+        view()->addSubview(child->view());
+        navigationItem().rightBarButtonItem = std::exchange(child->navigationItem().rightBarButtonItem, nullptr);
     }
-    uikit::NavigationItem item;
-    uikit::NavigationController* navigation = nullptr;
+    uikit::NavigationItem& navItem() override { return navigationItem(); }
+    void willDismiss() override { ++dismissed; }
     int dismissed = 0;
-    std::vector<bool> enabledCalls;
 };
 
 std::shared_ptr<InputFileViewModel> textFile(const std::string& title, std::size_t bytes) {
@@ -243,20 +245,23 @@ TEST_F(CreateRequestScreenTest, InlineValidationMarksABadEmailOnceLeftAndFollows
 TEST_F(CreateRequestScreenTest, SendingCreatesTheTicketWithTheFormsTextsAndFilesThenHandsOverAfterTwoSeconds) {
     host.tickets().setLatency(platform::milliseconds(300));
     ASSERT_TRUE(open({.preAttached = {RequestAttachment("crash.log", "trace", FileType::txt)}}));
-    auto container = std::make_shared<FakeContainer>();
-    form->childDelegate = container;
-    form->navigationItemEnabler = container;
-    container->navigation = navigation.get();
+    navigation->popViewController(false);
+    auto container = std::make_shared<HostScreen>(form);
+    form->childDelegate = std::static_pointer_cast<CRVContainerChildControllerDelegate>(container);
+    navigation->pushViewController(container, false);
+    relayout();
+    EXPECT_FALSE(sendEnabled());
     uikit::tap(*form->attachButton());
     picker->pick(pngImage("screen.png"));
     fillValid();
-    EXPECT_EQ(container->enabledCalls.back(), true);
+    // The button on the host's bar follows the form.
+    EXPECT_TRUE(sendEnabled());
 
     tapSend();
     EXPECT_EQ(form->state().sending, Sending::sending);
     EXPECT_EQ(status(), localized(LocalizedKey::requestsCreateRequestSending));
     EXPECT_TRUE(shown("CRVloadingView"));
-    EXPECT_EQ(container->enabledCalls.back(), false);
+    EXPECT_FALSE(sendEnabled());
     EXPECT_EQ(form->progressBar()->stateMachine()->state(), ProgressState::running);
     EXPECT_EQ(window->firstResponder(), nullptr);
 

@@ -575,8 +575,8 @@ void CreateRequestController::setSendEnabled(bool enabled) {
         enabler->setRightBarButtonItemEnabled(enabled);
         return;
     }
-    auto* navigation = navigationController();
-    if (navigation && navigation->topViewController() == this) navigation->refreshBar();
+    // The bar shows its top screen's item: the form's own, or a container's that took the button.
+    if (auto* navigation = navigationController()) navigation->refreshBar();
 }
 
 void CreateRequestController::endEditing() {
