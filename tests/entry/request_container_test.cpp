@@ -192,10 +192,15 @@ TEST_F(RequestContainerTest, AFailedSettingsFetchKeepsLoadingAndOffersARetry) {
     EXPECT_EQ(shownChild(*screen), "loading");
     auto* retry = uikit::findByIdentifier(*screen->view(), "CRVtoastRetryButton");
     ASSERT_NE(retry, nullptr);
+    run(3);
+    EXPECT_EQ(screen->progressBar->stateMachine()->state(), ProgressState::idle) << "the bar ends with the fetch";
 
     desk->settings()->setFailing(false);
+    desk->settings()->setLatency(platform::seconds(2));
     EXPECT_TRUE(uikit::tap(*retry));
     run(0.5);
+    EXPECT_EQ(screen->progressBar->stateMachine()->state(), ProgressState::running);
+    run(2);
     EXPECT_EQ(shownChild(*screen), "conversation");
 }
 

@@ -221,9 +221,14 @@ void RequestContainerController::settingsFetchFailed() {
     if (state.requestScreenType != RequestScreenType::loading()) return;
     std::weak_ptr<RequestContainerController> weak =
         std::static_pointer_cast<RequestContainerController>(shared_from_this());
+    // The wait is over: the bar stops promising, and starts again with the retry.
+    progressBar->stateMachine()->queueCompleted();
     toastWrapper->showErrorInViewController(shared_from_this(), localized(LocalizedKey::helpCenterSupportContactError),
                                             localized(LocalizedKey::helpCenterToastRetryButton), [weak] {
-                                                if (weak.lock()) sharedStore()->dispatch(RequestContainerActions::GetSettings{});
+                                                const auto self = weak.lock();
+                                                if (!self) return;
+                                                self->progressBar->stateMachine()->begin(sharedProgressSteps());
+                                                sharedStore()->dispatch(RequestContainerActions::GetSettings{});
                                             });
 }
 
