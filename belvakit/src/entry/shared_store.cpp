@@ -1,6 +1,7 @@
 #include "belvakit/entry/shared_store.hpp"
 
 #include "belvakit/Request/conversation/request_table_reducer.hpp"
+#include "belvakit/Request/createrequest/create_request_middleware.hpp"
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "belvakit/Request/queue/request_queue_middleware.hpp"
 #include "belvakit/Request/requestlist/request_list_middleware.hpp"
@@ -33,6 +34,7 @@ std::shared_ptr<tivra::Middleware> makeMiddleware() {
     chain = chain + std::make_shared<tivra::AsyncMiddleware>();
     chain = chain + std::make_shared<RequestContainerMiddleware>();
     chain = chain + RequestQueueMiddleWare::make({}, RequestQueueState::initial(), RequestUiConfiguration());
+    chain = chain + std::make_shared<CreateRequestMiddleware>();
     chain = chain + std::make_shared<RequestListMiddleware>();
     return chain;
 }
