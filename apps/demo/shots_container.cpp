@@ -39,6 +39,11 @@ std::vector<GalleryShot> containerShots() {
                       [](sandbox::SettingsDesk& settings) { settings.setLatency(platform::seconds(60)); }),
         containerShot("container-settings-failed", "Request: settings could not be had", 1.0,
                       [](sandbox::SettingsDesk& settings) { settings.setFailing(true); }),
+        containerShot("container-new-request-form", "Request: the form, conversations off", 1.0,
+                      [](sandbox::SettingsDesk& settings) {
+                          settings.setConversationsEnabled(false);
+                          settings.setReferrer(true, "https://belva.example.com");
+                      }),
     };
 }
 

@@ -6,7 +6,8 @@
 
 namespace belvademo {
 
-// The ticket entry point: the loading screen with its progress, and the failed settings fetch.
+// The ticket entry point: the loading screen with its progress, the failed settings fetch, and
+// the form it embeds when conversations are off.
 std::vector<GalleryShot> containerShots();
 
 } // namespace belvademo
