@@ -1,5 +1,6 @@
 #include "gallery.hpp"
 
+#include "shots_container.hpp"
 #include "shots_create_request.hpp"
 #include "shots_request_list.hpp"
 
@@ -237,7 +238,7 @@ std::vector<GalleryShot> galleryShots() {
                          return inNavigation(screen);
                      }});
     shots.push_back({"themed-table", "A themed table", 1.0, [] { return inNavigation(std::make_shared<TableScreen>()); }});
-    for (auto&& more : {createRequestShots(), requestListShots()})
+    for (auto&& more : {containerShots(), createRequestShots(), requestListShots()})
         shots.insert(shots.end(), more.begin(), more.end());
     return shots;
 }
