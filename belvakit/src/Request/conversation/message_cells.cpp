@@ -113,7 +113,10 @@ void StatusView::show(Kind kind, const Message& message) {
     subscriptLabel->setTextColor(kind == Kind::error ? errorColor() : theme->metaTextColor);
     subscriptLabel->setTextAlignment(isAgent ? uikit::TextAlignment::left : uikit::TextAlignment::right);
     switch (kind) {
-    case Kind::none: subscriptLabel->setText(""); break;
+    case Kind::none:
+        subscriptLabel->setText("");
+        subscriptLabel->setAccessibilityIdentifier("");
+        break;
     case Kind::delivered:
         subscriptLabel->setText(localized(LocalizedKey::requestsCreateRequestMessageSent));
         subscriptLabel->setAccessibilityIdentifier("deliveredLabel");
@@ -241,7 +244,9 @@ void TextCell::setMessage(const Message& message) {
     const auto* body = bodyOf(message);
     const std::string text = body ? *body : std::string();
     if (const auto* agent = std::get_if<AgentMessage>(&message)) {
-        messageTextView->setAttributedText(messageCellText(true, agent->body, agent->htmlBody));
+        // A body restored from disk has an empty html body: plain text, not a parse.
+        const auto html = agent->htmlBody && !agent->htmlBody->empty() ? agent->htmlBody : std::nullopt;
+        messageTextView->setAttributedText(messageCellText(true, agent->body, html));
         bubbleView->setBackgroundColor(agentBubbleColor());
         messageTextView->setAccessibilityLabel(localized(LocalizedKey::requestsConversationsAgentTextAccessibility));
     } else {
