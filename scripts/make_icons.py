@@ -132,6 +132,41 @@ def draw_avatar():
     return pixels
 
 
+def draw_supersampled(size, inside, colour=(0, 0, 0)):
+    """A shape in one colour whose alpha is the share of 4x4 samples `inside(x, y)` holds for."""
+    steps = 4
+    pixels = []
+    for row in range(size):
+        line = []
+        for column in range(size):
+            hits = sum(1 for sy in range(steps) for sx in range(steps)
+                       if inside(column + (sx + 0.5) / steps, row + (sy + 0.5) / steps))
+            line.append(colour + (round(255 * hits / (steps * steps)),) if hits else CLEAR)
+        pixels.append(line)
+    return pixels
+
+
+def near_segment(x, y, ax, ay, bx, by, width):
+    dx, dy = bx - ax, by - ay
+    t = max(0.0, min(1.0, ((x - ax) * dx + (y - ay) * dy) / (dx * dx + dy * dy)))
+    return (x - ax - t * dx) ** 2 + (y - ay - t * dy) ** 2 <= (width / 2) ** 2
+
+
+def draw_down_arrow():
+    """The Help Center's See all mark: a chevron pointing down, drawn as a template in black."""
+    return draw_supersampled(24, lambda x, y: near_segment(x, y, 5, 9, 12, 16, 3) or near_segment(x, y, 12, 16, 19, 9, 3))
+
+
+def draw_compose():
+    """The contact button's image: a square with a pencil across its corner."""
+    def inside(x, y):
+        square = (near_segment(x, y, 4, 8, 4, 24, 2) or near_segment(x, y, 4, 24, 20, 24, 2) or
+                  near_segment(x, y, 20, 24, 20, 16, 2) or near_segment(x, y, 4, 8, 12, 8, 2))
+        pencil = near_segment(x, y, 11, 17, 24, 4, 3.2)
+        return square or pencil
+    return draw_supersampled(28, inside)
+
+
 def png(pixels):
     raw = b"".join(b"\x00" + b"".join(bytes(p) for p in row) for row in pixels)
 
@@ -149,6 +184,10 @@ def main():
             out.write(png(draw(label, band)))
     with open(os.path.join(OUT, "Avatar.png"), "wb") as out:
         out.write(png(draw_avatar()))
+    with open(os.path.join(OUT, "icoDown.png"), "wb") as out:
+        out.write(png(draw_down_arrow()))
+    with open(os.path.join(OUT, "compose.png"), "wb") as out:
+        out.write(png(draw_compose()))
 
 
 if __name__ == "__main__":
