@@ -38,8 +38,10 @@ std::shared_ptr<corvane::Corvane> HelpDesk::initializeCorvane(std::shared_ptr<co
     configuration.providerModule->setProvider<dastrel::CRVAttachmentProvider>(attachments_->attachmentProvider());
     configuration.providerModule->setProvider<dastrel::CRVRequestProvider>(tickets_->requestProvider());
     configuration.providerModule->setProvider<dastrel::ConversationsSettingsProviderProtocol>(conversationsSettings_);
+    configuration.providerModule->setProvider<corvane::PingrelProvider>(telemetry_);
     configuration.providerModule->setProvider<dastrel::CRVHelpCenterProvider>(helpCenter_->provider());
     configuration.providerModule->setProvider<dastrel::HelpCenterSettingsProviderProtocol>(helpCenter_->settingsProvider());
+    configuration.providerModule->setProvider<dastrel::SettingsProvider>(settings_);
     if (const auto* anonymous = dynamic_cast<const corvane::Anonymous*>(identity.get()); anonymous && anonymous->name())
         tickets_->setEndUser(*anonymous->name(), anonymous->email());
     auto core = corvane::Corvane::initialize(std::move(configuration));
