@@ -1,5 +1,6 @@
 #include "belvakit/helpcenter/help_center_overview_controller.hpp"
 
+#include "belvakit/entry/Coordinator/help_center_contact_us_router.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/helpcenter/help_center_error_handler_utils.hpp"
 #include "belvakit/toolkit/appearance_applicator.hpp"
@@ -197,7 +198,8 @@ void CRVHelpCenterOverviewController::setupNavBar() {
 
 void CRVHelpCenterOverviewController::showContact() {
     const auto& route = CRVHelpCenterOverviewRoutes::shared().contactUs;
-    if (route) route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), false);
+    if (route) return route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), false);
+    CRVHelpCenterContactUsRouter(uiConfigs, self(), helpCenterUiConfig->objcEngines()).decideButtonActionForNavBar();
 }
 
 void CRVHelpCenterOverviewController::decideDismiss() {
@@ -274,7 +276,8 @@ void CRVHelpCenterOverviewController::searchResultControllerDidSelectArticle(uik
 
 void CRVHelpCenterOverviewController::searchResultControllerDidSelectContactSupport(uikit::ViewController&) {
     const auto& route = CRVHelpCenterOverviewRoutes::shared().contactUs;
-    if (route) route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), true);
+    if (route) return route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), true);
+    CRVHelpCenterContactUsRouter(uiConfigs, self(), helpCenterUiConfig->objcEngines()).decideButtonActionForEmptySearch();
 }
 
 bool CRVHelpCenterOverviewController::shouldShowContactOptions() const {
