@@ -5,6 +5,7 @@
 #include "belvakit/helpcenter/help_center_error_handler_utils.hpp"
 #include "belvakit/toolkit/appearance_applicator.hpp"
 #include "belvakit/toolkit/theme.hpp"
+#include "belvakit/toolkit/toast_view.hpp"
 #include "uikit/navigation_controller.hpp"
 
 namespace belvakit {
@@ -82,6 +83,14 @@ void CRVHelpCenterOverviewController::viewDidLayoutSubviews() {
     const double top = topLayoutGuideLength();
     const double toastHeight = toastWrapper->isHidden() ? 0.0 : toastWrapper->contentHeight;
     toastWrapper->setFrame({0, top + toastWrapperConstraint, bounds.width(), toastHeight});
+    // A toast shown before the screen knew its bars (offline at load) moves under them.
+    if (const auto& toast = toastWrapper->toastView; toast && toast->superview() == view().get()) {
+        auto frame = toast->frame();
+        if (frame.origin.y != top) {
+            frame.origin.y = top;
+            toast->setFrame(frame);
+        }
+    }
     const double tableTop = top + std::max(0.0, toastHeight + toastWrapperConstraint);
     tableView->setFrame({0, tableTop, bounds.width(), std::max(0.0, bounds.height() - tableTop)});
     const auto spinnerSize = loadingSpinner->intrinsicContentSize();
@@ -182,18 +191,21 @@ void CRVHelpCenterOverviewController::fetchTableData() {
 }
 
 void CRVHelpCenterOverviewController::setupNavBar() {
-    auto& item = navItem();
-    item.rightBarButtonItem = nullptr;
-    if (!helpCenterUiConfig->showContactOptions) return;
+    navItem().rightBarButtonItem = contactButton();
+    // The bar shows what the item held when the screen came on top.
+    if (auto* navigation = navigationController()) navigation->refreshBar();
+}
+
+uikit::BarButtonItemPtr CRVHelpCenterOverviewController::contactButton() {
+    if (!helpCenterUiConfig->showContactOptions) return nullptr;
     const auto host = uiDelegate.lock();
-    if (host && host->active() == 2) return;
+    if (host && host->active() == 2) return nullptr;
     std::weak_ptr<CRVHelpCenterOverviewController> weakSelf = self();
     auto button = CRVConversationsUtil::contactUsBarButton(host, [weakSelf] {
         if (auto strong = weakSelf.lock()) strong->showContact();
     });
-    if (!button) return;
-    button->accessibilityLabel = localized(LocalizedKey::helpCenterSupportContactSupport);
-    item.rightBarButtonItem = button;
+    if (button) button->accessibilityLabel = localized(LocalizedKey::helpCenterSupportContactSupport);
+    return button;
 }
 
 void CRVHelpCenterOverviewController::showContact() {

@@ -145,6 +145,7 @@ private:
     void setUpTableView();
     void setUpReachabilityObserver();
     void reachabilityChanged(bool reachable);
+    uikit::BarButtonItemPtr contactButton();
     void pushOrIgnore(const uikit::ViewController::Ptr& screen);
 };
 
