@@ -279,13 +279,16 @@ void CRVArticleViewController::showRetryToast(const platform::Notification&) {
 
 void installArticleRoutes() {
     auto& routes = CRVHelpCenterOverviewRoutes::shared();
-    routes.articleWithId = [](std::int64_t articleId, const mirrowset::ConfigurationList& configs,
+    // Routes someone installed before stay theirs.
+    if (!routes.articleWithId)
+        routes.articleWithId = [](std::int64_t articleId, const mirrowset::ConfigurationList& configs,
                               const std::shared_ptr<CRVHelpCenterConversationsUIDelegate>& uiDelegate) -> uikit::ViewController::Ptr {
         auto screen = CRVArticleViewController::initWithArticleId(std::to_string(articleId), configs);
         screen->uiDelegate = uiDelegate;
         return screen;
     };
-    routes.articleWithArticle = [](const dastrel::CRVHelpCenterArticle& article, const mirrowset::ConfigurationList& configs,
+    if (!routes.articleWithArticle)
+        routes.articleWithArticle = [](const dastrel::CRVHelpCenterArticle& article, const mirrowset::ConfigurationList& configs,
                                    const std::shared_ptr<CRVHelpCenterConversationsUIDelegate>& uiDelegate) -> uikit::ViewController::Ptr {
         auto screen = CRVArticleViewController::initWithArticle(article, configs);
         screen->uiDelegate = uiDelegate;

@@ -84,7 +84,7 @@ private:
     std::vector<platform::ObservationToken> observers_;
 };
 
-// Hands the overview the article screens it opens.
+// Hands the overview the article screens it opens, where no other route is installed.
 void installArticleRoutes();
 
 } // namespace belvakit
