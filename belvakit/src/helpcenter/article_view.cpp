@@ -419,16 +419,14 @@ void CRVArticleView::layoutSubviews() {
         contentHeight = article->contentSize().height;
     } else {
         const double pageHeight = articleWebView->scrollView()->contentSize().height;
-        const uikit::Rect fitted{0, 0, width, pageHeight > 0 ? pageHeight : height};
-        if (articleWebView->frame() != fitted) {
-            if (CRVUIUtil::isOlderVersion("11.0")) {
-                articleWebView->setFrame(fitted);
-            } else {
-                // The left inset places it; the right one, twice, narrows it.
-                const auto insets = window() ? window()->environment().safeAreaInsets : uikit::EdgeInsets{};
-                articleWebView->setFrame({insets.left, 0, width - 2 * insets.right, pageHeight});
-            }
+        uikit::Rect fitted{0, 0, width, pageHeight > 0 ? pageHeight : height};
+        if (!CRVUIUtil::isOlderVersion("11.0")) {
+            // The left inset places it; the right one, twice, narrows it. Compared as placed, so
+            // that a page loaded at the full width still moves clear of the insets.
+            const auto insets = window() ? window()->environment().safeAreaInsets : uikit::EdgeInsets{};
+            fitted = {insets.left, 0, width - 2 * insets.right, pageHeight};
         }
+        if (articleWebView->frame() != fitted) articleWebView->setFrame(fitted);
         const double pageBottom = articleWebView->frame().maxY();
         articleBackground->setFrame({0, 0, width, pageBottom});
         const double line = CRVUIUtil::separatorHeightForScreenScale();
