@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 
 using namespace belvakit;
@@ -150,4 +151,51 @@ TEST(HelpCenterOverviewModel, AnEmptyAnswerBecomesTheErrorOfItsGrouping) {
     EXPECT_TRUE(CRVHelpCenterOverviewTableHandler::newRowsFromIndexPath({2, 5}, -1).empty());
     EXPECT_EQ(CRVHelpCenterOverviewTableHandler::newRowsFromIndexPath({2, 5}, 2),
               (std::vector<uikit::IndexPath>{{2, 5}, {2, 6}}));
+}
+
+namespace {
+
+// The lookup as a map, built the plain way: each section's own lookup merged in, its entry count
+// moving the row on.
+std::map<uikit::IndexPath, int> referenceLookup(const CRVHelpCenterCategories& categories) {
+    std::map<uikit::IndexPath, int> result;
+    for (int s = 0; s < static_cast<int>(categories.size()); ++s) {
+        int row = 0;
+        const auto& category = categories[static_cast<std::size_t>(s)];
+        for (const auto& part : category.sections) {
+            std::map<uikit::IndexPath, int> own{{{s, row}, 0}};
+            int counter = 0;
+            for (int i = 0; i < static_cast<int>(part.articles.size()); ++i) own[{s, counter = row + 1 + i}] = 1;
+            if (part.article_count > static_cast<std::int64_t>(part.articles.size())) own[{s, ++counter}] = 3;
+            for (const auto& [path, kind] : own) result[path] = kind;
+            row += static_cast<int>(own.size());
+            if (!(part == category.sections.back())) result[{s, row++}] = 4;
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+TEST(HelpCenterOverviewModel, TheLookupWrittenInPlaceEqualsMergingEachSectionsOwnIncludingOddSections) {
+    for (unsigned seed : {21u, 22u}) {
+        std::mt19937 random(seed);
+        for (int round = 0; round < 1500; ++round) {
+            CRVHelpCenterCategories categories;
+            std::int64_t nextId = 1;
+            for (int c = std::uniform_int_distribution<int>(0, 3)(random); c > 0; --c) {
+                CRVHelpCenterCategoryViewModel category{c, "C", {}};
+                for (int s = std::uniform_int_distribution<int>(1, 4)(random); s > 0; --s) {
+                    const int loaded = std::uniform_int_distribution<int>(0, 3)(random);
+                    category.sections.push_back(section(nextId++, loaded, loaded + std::uniform_int_distribution<int>(0, 2)(random)));
+                }
+                categories.push_back(category);
+            }
+            const auto lookup = CRVHelpCenterOverviewUtil::buildLookupForCellTypes(categories);
+            const auto expected = referenceLookup(categories);
+            ASSERT_EQ(lookup.entryCount(), expected.size()) << "seed " << seed << " round " << round;
+            for (const auto& [path, kind] : expected)
+                ASSERT_EQ(lookup.entry(path), kind) << "seed " << seed << " round " << round << " " << path.description();
+        }
+    }
 }

@@ -70,7 +70,7 @@ protected:
 
     void show(mirrowset::ConfigurationList configs = {}, std::shared_ptr<CRVHelpCenterConversationsUIDelegate> host = nullptr) {
         host_ = std::move(host);
-        screen_ = CRVHelpCenterUi::buildHelpCenterOverviewWithConfigs(std::move(configs));
+        screen_ = CRVHelpCenterUi::buildHelpCenterOverviewController(std::move(configs));
         screen_->uiDelegate = host_;
         navigation_ = std::make_shared<uikit::NavigationController>(screen_);
         window_->setRootViewController(navigation_);
@@ -369,4 +369,48 @@ TEST_F(OverviewScreenTest, SectionsThatOnlyReportACountStillShowAndExpand) {
     EXPECT_EQ(screen_->tableHandler->tableViewModel->categories()[0].sections[0].articles.size(), 4u);
     EXPECT_EQ(table().numberOfSections(), 4);
     EXPECT_TRUE(openedArticles_.empty());
+}
+
+TEST_F(OverviewScreenTest, TheFactoryPutsTheOverviewBehindItsCoordinatorAndTheRouterAnswersTheContactButton) {
+    CRVHelpCenterOverviewRoutes::shared().contactUs = nullptr;
+    auto container = CRVHelpCenterUi::buildHelpCenterOverview();
+    navigation_ = std::make_shared<uikit::NavigationController>(container);
+    window_->setRootViewController(navigation_);
+    window_->layoutTree();
+    settle();
+    ASSERT_EQ(container->childViewControllers().size(), 1u);
+    auto overview = std::dynamic_pointer_cast<CRVHelpCenterOverviewController>(container->childViewControllers()[0]);
+    ASSERT_TRUE(overview);
+    EXPECT_EQ(overview->tableView->numberOfSections(), 4);
+    // Title, search and the contact button are on the container's bar.
+    EXPECT_EQ(container->navigationItem().title, "Help Center");
+    EXPECT_EQ(container->navigationItem().searchController, overview->searchController);
+    ASSERT_TRUE(container->navigationItem().rightBarButtonItem);
+    container->navigationItem().rightBarButtonItem->action();
+    settle();
+    EXPECT_TRUE(navigation_->viewControllers().size() > 1 || navigation_->presentedViewController());
+}
+
+TEST_F(OverviewScreenTest, APresentedOverviewHasACancelButtonThatDismissesIt) {
+    auto host = std::make_shared<uikit::ViewController>();
+    window_->setRootViewController(host);
+    window_->layoutTree();
+    screen_ = CRVHelpCenterUi::buildHelpCenterOverviewController({});
+    navigation_ = std::make_shared<uikit::NavigationController>(screen_);
+    host->presentViewController(navigation_, false);
+    settle();
+    ASSERT_TRUE(screen_->navigationItem().leftBarButtonItem);
+    EXPECT_EQ(screen_->navigationItem().leftBarButtonItem->accessibilityIdentifier, "CRVcancelButton");
+    screen_->navigationItem().leftBarButtonItem->action();
+    settle();
+    EXPECT_FALSE(host->presentedViewController());
+
+    // Pushed on a stack, the back button does the job.
+    auto root = std::make_shared<uikit::ViewController>();
+    navigation_ = std::make_shared<uikit::NavigationController>(root);
+    window_->setRootViewController(navigation_);
+    screen_ = CRVHelpCenterUi::buildHelpCenterOverviewController({});
+    navigation_->pushViewController(screen_, false);
+    settle();
+    EXPECT_FALSE(screen_->navigationItem().leftBarButtonItem);
 }

@@ -1,9 +1,12 @@
 #include "belvakit/helpcenter/help_center_overview_controller.hpp"
 
+#include "belvakit/entry/Coordinator/dismiss_util.hpp"
+#include "belvakit/entry/Coordinator/help_center_contact_us_router.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/helpcenter/help_center_error_handler_utils.hpp"
 #include "belvakit/toolkit/appearance_applicator.hpp"
 #include "belvakit/toolkit/theme.hpp"
+#include "belvakit/toolkit/toast_view.hpp"
 #include "uikit/navigation_controller.hpp"
 
 namespace belvakit {
@@ -73,6 +76,14 @@ void CRVHelpCenterOverviewController::viewDidLoad() {
 
 void CRVHelpCenterOverviewController::viewWillAppear(bool animated) {
     uikit::ViewController::viewWillAppear(animated);
+    // A pushed screen has its back button; otherwise a cancel button leaves the Help Center. Inside
+    // a container, the container is what stands in the stack.
+    const uikit::ViewController* standing = childDelegate.lock() && parentViewController() ? parentViewController() : this;
+    std::weak_ptr<CRVHelpCenterOverviewController> weakSelf = self();
+    navItem().leftBarButtonItem = DismissUtil::barButtonFor(*standing, navigationController(), [weakSelf] {
+        if (auto strong = weakSelf.lock()) strong->decideDismiss();
+    });
+    if (auto* navigation = navigationController()) navigation->refreshBar();
     view()->setNeedsLayout();
 }
 
@@ -81,8 +92,19 @@ void CRVHelpCenterOverviewController::viewDidLayoutSubviews() {
     const double top = topLayoutGuideLength();
     const double toastHeight = toastWrapper->isHidden() ? 0.0 : toastWrapper->contentHeight;
     toastWrapper->setFrame({0, top + toastWrapperConstraint, bounds.width(), toastHeight});
+    // A toast shown before the screen knew its bars (offline at load) moves under them.
+    if (const auto& toast = toastWrapper->toastView; toast && toast->superview() == view().get()) {
+        auto frame = toast->frame();
+        if (frame.origin.y != top) {
+            frame.origin.y = top;
+            toast->setFrame(frame);
+        }
+    }
     const double tableTop = top + std::max(0.0, toastHeight + toastWrapperConstraint);
-    tableView->setFrame({0, tableTop, bounds.width(), std::max(0.0, bounds.height() - tableTop)});
+    // Rows keep out of the sides' insets (a phone's notch in landscape).
+    const auto insets = safeAreaInsets();
+    tableView->setFrame({insets.left, tableTop, std::max(0.0, bounds.width() - insets.left - insets.right),
+                         std::max(0.0, bounds.height() - tableTop)});
     const auto spinnerSize = loadingSpinner->intrinsicContentSize();
     loadingSpinner->setFrame({(bounds.width() - spinnerSize.width) / 2, top + (bounds.height() - top - spinnerSize.height) / 2,
                               spinnerSize.width, spinnerSize.height});
@@ -181,34 +203,32 @@ void CRVHelpCenterOverviewController::fetchTableData() {
 }
 
 void CRVHelpCenterOverviewController::setupNavBar() {
-    auto& item = navItem();
-    item.rightBarButtonItem = nullptr;
-    if (!helpCenterUiConfig->showContactOptions) return;
+    navItem().rightBarButtonItem = contactButton();
+    // The bar shows what the item held when the screen came on top.
+    if (auto* navigation = navigationController()) navigation->refreshBar();
+}
+
+uikit::BarButtonItemPtr CRVHelpCenterOverviewController::contactButton() {
+    if (!helpCenterUiConfig->showContactOptions) return nullptr;
     const auto host = uiDelegate.lock();
-    if (host && host->active() == 2) return;
+    if (host && host->active() == 2) return nullptr;
     std::weak_ptr<CRVHelpCenterOverviewController> weakSelf = self();
     auto button = CRVConversationsUtil::contactUsBarButton(host, [weakSelf] {
         if (auto strong = weakSelf.lock()) strong->showContact();
     });
-    if (!button) return;
-    button->accessibilityLabel = localized(LocalizedKey::helpCenterSupportContactSupport);
-    item.rightBarButtonItem = button;
+    if (button) button->accessibilityLabel = localized(LocalizedKey::helpCenterSupportContactSupport);
+    return button;
 }
 
 void CRVHelpCenterOverviewController::showContact() {
     const auto& route = CRVHelpCenterOverviewRoutes::shared().contactUs;
-    if (route) route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), false);
+    if (route) return route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), false);
+    CRVHelpCenterContactUsRouter(uiConfigs, self(), helpCenterUiConfig->objcEngines()).decideButtonActionForNavBar();
 }
 
 void CRVHelpCenterOverviewController::decideDismiss() {
     if (auto container = childDelegate.lock()) return container->willDismiss();
-    auto* navigation = navigationController();
-    if (!navigation) return;
-    if (navigation->viewControllers().size() > 1 && navigation->viewControllers().back().get() == this) {
-        navigation->popViewController(true);
-    } else if (navigation->presentingViewController()) {
-        navigation->dismissViewController(true);
-    }
+    DismissUtil::popOrDismiss(*this, true);
 }
 
 void CRVHelpCenterOverviewController::hideToastWrapperError(bool hidden) {
@@ -274,7 +294,8 @@ void CRVHelpCenterOverviewController::searchResultControllerDidSelectArticle(uik
 
 void CRVHelpCenterOverviewController::searchResultControllerDidSelectContactSupport(uikit::ViewController&) {
     const auto& route = CRVHelpCenterOverviewRoutes::shared().contactUs;
-    if (route) route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), true);
+    if (route) return route(self(), uiConfigs, helpCenterUiConfig->objcEngines(), true);
+    CRVHelpCenterContactUsRouter(uiConfigs, self(), helpCenterUiConfig->objcEngines()).decideButtonActionForEmptySearch();
 }
 
 bool CRVHelpCenterOverviewController::shouldShowContactOptions() const {

@@ -62,22 +62,38 @@ CRVHelpCenterTableSections CRVHelpCenterOverviewUtil::buildTableData(const CRVHe
     return result;
 }
 
-CRVHelpCenterCellTypeLookup CRVHelpCenterOverviewUtil::cellTypeLookupForSection(
-    const dastrel::CRVHelpCenterSectionViewModel& section, const uikit::IndexPath& fromIndexPath, bool addSeeAllRow) {
-    CRVHelpCenterCellTypeLookup lookup;
+namespace {
+
+// Writes one section's kinds from its first row and gives how many rows got one. Shared by the
+// per-section lookup and the whole build, which writes in place instead of merging.
+int writeSectionKinds(CRVHelpCenterCellTypeLookup& lookup, const dastrel::CRVHelpCenterSectionViewModel& section,
+                      const uikit::IndexPath& fromIndexPath, bool addSeeAllRow) {
     const int start = fromIndexPath.row;
     lookup.set({fromIndexPath.section, start}, CRVHelpCenterCellTypeSection);
     // The counter starts from 0, not from the section's first row: a section with a See all row
     // and no loaded articles puts that row's kind at row 1 of the table section.
     int counter = 0;
-    for (int index = 0; index < static_cast<int>(section.articles.size()); ++index) {
+    const int articles = static_cast<int>(section.articles.size());
+    for (int index = 0; index < articles; ++index) {
         counter = start + 1 + index;
         lookup.set({fromIndexPath.section, counter}, CRVHelpCenterCellTypeArticle);
     }
+    int written = 1 + articles;
     if (addSeeAllRow) {
         ++counter;
         lookup.set({fromIndexPath.section, counter}, CRVHelpCenterCellTypeSeeAll);
+        // Only a row not written above is a new entry.
+        if (counter != start && (counter <= start || counter > start + articles)) ++written;
     }
+    return written;
+}
+
+} // namespace
+
+CRVHelpCenterCellTypeLookup CRVHelpCenterOverviewUtil::cellTypeLookupForSection(
+    const dastrel::CRVHelpCenterSectionViewModel& section, const uikit::IndexPath& fromIndexPath, bool addSeeAllRow) {
+    CRVHelpCenterCellTypeLookup lookup;
+    writeSectionKinds(lookup, section, fromIndexPath, addSeeAllRow);
     return lookup;
 }
 
@@ -87,9 +103,7 @@ CRVHelpCenterCellTypeLookup CRVHelpCenterOverviewUtil::buildLookupForCellTypes(c
         const auto& category = categories[static_cast<std::size_t>(tableSection)];
         int row = 0;
         for (const auto& section : category.sections) {
-            const auto part = cellTypeLookupForSection(section, {tableSection, row}, hasSeeAllRow(section));
-            result.merge(part);
-            row += static_cast<int>(part.entryCount());
+            row += writeSectionKinds(result, section, {tableSection, row}, hasSeeAllRow(section));
             if (shouldAddSpacerToSection(section, category)) {
                 result.set({tableSection, row}, CRVHelpCenterCellTypeSpacer);
                 ++row;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "belvakit/entry/container_child_delegate.hpp"
 #include "belvakit/entry/ui_configurations.hpp"
 #include "belvakit/helpcenter/conversations_util.hpp"
 #include "belvakit/helpcenter/help_center_overview_table_handler.hpp"
@@ -23,12 +24,7 @@ namespace belvakit {
 using CRVHelpCenterUiConfiguration = HelpCenterUiConfiguration;
 
 // A host container around the overview: gives the navigation item and takes the dismissal.
-class CRVHelpCenterOverviewChildDelegate {
-public:
-    virtual ~CRVHelpCenterOverviewChildDelegate() = default;
-    virtual uikit::NavigationItem& navItem() = 0;
-    virtual void willDismiss() = 0;
-};
+using CRVHelpCenterOverviewChildDelegate = CRVContainerChildControllerDelegate;
 
 // How the overview talks to its search results screen.
 class CRVHelpCenterSearchResultUpdaterDelegate {
@@ -54,7 +50,7 @@ public:
 
 // The screens and routes the overview opens, which other parts of the library install: the article
 // screen (by id, or for a finished article), the contact-us route and the search results screen.
-// Until one is installed its action does nothing.
+// Until an article or search route is installed its action does nothing.
 struct CRVHelpCenterOverviewRoutes {
     std::function<uikit::ViewController::Ptr(std::int64_t articleId, const mirrowset::ConfigurationList& configs,
                                              const std::shared_ptr<CRVHelpCenterConversationsUIDelegate>& uiDelegate)>
@@ -63,7 +59,8 @@ struct CRVHelpCenterOverviewRoutes {
                                              const mirrowset::ConfigurationList& configs,
                                              const std::shared_ptr<CRVHelpCenterConversationsUIDelegate>& uiDelegate)>
         articleWithArticle;
-    // `fromEmptySearch` tells the button under an empty search from the navigation bar's.
+    // `fromEmptySearch` tells the button under an empty search from the navigation bar's. Without
+    // one the contact-us router decides.
     std::function<void(const uikit::ViewController::Ptr& presenting, const mirrowset::ConfigurationList& configs,
                        const EngineList& engines, bool fromEmptySearch)>
         contactUs;
@@ -148,6 +145,7 @@ private:
     void setUpTableView();
     void setUpReachabilityObserver();
     void reachabilityChanged(bool reachable);
+    uikit::BarButtonItemPtr contactButton();
     void pushOrIgnore(const uikit::ViewController::Ptr& screen);
 };
 

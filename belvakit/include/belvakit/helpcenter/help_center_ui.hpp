@@ -1,5 +1,6 @@
 #pragma once
 
+#include "belvakit/entry/Coordinator/coordinating_view_controller.hpp"
 #include "dastrel/help_center.hpp"
 #include "mirrowset/configurations.hpp"
 #include "uikit/view_controller.hpp"
@@ -13,16 +14,21 @@ namespace belvakit {
 class CRVArticleViewController;
 class CRVHelpCenterOverviewController;
 
-// The host's factories of Help Center screens.
+// The host's factories of Help Center screens. Each form without configurations passes an empty list.
 class CRVHelpCenterUi {
 public:
     CRVHelpCenterUi() = delete;
 
-    static std::shared_ptr<CRVHelpCenterOverviewController> buildHelpCenterOverview();
-    static std::shared_ptr<CRVHelpCenterOverviewController> buildHelpCenterOverviewWithConfigs(mirrowset::ConfigurationList configs);
+    // The overview behind its coordinator.
+    static std::shared_ptr<CoordinatingViewController> buildHelpCenterOverview();
+    static std::shared_ptr<CoordinatingViewController> buildHelpCenterOverviewWithConfigs(mirrowset::ConfigurationList configs);
+    static std::shared_ptr<CoordinatingViewController> buildCoordinatorWithHelpCenter(
+        const std::shared_ptr<CRVHelpCenterOverviewController>& helpCenter, mirrowset::ConfigurationList configs);
+    // The overview screen alone, for a host's own container.
+    static std::shared_ptr<CRVHelpCenterOverviewController> buildHelpCenterOverviewController(mirrowset::ConfigurationList configs);
     // Older names.
-    static std::shared_ptr<CRVHelpCenterOverviewController> buildHelpCenterOverviewUi() { return buildHelpCenterOverview(); }
-    static std::shared_ptr<CRVHelpCenterOverviewController> buildHelpCenterOverviewUiWithConfigs(mirrowset::ConfigurationList configs) {
+    static std::shared_ptr<CoordinatingViewController> buildHelpCenterOverviewUi() { return buildHelpCenterOverview(); }
+    static std::shared_ptr<CoordinatingViewController> buildHelpCenterOverviewUiWithConfigs(mirrowset::ConfigurationList configs) {
         return buildHelpCenterOverviewWithConfigs(std::move(configs));
     }
 

@@ -37,8 +37,9 @@ void CoordinatingViewController::viewWillAppear(bool animated) {
             self->starting_ = false;
             self->spinner->stopAnimating();
             if (!screen) return;
+            // The child names its title and buttons as its view loads, which the swap does.
+            self->setActiveController(screen);
             self->adoptNavigationItem(*screen);
-            self->setActiveController(std::move(screen));
         },
         shared_from_this());
 }
