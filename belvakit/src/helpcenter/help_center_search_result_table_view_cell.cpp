@@ -11,6 +11,8 @@ namespace {
 
 constexpr double verticalMargin = 12;
 constexpr double lineGap = 4;
+constexpr uikit::EdgeInsets standardSeparatorInset{0, 15, 0, 0};
+constexpr uikit::EdgeInsets standardLayoutMargins{8, 15, 8, 15};
 
 double measuredHeight(const uikit::Label& label, double width) {
     if (label.text().empty()) return 0;
@@ -84,6 +86,10 @@ void CRVHelpCenterSearchResultTableViewCell::adjustInsetForLastArticle(bool isLa
 
 void CRVHelpCenterSearchResultTableViewCell::prepareForReuse() {
     uikit::TableViewCell::prepareForReuse();
+    // A cell that was the last row shows other rows with the standard inset again.
+    separatorInset = standardSeparatorInset;
+    preservesSuperviewLayoutMargins = true;
+    layoutMargins = standardLayoutMargins;
     articleTitle->setText({});
     categoryAndSectionTitle->setText({});
 }

@@ -17,6 +17,8 @@ public:
     // A failed search arrives as no list.
     virtual void searchControllerDidUpdateWithResults(uikit::SearchController& searchController,
                                                       const std::optional<std::vector<dastrel::CRVHelpCenterArticle>>& results) = 0;
+    // As the user types; no query goes out from here.
+    virtual void updateSearchResultsForSearchController(uikit::SearchController&) {}
 };
 
 // How the search results screen talks to the overview.

@@ -49,7 +49,7 @@ public:
 
     // The search controller's updater: called as the user types, it shows nothing before the
     // first search and keeps the last results after it.
-    void updateSearchResultsForSearchController(uikit::SearchController& searchController);
+    void updateSearchResultsForSearchController(uikit::SearchController& searchController) override;
 
     // From the overview.
     void searchControllerStartedSearch(uikit::SearchController& searchController) override;
