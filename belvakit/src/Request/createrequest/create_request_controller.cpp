@@ -288,8 +288,8 @@ void CreateRequestController::viewDidLoad() {
     contentView()->addSubview(scrollView_);
     contentView()->addSubview(bottomBar_);
     bottomBar_->addSubview(separator());
-    contentView()->addSubview(toastView_);
     contentView()->addSubview(loadingView_);
+    contentView()->addSubview(toastView_);  // over the shield, to stay readable
     loadingView_->setHidden(!loadingShown_);
 
     if (ownsProgressBar_ && !progressBar_->superview()) progressBar_->setContainerView(view());
@@ -316,7 +316,10 @@ void CreateRequestController::viewDidLayoutSubviews() {
 void CreateRequestController::layoutForm() {
     if (!isViewLoaded() || !scrollView_) return;
     const auto area = contentView()->bounds();
-    const double width = area.width();
+    // Sideways, the form keeps clear of the rounded corners and the sensor housing.
+    const auto insets = safeAreaInsets();
+    const double left = insets.left;
+    const double width = std::max(0.0, area.width() - insets.left - insets.right);
 
     if (ownsProgressBar_ && progressBar_->superview() == view().get())
         progressBar_->setFrame({0, topViewOffset(), view()->bounds().width(), ProgressBar::defaultHeight});
@@ -324,16 +327,17 @@ void CreateRequestController::layoutForm() {
     const bool barShown = !attachButton_->isHidden() || !logoView_->isHidden();
     const double barHeight = barShown ? bottomBarHeight : 0;
     bottomBar_->setHidden(!barShown);
-    bottomBar_->setFrame({0, area.height() - barHeight, width, barHeight});
-    if (!bottomBar_->subviews().empty()) bottomBar_->subviews().back()->setFrame({0, 0, width, 1.0 / 2});
-    attachButton_->setFrame({4, 0, attachButtonSize, attachButtonSize});
+    bottomBar_->setFrame({0, area.height() - barHeight, area.width(), barHeight});
+    if (!bottomBar_->subviews().empty()) bottomBar_->subviews().back()->setFrame({0, 0, area.width(), 1.0 / 2});
+    attachButton_->setFrame({left + 4, 0, attachButtonSize, attachButtonSize});
     const auto logo = logoView_->sizeThatFits({width, bottomBarHeight});
-    logoView_->setFrame({width - logo.width - 8, std::floor((bottomBarHeight - logo.height) / 2), logo.width, logo.height});
+    logoView_->setFrame(
+        {left + width - logo.width - 8, std::floor((bottomBarHeight - logo.height) / 2), logo.width, logo.height});
 
     const double top = statusShown_ ? statusHeight : 0;
-    toastView_->setFrame({0, top - statusHeight, width, statusHeight});
-    toastLabel_->setFrame({12, 0, std::max(0.0, width - 24), statusHeight});
-    scrollView_->setFrame({0, top, width, std::max(0.0, area.height() - barHeight - top)});
+    toastView_->setFrame({0, top - statusHeight, area.width(), statusHeight});
+    toastLabel_->setFrame({left + 12, 0, std::max(0.0, width - 24), statusHeight});
+    scrollView_->setFrame({0, top, area.width(), std::max(0.0, area.height() - barHeight - top)});
 
     double y = 0;
     std::size_t line = 0;
@@ -353,8 +357,8 @@ void CreateRequestController::layoutForm() {
     attachmentCollectionView_->setHidden(stripHeight == 0);
     attachmentCollectionView_->setFrame({0, y, width, stripHeight});
     y += stripHeight;
-    formView_->setFrame({0, 0, width, y});
-    scrollView_->setContentSize({width, y});
+    formView_->setFrame({left, 0, width, y});
+    scrollView_->setContentSize({area.width(), y});
 
     loadingView_->setFrame(area);
 }
@@ -547,8 +551,8 @@ void CreateRequestController::showStatus(const std::string& text, const platform
 }
 
 void CreateRequestController::hideStatus() {
-    ++statusGeneration_;
     if (!statusShown_) return;
+    ++statusGeneration_;
     statusShown_ = false;
     if (!isViewLoaded()) {
         toastView_->setHidden(true);
@@ -575,8 +579,8 @@ void CreateRequestController::setSendEnabled(bool enabled) {
         enabler->setRightBarButtonItemEnabled(enabled);
         return;
     }
-    auto* navigation = navigationController();
-    if (navigation && navigation->topViewController() == this) navigation->refreshBar();
+    // The bar shows its top screen's item: the form's own, or a container's that took the button.
+    if (auto* navigation = navigationController()) navigation->refreshBar();
 }
 
 void CreateRequestController::endEditing() {

@@ -4,6 +4,7 @@
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_state.hpp"
 #include "corvane/core_logger.hpp"
+#include "platform/main_queue.hpp"
 #include "platform/serial_queue.hpp"
 #include "platform/trimming.hpp"
 #include "tivra/state.hpp"
@@ -80,16 +81,21 @@ void prepareDispatchDetails(std::vector<Message> messages, std::vector<InputAtta
     RequestQueueActions::DispatchDetails details;
     details.id = text->id;
     details.body = text->body;
-    platform::BackgroundQueue::shared().async(
-        [details = std::move(details), attachments = std::move(attachments),
-         dispatchDetails = std::move(dispatchDetails)]() mutable {
-            for (const auto& attachment : attachments) {
-                const auto* attachable = dynamic_cast<const Attachable*>(attachment.get());
-                if (!attachable) continue;
-                if (auto file = attachable->attachment()) details.attachments.push_back(std::move(*file));
-            }
-            dispatchDetails(details);
-        });
+    const bool encodes = !attachments.empty();
+    auto work = [details = std::move(details), attachments = std::move(attachments),
+                 dispatchDetails = std::move(dispatchDetails)]() mutable {
+        for (const auto& attachment : attachments) {
+            const auto* attachable = dynamic_cast<const Attachable*>(attachment.get());
+            if (!attachable) continue;
+            if (auto file = attachable->attachment()) details.attachments.push_back(std::move(*file));
+        }
+        dispatchDetails(details);
+    };
+    // Encoding files takes time, so it leaves the main thread; a text alone only waits its turn.
+    if (encodes)
+        platform::BackgroundQueue::shared().async(std::move(work));
+    else
+        platform::MainQueue::shared().async(std::move(work));
 }
 
 } // namespace belvakit
