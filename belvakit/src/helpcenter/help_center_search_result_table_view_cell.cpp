@@ -1,6 +1,7 @@
 #include "belvakit/helpcenter/help_center_search_result_table_view_cell.hpp"
 
 #include "platform/text_search.hpp"
+#include "uikit/window.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -26,6 +27,14 @@ void show(uikit::Label& label, platform::AttributedString text) {
         label.setText(text.string());
     else
         label.setAttributedText(std::move(text));
+}
+
+// Sideways safe area of the window the cell shows in (or will: cells are measured before they join it).
+double sideInset(const uikit::View& cell) {
+    const uikit::Window* window = cell.window() ? cell.window() : uikit::Window::keyWindow();
+    if (!window) return 0;
+    const auto& insets = window->environment().safeAreaInsets;
+    return std::max(insets.left, insets.right);
 }
 
 } // namespace
@@ -95,8 +104,9 @@ void CRVHelpCenterSearchResultTableViewCell::prepareForReuse() {
 }
 
 double CRVHelpCenterSearchResultTableViewCell::placeLabels(double width, bool apply) const {
-    // The text keeps the platform's standard indent even when the margins go to zero for the last row.
-    constexpr double side = 15;
+    // The text keeps the platform's standard indent even when the margins go to zero for the last row,
+    // and keeps clear of the sideways safe area.
+    const double side = 15 + sideInset(*this);
     const double textWidth = std::max(1.0, width - 2 * side);
     double y = verticalMargin;
     bool first = true;
@@ -117,6 +127,8 @@ uikit::Size CRVHelpCenterSearchResultTableViewCell::sizeThatFits(uikit::Size siz
 }
 
 void CRVHelpCenterSearchResultTableViewCell::layoutSubviews() {
+    // Keeping the superview's margins, the separator starts under the text, clear of the safe area.
+    if (preservesSuperviewLayoutMargins) separatorInset.left = standardSeparatorInset.left + sideInset(*this);
     uikit::TableViewCell::layoutSubviews();
     placeLabels(contentView()->bounds().width(), true);
 }
