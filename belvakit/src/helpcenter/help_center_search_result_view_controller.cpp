@@ -167,10 +167,6 @@ std::shared_ptr<uikit::TableViewCell> CRVHelpCenterSearchResultViewController::c
     return cell;
 }
 
-double CRVHelpCenterSearchResultViewController::estimatedHeightForRowAt(uikit::TableView&, const uikit::IndexPath&) {
-    return estimatedSearchResultHight;
-}
-
 void CRVHelpCenterSearchResultViewController::didSelectRowAt(uikit::TableView& table, const uikit::IndexPath& indexPath) {
     table.deselectRow(indexPath, true);
     const auto row = static_cast<std::size_t>(indexPath.row);

@@ -69,7 +69,6 @@ public:
     // Table.
     int numberOfRowsInSection(uikit::TableView& table, int section) override;
     std::shared_ptr<uikit::TableViewCell> cellForRowAt(uikit::TableView& table, const uikit::IndexPath& indexPath) override;
-    double estimatedHeightForRowAt(uikit::TableView& table, const uikit::IndexPath& indexPath) override;
     void didSelectRowAt(uikit::TableView& table, const uikit::IndexPath& indexPath) override;
 
 private:
