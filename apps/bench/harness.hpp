@@ -35,5 +35,6 @@ std::vector<Metric> requestListMetrics();
 std::vector<Metric> uiMetrics();
 std::vector<Metric> renderMetrics();
 std::vector<Metric> helpCenterSearchMetrics();
+std::vector<Metric> helpCenterMetrics();
 
 } // namespace bench

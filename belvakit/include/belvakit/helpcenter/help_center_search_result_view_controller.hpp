@@ -1,6 +1,6 @@
 #pragma once
 
-#include "belvakit/helpcenter/help_center_search_delegates.hpp"
+#include "belvakit/helpcenter/help_center_overview_controller.hpp"
 #include "belvakit/helpcenter/help_center_search_result_table_view_cell.hpp"
 #include "belvakit/toolkit/theme.hpp"
 #include "belvakit/toolkit/toast_view_wrapper.hpp"
