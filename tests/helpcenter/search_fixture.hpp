@@ -1,6 +1,8 @@
 #pragma once
 
+#include "belvakit/helpcenter/help_center_overview_controller.hpp"
 #include "belvakit/helpcenter/help_center_search_result_view_controller.hpp"
+#include "belvakit/helpcenter/help_center_ui.hpp"
 #include "corvane/corvane.hpp"
 #include "dastrel/help_center_provider.hpp"
 #include "dastrel/support.hpp"
@@ -19,64 +21,37 @@
 
 namespace search_testing {
 
-// Plays the overview's half of search: owns the search bar, queries on the keyboard's search
-// button with the content scope, and hears what the results screen selects.
-class SearchHost final : public uikit::ViewController, public belvakit::CRVHelpCenterSearchResultViewControllerDelegate {
-public:
-    void viewDidLoad() override {
-        setTitle("Help");
-        auto self = std::static_pointer_cast<SearchHost>(shared_from_this());
-        results = belvakit::CRVHelpCenterSearchResultViewController::make();
-        results->delegate = self;
-        searchController = std::make_shared<uikit::SearchController>(results);
-        std::weak_ptr<belvakit::CRVHelpCenterSearchResultViewController> weakResults = results;
-        searchController->setSearchResultsUpdater([weakResults](uikit::SearchController& controller) {
-            if (const auto strong = weakResults.lock()) strong->updateSearchResultsForSearchController(controller);
-        });
-        searchController->searchBar()->searchButtonClicked = [this] { searchButtonClicked(); };
-        navigationItem().searchController = searchController;
-    }
-
-    void searchButtonClicked() {
-        results->searchControllerStartedSearch(*searchController);
-        dastrel::CRVHelpCenterSearch search;
-        search.setQuery(searchController->searchBar()->text());
-        search.addSearchContentScope(contentModel);
-        auto keep = std::static_pointer_cast<SearchHost>(shared_from_this());
-        dastrel::CRVHelpCenterProvider::make()->searchArticles(search, [keep](auto list, auto) {
-            keep->results->searchControllerDidUpdateWithResults(*keep->searchController, list);
-        });
-    }
-
-    void searchResultControllerDidSelectArticle(uikit::ViewController&, const dastrel::CRVHelpCenterArticle& article) override {
-        opened.push_back(article.identifier);
-    }
-    void searchResultControllerDidSelectContactSupport(uikit::ViewController&) override { ++contactTaps; }
-    bool shouldShowContactOptions() const override { return showContactOptionsOnEmptySearch; }
-
-    std::shared_ptr<belvakit::CRVHelpCenterSearchResultViewController> results;
-    std::shared_ptr<uikit::SearchController> searchController;
-    dastrel::CRVHelpCenterOverviewContentModel contentModel;
-    bool showContactOptionsOnEmptySearch = true;
-    std::vector<std::int64_t> opened;
-    int contactTaps = 0;
-};
-
-// A phone window with the search host on a navigation stack, the embedded help desk as the core's
-// providers, and virtual time.
+// A phone window with the Help Center overview on a navigation stack, the embedded help desk as the
+// core's providers, and virtual time. Opened articles and the contact button are recorded through
+// the overview's routes.
 class SearchTest : public ::testing::Test {
 protected:
     void SetUp() override {
         auto core = desk->initializeCorvane(corvane::Identity::createAnonymous());
         dastrel::Support::initialize(core);
+        auto& routes = belvakit::CRVHelpCenterOverviewRoutes::shared();
+        routes = {};
+        routes.articleWithArticle = [this](const dastrel::CRVHelpCenterArticle& article, const auto&, const auto&) {
+            opened.push_back(article.identifier);
+            auto screen = std::make_shared<uikit::ViewController>();
+            screen->setTitle(article.title);
+            screen->view()->setAccessibilityIdentifier("ArticleStandIn");
+            return screen;
+        };
+        routes.contactUs = [this](const auto&, const auto&, const auto&, bool fromEmptySearch) {
+            contacts.push_back(fromEmptySearch);
+        };
         window->makeKeyAndVisible();
+        overview = belvakit::CRVHelpCenterUi::buildHelpCenterOverviewController({configuration});
+        navigation = std::make_shared<uikit::NavigationController>(overview);
         window->setRootViewController(navigation);
         window->layoutTree();
-        run(0.1);
+        run(1);
     }
     void TearDown() override {
         window->setRootViewController(nullptr);
         run(0.5);
+        belvakit::CRVHelpCenterOverviewRoutes::shared() = {};
         corvane::Corvane::reset();
         dastrel::Support::reset();
     }
@@ -92,7 +67,8 @@ protected:
         window->layoutTree();
     }
 
-    uikit::TextField& field() { return *host->searchController->searchBar()->textField(); }
+    uikit::SearchController& searchController() { return *overview->searchController; }
+    uikit::TextField& field() { return *searchController().searchBar()->textField(); }
     // Types into the search bar; a trailing "\n" is the keyboard's search button.
     void type(const std::string& text) {
         uikit::typeText(field(), text);
@@ -104,8 +80,16 @@ protected:
         run(wait);
     }
 
-    belvakit::CRVHelpCenterSearchResultViewController& results() { return *host->results; }
+    belvakit::CRVHelpCenterSearchResultViewController& results() {
+        return dynamic_cast<belvakit::CRVHelpCenterSearchResultViewController&>(*overview->resultsController);
+    }
     bool resultsShown() { return uikit::isShown(*results().view()); }
+    // Shown, and what a tap at its centre reaches.
+    bool onTop(uikit::View& view) {
+        const auto frame = view.convert(view.bounds(), nullptr);
+        const auto* hit = window->hitTest({frame.midX(), frame.midY()});
+        return uikit::isShown(view) && hit && hit->isDescendantOf(view);
+    }
     std::vector<std::string> rowTitles() {
         std::vector<std::string> titles;
         for (int row = 0; row < results().tableView->numberOfRowsInSection(0); ++row) {
@@ -139,9 +123,12 @@ protected:
     std::shared_ptr<sandbox::HelpDesk> desk = sandbox::HelpDesk::make({.storageDirectory = directory.path()});
     testing_support::TemporaryDirectory referenceDirectory;
     std::shared_ptr<sandbox::HelpDesk> reference = sandbox::HelpDesk::make({.storageDirectory = referenceDirectory.path()});
-    std::shared_ptr<SearchHost> host = std::make_shared<SearchHost>();
-    std::shared_ptr<uikit::NavigationController> navigation = std::make_shared<uikit::NavigationController>(host);
+    std::shared_ptr<belvakit::HelpCenterUiConfiguration> configuration = std::make_shared<belvakit::HelpCenterUiConfiguration>();
+    std::shared_ptr<belvakit::CRVHelpCenterOverviewController> overview;
+    std::shared_ptr<uikit::NavigationController> navigation;
     std::shared_ptr<uikit::Window> window = std::make_shared<uikit::Window>();
+    std::vector<std::int64_t> opened;
+    std::vector<bool> contacts;
 };
 
 } // namespace search_testing

@@ -40,7 +40,7 @@ TEST_F(SearchTest, TypingNeverQueriesAndShowsNothingUntilTheSearchButton) {
     const auto callsBefore = desk->helpCenter()->callCount();
     type("sync");
     run(1);
-    EXPECT_TRUE(host->searchController->isActive());
+    EXPECT_TRUE(searchController().isActive());
     EXPECT_FALSE(resultsShown());
     EXPECT_EQ(desk->helpCenter()->callCount(), callsBefore);
 
@@ -69,9 +69,9 @@ TEST_F(SearchTest, TypingNeverQueriesAndShowsNothingUntilTheSearchButton) {
 TEST_F(SearchTest, LeavingTheSearchHidesTheResultsOfTheNextPresentationButKeepsTheirData) {
     search("sync");
     ASSERT_EQ(results().numberOfSearches, 1u);
-    uikit::tap(*host->searchController->searchBar()->cancelButton());
+    uikit::tap(*searchController().searchBar()->cancelButton());
     run(0.1);
-    EXPECT_FALSE(host->searchController->isActive());
+    EXPECT_FALSE(searchController().isActive());
     EXPECT_EQ(results().numberOfSearches, 0u);
 
     type("widget");
@@ -160,20 +160,20 @@ TEST_F(SearchTest, NoResultsShowsTheTermInBoldAndTheContactButtonThatReachesTheO
     ASSERT_TRUE(uikit::isShown(button));
     EXPECT_EQ(button.currentTitle(), localized(LocalizedKey::helpCenterSupportContactSupport));
     EXPECT_TRUE(uikit::tap(button));
-    EXPECT_EQ(host->contactTaps, 1);
+    EXPECT_EQ(contacts, std::vector<bool>{true});
     // Nothing failed, so no toast.
     EXPECT_FALSE(results().toastWrapper->isShowingError);
 }
 
 TEST_F(SearchTest, WithoutContactOptionsOnEmptySearchTheNoResultsViewHasNoButton) {
-    host->showContactOptionsOnEmptySearch = false;
+    configuration->showContactOptionsOnEmptySearch = false;
     search("qqzzx");
     EXPECT_FALSE(results().noResultsView->isHidden());
     EXPECT_FALSE(uikit::isShown(*results().contactSupportButton));
     // The answer is read each time the results appear.
-    uikit::tap(*host->searchController->searchBar()->cancelButton());
+    uikit::tap(*searchController().searchBar()->cancelButton());
     run(0.1);
-    host->showContactOptionsOnEmptySearch = true;
+    configuration->showContactOptionsOnEmptySearch = true;
     search("qqzzx");
     EXPECT_TRUE(uikit::isShown(*results().contactSupportButton));
 }
@@ -193,7 +193,7 @@ TEST_F(SearchTest, EachOpenedResultRecordsOneViewAndTellsTheOverview) {
     ASSERT_GE(data.size(), 2u);
     ASSERT_TRUE(uikit::tap(*cellAt(1)));
     run(0.1);
-    EXPECT_EQ(host->opened, std::vector<std::int64_t>{data[1].identifier});
+    EXPECT_EQ(opened, std::vector<std::int64_t>{data[1].identifier});
     EXPECT_EQ(desk->helpCenter()->recordedArticleViews(), std::vector<std::int64_t>{data[1].identifier});
     EXPECT_FALSE(results().tableView->indexPathForSelectedRow().has_value());
 
@@ -202,7 +202,7 @@ TEST_F(SearchTest, EachOpenedResultRecordsOneViewAndTellsTheOverview) {
     desk->helpCenter()->failNext(1);
     uikit::tap(*cellAt(0));
     run(0.1);
-    EXPECT_EQ(host->opened, (std::vector<std::int64_t>{data[1].identifier, data[1].identifier, data[0].identifier}));
+    EXPECT_EQ(opened, (std::vector<std::int64_t>{data[1].identifier, data[1].identifier, data[0].identifier}));
     EXPECT_EQ(desk->helpCenter()->recordedArticleViews(),
               (std::vector<std::int64_t>{data[1].identifier, data[1].identifier}));
     EXPECT_FALSE(results().toastWrapper->isShowingError);
@@ -288,4 +288,35 @@ TEST(SearchHighlighting, EveryStringMarksExactlyItsFirstMatch) {
                 << "seed " << seed << " text \"" << string << "\" term \"" << boldText << "\" byte " << at;
         }
     }
+}
+
+TEST_F(SearchTest, AnOpenedResultShowsItsArticleAboveTheSearch) {
+    search("widget");
+    ASSERT_TRUE(uikit::tap(*cellAt(0)));
+    run(0.5);
+    ASSERT_EQ(navigation->viewControllers().size(), 2u);
+    auto* article = uikit::findByIdentifier(*window, "ArticleStandIn");
+    ASSERT_NE(article, nullptr);
+    EXPECT_TRUE(uikit::isShown(*article));
+    EXPECT_FALSE(navigation->isNavigationBarHidden());
+    // Nothing of the search lies over the article.
+    EXPECT_TRUE(onTop(*article));
+
+    // Back from the article, the search and its results are as they were.
+    navigation->popViewController(false);
+    run(0.5);
+    EXPECT_TRUE(searchController().isActive());
+    EXPECT_TRUE(resultsShown());
+    EXPECT_EQ(rowTitles(), deskTitles("widget"));
+}
+
+TEST_F(SearchTest, TheContactButtonUnderAnEmptyResultReachesTheRequestFlowAboveTheSearch) {
+    belvakit::CRVHelpCenterOverviewRoutes::shared().contactUs = nullptr;
+    search("qqzzx");
+    ASSERT_TRUE(uikit::tap(*results().contactSupportButton));
+    run(0.5);
+    const auto debug = log.messages(platform::LogLevel::debug);
+    EXPECT_NE(std::find(debug.begin(), debug.end(), "Presenting Request List UI"), debug.end());
+    ASSERT_EQ(navigation->viewControllers().size(), 2u);
+    EXPECT_TRUE(onTop(*navigation->viewControllers().back()->view()));
 }
