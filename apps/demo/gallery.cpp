@@ -1,5 +1,10 @@
 #include "gallery.hpp"
 
+#include "shots_container.hpp"
+#include "shots_create_request.hpp"
+#include "shots_help_center.hpp"
+#include "shots_request_list.hpp"
+
 #include "belvakit/toolkit/avatar_title.hpp"
 #include "belvakit/toolkit/progress_bar.hpp"
 #include "belvakit/toolkit/progress_state_machine.hpp"
@@ -234,6 +239,8 @@ std::vector<GalleryShot> galleryShots() {
                          return inNavigation(screen);
                      }});
     shots.push_back({"themed-table", "A themed table", 1.0, [] { return inNavigation(std::make_shared<TableScreen>()); }});
+    for (auto&& more : {containerShots(), createRequestShots(), requestListShots(), helpCenterShots()})
+        shots.insert(shots.end(), more.begin(), more.end());
     return shots;
 }
 

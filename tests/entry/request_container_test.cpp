@@ -3,6 +3,7 @@
 #include "belvakit/Request/conversation/actions.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
+#include "belvakit/Request/createrequest/create_request_controller.hpp"
 #include "belvakit/Request/createrequest/create_request_state.hpp"
 #include "belvakit/Request/requestlist/request_list_state.hpp"
 #include "belvakit/entry/request_ui.hpp"
@@ -192,10 +193,15 @@ TEST_F(RequestContainerTest, AFailedSettingsFetchKeepsLoadingAndOffersARetry) {
     EXPECT_EQ(shownChild(*screen), "loading");
     auto* retry = uikit::findByIdentifier(*screen->view(), "CRVtoastRetryButton");
     ASSERT_NE(retry, nullptr);
+    run(3);
+    EXPECT_EQ(screen->progressBar->stateMachine()->state(), ProgressState::idle) << "the bar ends with the fetch";
 
     desk->settings()->setFailing(false);
+    desk->settings()->setLatency(platform::seconds(2));
     EXPECT_TRUE(uikit::tap(*retry));
     run(0.5);
+    EXPECT_EQ(screen->progressBar->stateMachine()->state(), ProgressState::running);
+    run(2);
     EXPECT_EQ(shownChild(*screen), "conversation");
 }
 
@@ -273,6 +279,57 @@ TEST_F(RequestContainerTest, TheTitleShowsTheConversationsAgentsLatestFirst) {
     ASSERT_EQ(title->agents().size(), 2u);
     EXPECT_EQ(title->agents()[0].agentName, "Grace");
     EXPECT_EQ(title->agents()[1].agentName, "Linus");
+}
+
+TEST_F(RequestContainerTest, TheFormRaisesATicketUpdatesTheIdentityAndTheContainerLeaves) {
+    startCore(corvane::Identity::createAnonymous());
+    desk->settings()->setConversationsEnabled(false);
+    auto screen = RequestUi::buildRequestUi();
+    push(screen);
+    auto form = std::dynamic_pointer_cast<CreateRequestController>(screen->activeController());
+    ASSERT_NE(form, nullptr);
+    ASSERT_TRUE(form->nameField());
+    ASSERT_TRUE(form->emailField());
+    const auto send = screen->navigationItem().rightBarButtonItem;
+    ASSERT_TRUE(send) << "the form's send button sits on the container's bar";
+    EXPECT_EQ(send, form->sendButtonItem());
+    EXPECT_FALSE(send->enabled);
+
+    uikit::typeText(*form->nameField()->input(), "Ada");
+    uikit::typeText(*form->emailField()->input(), "ada@example.com");
+    uikit::typeText(*form->descriptionTextview()->input(), "The printer is on fire");
+    run(0.1);
+    EXPECT_TRUE(send->enabled) << "the form enables the button where it shows";
+    send->action();
+    // The form's messages are made off the main thread.
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return desk->tickets()->requests().size() == 1; }));
+    run(1);
+    EXPECT_EQ(desk->tickets()->requests()[0].requestDescription, "The printer is on fire");
+    const auto* identity = dynamic_cast<const corvane::Anonymous*>(corvane::Corvane::instance()->identity().get());
+    ASSERT_NE(identity, nullptr);
+    EXPECT_EQ(identity->name(), "Ada");
+    EXPECT_EQ(identity->email(), "ada@example.com");
+
+    run(3);
+    EXPECT_EQ(navigation->topViewController(), root.get()) << "the form hands over and the container leaves";
+}
+
+TEST_F(RequestContainerTest, TheWayOutAsksBeforeDroppingWhatTheFormHolds) {
+    startCore(corvane::Identity::createJwt("token"));
+    desk->settings()->setConversationsEnabled(false);
+    auto screen = RequestUi::buildRequestUi();
+    push(screen);
+    auto form = std::dynamic_pointer_cast<CreateRequestController>(screen->activeController());
+    ASSERT_NE(form, nullptr);
+    ASSERT_TRUE(screen->discardEditsController);
+    uikit::typeText(*form->descriptionTextview()->input(), "Half a thought");
+    run(0.1);
+    const auto back = screen->navigationItem().leftBarButtonItem;
+    ASSERT_TRUE(back);
+    back->action();
+    run(0.5);
+    EXPECT_NE(screen->presentedViewController(), nullptr) << "unsent edits bring the question";
+    EXPECT_EQ(navigation->topViewController(), screen.get());
 }
 
 } // namespace

@@ -390,3 +390,27 @@ TEST_F(OverviewScreenTest, TheFactoryPutsTheOverviewBehindItsCoordinatorAndTheRo
     settle();
     EXPECT_TRUE(navigation_->viewControllers().size() > 1 || navigation_->presentedViewController());
 }
+
+TEST_F(OverviewScreenTest, APresentedOverviewHasACancelButtonThatDismissesIt) {
+    auto host = std::make_shared<uikit::ViewController>();
+    window_->setRootViewController(host);
+    window_->layoutTree();
+    screen_ = CRVHelpCenterUi::buildHelpCenterOverviewController({});
+    navigation_ = std::make_shared<uikit::NavigationController>(screen_);
+    host->presentViewController(navigation_, false);
+    settle();
+    ASSERT_TRUE(screen_->navigationItem().leftBarButtonItem);
+    EXPECT_EQ(screen_->navigationItem().leftBarButtonItem->accessibilityIdentifier, "CRVcancelButton");
+    screen_->navigationItem().leftBarButtonItem->action();
+    settle();
+    EXPECT_FALSE(host->presentedViewController());
+
+    // Pushed on a stack, the back button does the job.
+    auto root = std::make_shared<uikit::ViewController>();
+    navigation_ = std::make_shared<uikit::NavigationController>(root);
+    window_->setRootViewController(navigation_);
+    screen_ = CRVHelpCenterUi::buildHelpCenterOverviewController({});
+    navigation_->pushViewController(screen_, false);
+    settle();
+    EXPECT_FALSE(screen_->navigationItem().leftBarButtonItem);
+}

@@ -1,6 +1,7 @@
 #include "search_fixture.hpp"
 
 #include "belvakit/entry/localized_strings.hpp"
+#include "belvakit/helpcenter/article_view_controller.hpp"
 #include "belvakit/toolkit/appearance_applicator.hpp"
 
 #include <algorithm>
@@ -319,4 +320,18 @@ TEST_F(SearchTest, TheContactButtonUnderAnEmptyResultReachesTheRequestFlowAboveT
     EXPECT_NE(std::find(debug.begin(), debug.end(), "Presenting Request List UI"), debug.end());
     ASSERT_EQ(navigation->viewControllers().size(), 2u);
     EXPECT_TRUE(onTop(*navigation->viewControllers().back()->view()));
+}
+
+TEST_F(SearchTest, AnOpenedResultIsTheLibrarysArticleScreenForThatArticle) {
+    belvakit::CRVHelpCenterOverviewRoutes::shared().articleWithArticle = nullptr;
+    belvakit::installArticleRoutes();
+    search("refund");
+    ASSERT_EQ(results().data.size(), 1u);
+    ASSERT_TRUE(uikit::tap(*cellAt(0)));
+    run(1);
+    ASSERT_EQ(navigation->viewControllers().size(), 2u);
+    auto* article = dynamic_cast<belvakit::CRVArticleViewController*>(navigation->viewControllers().back().get());
+    ASSERT_NE(article, nullptr);
+    EXPECT_TRUE(onTop(*article->view()));
+    EXPECT_EQ(desk->helpCenter()->recordedArticleViews(), std::vector<std::int64_t>{results().data[0].identifier});
 }

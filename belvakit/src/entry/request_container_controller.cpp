@@ -114,6 +114,9 @@ void RequestContainerController::viewDidLoad() {
 
 void RequestContainerController::viewWillAppear(bool animated) {
     ContainerViewController::viewWillAppear(animated);
+    if (!discardEditsController) discardEditsController = DiscardEditsController::make(shared_from_this());
+    discardEditsController->editSource = std::dynamic_pointer_cast<DiscardEditsControllerEditSource>(activeController());
+    discardEditsController->prepare();
     // Settings are read at every appearance; an unchanged answer redraws nothing.
     sharedStore()->dispatch(RequestContainerActions::GetSettings{});
 }
@@ -185,6 +188,8 @@ void RequestContainerController::showCreateRequest() {
         return;
     }
     setActiveController(child);
+    if (discardEditsController)
+        discardEditsController->editSource = std::dynamic_pointer_cast<DiscardEditsControllerEditSource>(child);
     // The form's send button sits on this screen's bar, with a plain title.
     auto& item = navigationItem();
     item.rightBarButtonItem = std::exchange(child->navigationItem().rightBarButtonItem, nullptr);
@@ -221,9 +226,14 @@ void RequestContainerController::settingsFetchFailed() {
     if (state.requestScreenType != RequestScreenType::loading()) return;
     std::weak_ptr<RequestContainerController> weak =
         std::static_pointer_cast<RequestContainerController>(shared_from_this());
+    // The wait is over: the bar stops promising, and starts again with the retry.
+    progressBar->stateMachine()->queueCompleted();
     toastWrapper->showErrorInViewController(shared_from_this(), localized(LocalizedKey::helpCenterSupportContactError),
                                             localized(LocalizedKey::helpCenterToastRetryButton), [weak] {
-                                                if (weak.lock()) sharedStore()->dispatch(RequestContainerActions::GetSettings{});
+                                                const auto self = weak.lock();
+                                                if (!self) return;
+                                                self->progressBar->stateMachine()->begin(sharedProgressSteps());
+                                                sharedStore()->dispatch(RequestContainerActions::GetSettings{});
                                             });
 }
 
@@ -241,6 +251,12 @@ void RequestContainerController::willDismiss() {
     const auto keep = shared_from_this();
     leave();
     if (auto delegate = childDelegate.lock()) delegate->willDismiss();
+}
+
+void RequestContainerController::setRightBarButtonItemEnabled(bool enabled) {
+    if (const auto& send = navigationItem().rightBarButtonItem) send->enabled = enabled;
+    auto* navigation = navigationController();
+    if (navigation && navigation->topViewController() == this) navigation->refreshBar();
 }
 
 void RequestContainerController::leave() { DismissUtil::popOrDismiss(*this, true); }

@@ -1,5 +1,6 @@
 #include "belvakit/helpcenter/help_center_overview_controller.hpp"
 
+#include "belvakit/entry/Coordinator/dismiss_util.hpp"
 #include "belvakit/entry/Coordinator/help_center_contact_us_router.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/helpcenter/help_center_error_handler_utils.hpp"
@@ -76,6 +77,14 @@ void CRVHelpCenterOverviewController::viewDidLoad() {
 
 void CRVHelpCenterOverviewController::viewWillAppear(bool animated) {
     uikit::ViewController::viewWillAppear(animated);
+    // A pushed screen has its back button; otherwise a cancel button leaves the Help Center. Inside
+    // a container, the container is what stands in the stack.
+    const uikit::ViewController* standing = childDelegate.lock() && parentViewController() ? parentViewController() : this;
+    std::weak_ptr<CRVHelpCenterOverviewController> weakSelf = self();
+    navItem().leftBarButtonItem = DismissUtil::barButtonFor(*standing, navigationController(), [weakSelf] {
+        if (auto strong = weakSelf.lock()) strong->decideDismiss();
+    });
+    if (auto* navigation = navigationController()) navigation->refreshBar();
     view()->setNeedsLayout();
 }
 
@@ -93,7 +102,10 @@ void CRVHelpCenterOverviewController::viewDidLayoutSubviews() {
         }
     }
     const double tableTop = top + std::max(0.0, toastHeight + toastWrapperConstraint);
-    tableView->setFrame({0, tableTop, bounds.width(), std::max(0.0, bounds.height() - tableTop)});
+    // Rows keep out of the sides' insets (a phone's notch in landscape).
+    const auto insets = safeAreaInsets();
+    tableView->setFrame({insets.left, tableTop, std::max(0.0, bounds.width() - insets.left - insets.right),
+                         std::max(0.0, bounds.height() - tableTop)});
     const auto spinnerSize = loadingSpinner->intrinsicContentSize();
     loadingSpinner->setFrame({(bounds.width() - spinnerSize.width) / 2, top + (bounds.height() - top - spinnerSize.height) / 2,
                               spinnerSize.width, spinnerSize.height});
@@ -222,13 +234,7 @@ void CRVHelpCenterOverviewController::showContact() {
 
 void CRVHelpCenterOverviewController::decideDismiss() {
     if (auto container = childDelegate.lock()) return container->willDismiss();
-    auto* navigation = navigationController();
-    if (!navigation) return;
-    if (navigation->viewControllers().size() > 1 && navigation->viewControllers().back().get() == this) {
-        navigation->popViewController(true);
-    } else if (navigation->presentingViewController()) {
-        navigation->dismissViewController(true);
-    }
+    DismissUtil::popOrDismiss(*this, true);
 }
 
 void CRVHelpCenterOverviewController::hideToastWrapperError(bool hidden) {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "belvakit/Request/createrequest/discard_edits_controller.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "belvakit/entry/Coordinator/container_view_controller.hpp"
 #include "belvakit/entry/container_child_delegate.hpp"
+#include "belvakit/entry/navigation_item_delegate.hpp"
 #include "belvakit/entry/request_container_state.hpp"
 #include "belvakit/entry/ui_configurations.hpp"
 #include "belvakit/toolkit/avatar_title.hpp"
@@ -67,7 +69,9 @@ struct CreateRequestScreenInput {
 // The ticket screen a host gets: it picks, from settings and identity, a spinner, the
 // conversation, the form that creates a ticket, or its own end, and swaps that child in.
 // Shows the conversation's agents in its title. Main thread.
-class RequestContainerController final : public ContainerViewController, public CRVContainerChildControllerDelegate {
+class RequestContainerController final : public ContainerViewController,
+                                         public CRVContainerChildControllerDelegate,
+                                         public NavigationItemDelegate {
 public:
     // Null when the screen could not be built.
     using ConversationScreenBuilder =
@@ -92,6 +96,8 @@ public:
     std::shared_ptr<AvatarTitle> avatarTitle;
     std::shared_ptr<CRVToastViewWrapper> toastWrapper;
     std::shared_ptr<Cache> ticketsCache;
+    // Asks before the way out drops what the child holds unsent; made on first appearance.
+    std::shared_ptr<DiscardEditsController> discardEditsController;
 
     // How the children are made; the library's own screens unless replaced.
     ConversationScreenBuilder conversationScreenBuilder = defaultConversationScreenBuilder();
@@ -108,6 +114,8 @@ public:
     uikit::NavigationItem& navItem() override { return navigationItem(); }
     // The child is done: the screen leaves as for `end`, and its own delegate hears of it.
     void willDismiss() override;
+    // The child's send button, which sits on this screen's bar.
+    void setRightBarButtonItemEnabled(bool enabled) override;
 
     // The agents of a conversation, the latest to write first, each once.
     static std::vector<AgentAvatarInfo> agentsOf(const RequestTableState& table);

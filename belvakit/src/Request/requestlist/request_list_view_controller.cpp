@@ -4,7 +4,10 @@
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_async_actions.hpp"
 #include "belvakit/Request/requestlist/show_request_list.hpp"
+#include "belvakit/deeplinks/usage_telemetry.hpp"
+#include "belvakit/entry/Coordinator/dismiss_util.hpp"
 #include "belvakit/entry/localized_strings.hpp"
+#include "belvakit/entry/request_container_controller.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/resources/image_resources.hpp"
 #include "belvakit/toolkit/progress_state_machine.hpp"
@@ -57,7 +60,18 @@ std::shared_ptr<RequestListViewController> RequestListViewController::make(const
 
 RequestListViewController::RequestListViewController(std::optional<mirrowset::Configurations> configurations,
                                                      std::shared_ptr<Cache> ticketsCache)
-    : cache(std::move(ticketsCache)), configs(std::move(configurations)) {}
+    : cache(std::move(ticketsCache)), configs(std::move(configurations)) {
+    // Title and bar button exist before the view: a container adopts them when it takes the screen in.
+    setTitle(localized(LocalizedKey::requestsRequestListTitle));
+    auto compose = std::make_shared<uikit::BarButtonItem>();
+    compose->image = resourceImage("iconCompose");
+    compose->accessibilityIdentifier = "CRVcomposeButton";
+    compose->accessibilityLabel = localized(LocalizedKey::requestsCreateRequestTitle);
+    compose->action = [this, alive = std::weak_ptr<int>(lifetime_)] {
+        if (alive.lock()) presentCreateRequest();
+    };
+    navigationItem().rightBarButtonItem = std::move(compose);
+}
 
 RequestListViewController::~RequestListViewController() = default;
 
@@ -67,16 +81,8 @@ std::shared_ptr<RequestListViewController> RequestListViewController::self() {
 
 void RequestListViewController::viewDidLoad() {
     CRVUIViewController::viewDidLoad();
-    setTitle(localized(LocalizedKey::requestsRequestListTitle));
-    auto compose = std::make_shared<uikit::BarButtonItem>();
-    compose->image = resourceImage("iconCompose");
-    compose->accessibilityIdentifier = "CRVcomposeButton";
-    compose->accessibilityLabel = localized(LocalizedKey::requestsCreateRequestTitle);
-    compose->action = [weak = std::weak_ptr(self())] {
-        if (auto screen = weak.lock()) screen->presentCreateRequest();
-    };
-    navigationItem().rightBarButtonItem = std::move(compose);
     buildViews();
+    sendRequestListViewed();
 
     const std::weak_ptr<RequestListViewController> weak = self();
     sharedStore()
@@ -173,19 +179,24 @@ void RequestListViewController::buildViews() {
 
 void RequestListViewController::layoutList(const uikit::Rect& bounds) {
     const double width = bounds.width();
+    // Beside a sideways phone's notch and corners the rows keep clear; the bars span the width.
+    const uikit::EdgeInsets safe = safeAreaInsets();
+    const double left = safe.left;
+    const double inner = std::max(0.0, width - safe.left - safe.right);
     const double top = toastWrapper->contentHeight;
     toastWrapper->setFrame({0, 0, width, top});
     double bottom = bounds.height();
     if (!corvaneLogoButton->isHidden()) {
-        const uikit::Size logo = corvaneLogoButton->sizeThatFits({width, 0});
-        corvaneLogoButton->setFrame({std::floor((width - logo.width) / 2), bottom - logo.height - 8, logo.width, logo.height});
+        const uikit::Size logo = corvaneLogoButton->sizeThatFits({inner, 0});
+        corvaneLogoButton->setFrame(
+            {left + std::floor((inner - logo.width) / 2), bottom - logo.height - 8, logo.width, logo.height});
         bottom -= logo.height + 16;
     }
     const double pulled = refreshController->isRefreshing() ? RefreshControl::height : 0;
-    refreshController->setFrame({0, top, width, RefreshControl::height});
-    const uikit::Rect area{0, top + pulled, width, std::max(0.0, bottom - top - pulled)};
+    refreshController->setFrame({left, top, inner, RefreshControl::height});
+    const uikit::Rect area{left, top + pulled, inner, std::max(0.0, bottom - top - pulled)};
     requestListTableView->setFrame(area);
-    inboxView->setFrame({0, top, width, std::max(0.0, bottom - top)});
+    inboxView->setFrame({left, top, inner, std::max(0.0, bottom - top)});
     const uikit::Size spinner = loadingSpinner->intrinsicContentSize();
     loadingSpinner->setFrame({std::floor(area.midX() - spinner.width / 2), std::floor(area.midY() - spinner.height / 2),
                               spinner.width, spinner.height});
@@ -258,6 +269,7 @@ void RequestListViewController::render(RequestListState newState) {
     switch (newState.stateType) {
     case RequestListStateType::LoadedFromNetwork:
         giveToHandler(newState);
+        failed_ = false;
         finishLoading();
         updateEmptyView();
         updateLogo();
@@ -275,6 +287,7 @@ void RequestListViewController::render(RequestListState newState) {
         break;
     case RequestListStateType::ErroredFromNetwork:
         giveToHandler(newState);
+        failed_ = true;
         finishLoading();
         updateEmptyView();
         showError();
@@ -301,10 +314,9 @@ void RequestListViewController::finishLoading() {
 
 void RequestListViewController::updateEmptyView() {
     const bool empty = tableViewHandler->tableData.requests.empty();
-    const bool failed = tableViewHandler->tableData.stateType == RequestListStateType::ErroredFromNetwork;
     inboxView->setHidden(!empty || loading_);
     requestListTableView->setHidden(empty && !loading_);
-    conversationsLabel->setText(localized(failed ? LocalizedKey::requestsRequestListError
+    conversationsLabel->setText(localized(failed_ ? LocalizedKey::requestsRequestListError
                                                  : LocalizedKey::requestsRequestListEmptySubtitle));
     inboxView->setNeedsLayout();
     if (loading_ && empty && !refreshController->isRefreshing())
@@ -320,6 +332,8 @@ void RequestListViewController::updateLogo() {
 }
 
 void RequestListViewController::showError() {
+    // Offline, the connectivity toast already says why, in the same place.
+    if (toastView) return;
     toastWrapper->showErrorInViewController(self(), localized(LocalizedKey::requestsRequestListError));
 }
 
@@ -353,6 +367,7 @@ void RequestListViewController::pullToRefresh() {
 void RequestListViewController::presentCreateRequest() {
     auto screen = makeRequestScreen(std::nullopt);
     if (!screen) return;
+    if (auto container = std::dynamic_pointer_cast<RequestContainerController>(screen)) container->childDelegate = childDelegate;
     presentViewController(std::make_shared<uikit::NavigationController>(screen), true);
 }
 
@@ -373,8 +388,10 @@ void RequestListViewController::didSelectRequest(const RequestListCellData& requ
     sharedStore()->dispatch(read);
 }
 
-uikit::ViewController::Ptr RequestListViewController::makeRequestScreen(const std::optional<std::string>&) {
-    return nullptr;
+uikit::ViewController::Ptr RequestListViewController::makeRequestScreen(const std::optional<std::string>& requestId) {
+    const auto core = corvane::Corvane::instance();
+    return RequestContainerController::make(requestId, configs ? configs->list() : mirrowset::ConfigurationList{},
+                                            core ? std::optional(core->storeModule()) : std::nullopt, cache);
 }
 
 void RequestListViewController::setComposeEnabled(bool enabled) {
@@ -382,29 +399,7 @@ void RequestListViewController::setComposeEnabled(bool enabled) {
     if (auto* navigation = navigationController()) navigation->refreshBar();
 }
 
-void RequestListViewController::dismissScreen() {
-    // The list may sit inside a container; what the navigation holds is the outermost screen.
-    uikit::ViewController* screen = this;
-    while (screen->parentViewController() && !dynamic_cast<uikit::NavigationController*>(screen->parentViewController()))
-        screen = screen->parentViewController();
-    auto* navigation = dynamic_cast<uikit::NavigationController*>(screen->parentViewController());
-    if (navigation) {
-        const auto& stack = navigation->viewControllers();
-        if (stack.size() > 1 && stack.front().get() != screen) {
-            if (navigation->topViewController() == screen) {
-                navigation->popViewController(true);
-            } else {
-                std::vector<uikit::ViewController::Ptr> rest;
-                std::copy_if(stack.begin(), stack.end(), std::back_inserter(rest),
-                             [screen](const auto& entry) { return entry.get() != screen; });
-                navigation->setViewControllers(std::move(rest), false);
-            }
-            return;
-        }
-    }
-    uikit::ViewController* presented = navigation ? static_cast<uikit::ViewController*>(navigation) : screen;
-    if (auto* presenter = presented->presentingViewController()) presenter->dismissViewController(true);
-}
+void RequestListViewController::dismissScreen() { DismissUtil::popOrDismiss(*this, true); }
 
 bool showRequestList(const std::any& navigationController, const mirrowset::Configurations& configurations) {
     uikit::NavigationController* navigation = nullptr;
@@ -415,7 +410,7 @@ bool showRequestList(const std::any& navigationController, const mirrowset::Conf
     else if (const auto* plain = std::any_cast<uikit::NavigationController*>(&navigationController))
         navigation = *plain;
     if (!navigation) return false;
-    navigation->pushViewController(RequestListViewController::make(configurations.list()), true);
+    navigation->showViewController(RequestListViewController::make(configurations.list()));
     return true;
 }
 

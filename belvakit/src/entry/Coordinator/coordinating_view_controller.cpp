@@ -37,8 +37,9 @@ void CoordinatingViewController::viewWillAppear(bool animated) {
             self->starting_ = false;
             self->spinner->stopAnimating();
             if (!screen) return;
+            // The child names its title and buttons as its view loads, which the swap does.
+            self->setActiveController(screen);
             self->adoptNavigationItem(*screen);
-            self->setActiveController(std::move(screen));
         },
         shared_from_this());
 }
@@ -46,11 +47,12 @@ void CoordinatingViewController::viewWillAppear(bool animated) {
 void CoordinatingViewController::adoptNavigationItem(const uikit::ViewController& child) {
     const auto& item = child.navigationItem();
     auto& own = navigationItem();
-    own.title = item.title;
-    own.titleView = item.titleView;
+    // A child that writes onto this bar through its delegate leaves its own item empty.
+    if (!item.title.empty()) own.title = item.title;
+    if (item.titleView) own.titleView = item.titleView;
     if (item.leftBarButtonItem) own.leftBarButtonItem = item.leftBarButtonItem;
     if (item.rightBarButtonItem) own.rightBarButtonItem = item.rightBarButtonItem;
-    own.searchController = item.searchController;
+    if (item.searchController) own.searchController = item.searchController;
     if (auto* navigation = navigationController()) navigation->refreshBar();
 }
 

@@ -1,8 +1,12 @@
+#include "belvakit/Request/requestlist/request_list_view_controller.hpp"
 #include "belvakit/entry/Coordinator/coordinator.hpp"
 
 namespace belvakit {
 
-// The request list screen is wired in here when it is part of the library.
-RequestCoordinator::ListBuilder RequestCoordinator::defaultListBuilder() { return nullptr; }
+RequestCoordinator::ListBuilder RequestCoordinator::defaultListBuilder() {
+    return [](const mirrowset::ConfigurationList& configurations) -> uikit::ViewController::Ptr {
+        return RequestListViewController::make(configurations);
+    };
+}
 
 } // namespace belvakit

@@ -5,6 +5,7 @@
 #include "belvakit/Request/requestlist/request_list_state.hpp"
 #include "belvakit/Request/requestlist/request_list_table_view_handler.hpp"
 #include "belvakit/attachments/cache.hpp"
+#include "belvakit/entry/container_child_delegate.hpp"
 #include "belvakit/toolkit/avatar_views.hpp"
 #include "belvakit/toolkit/progress_bar.hpp"
 #include "belvakit/toolkit/toast_view_wrapper.hpp"
@@ -53,6 +54,8 @@ public:
     std::shared_ptr<RefreshControl> refreshController;
     std::shared_ptr<Cache> cache;
     std::optional<mirrowset::Configurations> configs;
+    // Handed on to the new-ticket screen, which tells it when it is done.
+    std::weak_ptr<CRVContainerChildControllerDelegate> childDelegate;
     // The screen's copy of the list slice, as last drawn.
     RequestListState state;
     const std::shared_ptr<RequestListRefreshActionHandler>& refreshActionHandler() const { return refreshHandler_; }
@@ -65,8 +68,7 @@ public:
     void presentCreateRequest();
     void openCorvaneLinkInBrowser();
     void didSelectRequest(const RequestListCellData& request) override;
-    // The screen of the ticket with the id, or of a new ticket without one; null when none can be
-    // made.
+    // The screen of the ticket with the id, or of a new ticket without one: the request container.
     virtual uikit::ViewController::Ptr makeRequestScreen(const std::optional<std::string>& requestId);
 
     void viewDidLoad() override;
@@ -86,14 +88,18 @@ private:
     void showError();
     void handleAuthError();
     void setComposeEnabled(bool enabled);
-    // Takes the screen away: off its navigation stack, or the presentation it came in.
+    // Takes the screen away the way it came, with the container that holds it.
     void dismissScreen();
     std::shared_ptr<RequestListViewController> self();
 
+    // Outlives nothing of the screen: what the bar button holds to reach it.
+    std::shared_ptr<int> lifetime_ = std::make_shared<int>(0);
     std::shared_ptr<uikit::View> listView_;
     std::shared_ptr<RequestListRefreshActionHandler> refreshHandler_ = std::make_shared<RequestListRefreshActionHandler>();
     platform::ObservationToken unauthorizedObserver_;
     bool loading_ = false;
+    // The last answer from the help desk was a failure.
+    bool failed_ = false;
 };
 
 } // namespace belvakit

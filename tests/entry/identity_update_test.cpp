@@ -8,41 +8,6 @@ using namespace belvakit;
 
 namespace {
 
-TEST(RequestContainerState, ScreenTypesCompareByCaseAndTheReducerStartsAfresh) {
-    EXPECT_EQ(RequestScreenType::noConversation(true, false), RequestScreenType::noConversation(false, true));
-    EXPECT_NE(RequestScreenType::noConversation(true, true), RequestScreenType::loading());
-
-    RequestContainerReducer reducer;
-    RequestContainerState shown;
-    shown.requestScreenType = RequestScreenType::conversation();
-    shown.settings = dastrel::SupportSettings{};
-    RequestContainerActions::Initalize initialize;
-    initialize.requestId = "3";
-    initialize.ticketClosed = true;
-    const auto fresh = reducer.reduce(shown, initialize);
-    ASSERT_TRUE(fresh);
-    EXPECT_EQ(fresh->requestScreenType, RequestScreenType::loading());
-    EXPECT_FALSE(fresh->settings);
-    EXPECT_EQ(fresh->requestId, "3");
-    EXPECT_TRUE(fresh->ticketClosed);
-
-    RequestContainerActions::SettingsFetched fetched;
-    fetched.screenType = RequestScreenType::noConversation(true, false);
-    fetched.settings.systemMessage = "hello";
-    const auto withSettings = reducer.reduce(*fresh, fetched);
-    ASSERT_TRUE(withSettings);
-    EXPECT_TRUE(withSettings->requestScreenType.requiresName);
-    EXPECT_EQ(withSettings->settings->systemMessage, "hello");
-    EXPECT_EQ(withSettings->requestId, "3");
-
-    EXPECT_FALSE(reducer.reduce(*withSettings, RequestContainerActions::GetSettings{}));
-    EXPECT_FALSE(reducer.reduce(*withSettings, RequestContainerActions::SettingsFetchFailed{}))
-        << "a failed fetch leaves the screen as it is";
-    RequestContainerActions::SettingsFetchFailed ended;
-    ended.screenType = RequestScreenType::end();
-    EXPECT_EQ(reducer.reduce(*withSettings, ended)->requestScreenType, RequestScreenType::end());
-}
-
 class IdentityUpdate : public ::testing::Test {
 protected:
     void SetUp() override { core = corvane::Corvane::initialize({}); }
