@@ -2,7 +2,6 @@
 
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/helpcenter/article_view_controller.hpp"
-#include "belvakit/toolkit/appearance_applicator.hpp"
 
 #include <algorithm>
 #include <random>
@@ -226,17 +225,6 @@ TEST_F(SearchTest, OfflineOrFailingSearchesShowAsNoResultsWithoutAToast) {
     search("widget");
     EXPECT_EQ(rowTitles(), deskTitles("widget"));
     EXPECT_TRUE(results().noResultsView->isHidden());
-}
-
-TEST_F(SearchTest, TheThemeSetsTheSpinnerForDarkAndLightBackgrounds) {
-    results().loadViewIfNeeded();
-    auto dark = CRVLegacyTheme::baseTheme();
-    dark->primaryBackgroundColor = whiteColor(0.1);
-    results().applyTheme(*dark);
-    EXPECT_EQ(results().loadingSpinner->style(), 1);
-    results().applyTheme(*CRVLegacyTheme::baseTheme());
-    EXPECT_EQ(results().loadingSpinner->style(), 2);
-    EXPECT_EQ(results().noResultsLabel->font(), CRVLegacyTheme::baseTheme()->subHeaderFont);
 }
 
 // The first case-insensitive match is bold, the rest in the theme's sub-header font; no match (or no
