@@ -1,5 +1,6 @@
 #include "belvakit/helpcenter/help_center_ui.hpp"
 
+#include "belvakit/helpcenter/article_view_controller.hpp"
 #include "belvakit/helpcenter/help_center_overview_controller.hpp"
 
 namespace belvakit {
@@ -24,6 +25,7 @@ std::shared_ptr<CoordinatingViewController> CRVHelpCenterUi::buildCoordinatorWit
 
 std::shared_ptr<CRVHelpCenterOverviewController> CRVHelpCenterUi::buildHelpCenterOverviewController(
     mirrowset::ConfigurationList configs) {
+    installArticleRoutes();
     return std::make_shared<CRVHelpCenterOverviewController>(std::move(configs));
 }
 
