@@ -308,6 +308,57 @@ TEST_F(ConversationScreenTest, ALocalTicketThatFailsIsListedOnceAndCanBeDeletedW
     EXPECT_EQ(deletedFromList, std::vector<std::string>{localId});
 }
 
+TEST_F(ConversationScreenTest, AScreenThatAnotherTicketsScreenCoveredGetsItsConversationBackAndSendsToItsTicket) {
+    const auto first = ticketWithHistory(1);
+    host->tickets().createRequest({.requestDescription = "Second ticket"}, [](auto, auto) {});
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
+    const auto second = host->tickets().requests().back().requestId;
+    open(first);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 2; }));
+    const auto firstScreen = screen;
+
+    // A push opens the other ticket over it; the user reads it and goes back.
+    auto other = RequestController::make(RequestUiConfiguration{}, second, nullptr, nullptr, true, 1 << 20);
+    navigation->pushViewController(other, false);
+    window->layoutTree();
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == second; }));
+    EXPECT_FALSE(firstScreen->ownsConversation());
+    const auto rowsBefore = firstScreen->requestTable()->state().tableData.size();
+    EXPECT_EQ(rowsBefore, 2u) << "a covered screen keeps its own rows";
+    navigation->popViewController(false);
+    window->layoutTree();
+    EXPECT_TRUE(firstScreen->ownsConversation());
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == first && state().tableData.size() == 2; }));
+
+    typeAndSend("For the first ticket");
+    ASSERT_TRUE(settled([&] { return statusOf("For the first ticket") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().comments(first).back().body, "For the first ticket");
+    EXPECT_EQ(host->tickets().comments(second).size(), 1u);
+}
+
+TEST_F(ConversationScreenTest, AScreenOnViewKeepsItsTicketWhenAnotherStartsOutOfSight) {
+    const auto first = ticketWithHistory(1);
+    host->tickets().createRequest({.requestDescription = "Second ticket"}, [](auto, auto) {});
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
+    const auto second = host->tickets().requests().back().requestId;
+    open(first);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 2; }));
+
+    // The host starts the other ticket's screen under what the user sees, as a push handler may.
+    auto other = RequestController::make(RequestUiConfiguration{}, second, nullptr, nullptr, true, 1 << 20);
+    other->loadViewIfNeeded();
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == second; }));
+    window->layoutTree();
+    EXPECT_EQ(screen->requestTable()->state().remoteId, first) << "the screen on view shows its own ticket";
+
+    typeAndSend("Still about the printer");
+    EXPECT_TRUE(screen->ownsConversation());
+    ASSERT_TRUE(settled([&] { return statusOf("Still about the printer") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().comments(first).back().body, "Still about the printer");
+    EXPECT_EQ(host->tickets().comments(second).size(), 1u);
+    EXPECT_FALSE(other->ownsConversation());
+}
+
 TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
     open(std::nullopt, 1000);
     Actions::AttachmentAdded added;

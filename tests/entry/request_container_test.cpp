@@ -1,6 +1,7 @@
 #include "container_fixture.hpp"
 
 #include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_controller.hpp"
@@ -247,6 +248,43 @@ TEST_F(RequestContainerTest, A401ResetsTheTicketSlicesKeepsTheListAndLeaves) {
     EXPECT_TRUE(store->state().valueOfType<RequestTableState>()->tableData.empty());
     EXPECT_EQ(*store->state().valueOfType<RequestContainerState>(), RequestContainerState{});
     EXPECT_EQ(store->state().valueOfType<RequestListState>()->referrerUrl, "https://example.com/kept");
+}
+
+TEST_F(RequestContainerTest, AContainerKeepsItsTicketWhileAnotherStartsAndWhenItShowsAgain) {
+    startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
+    for (const char* description : {"First ticket", "Second ticket"})
+        desk->tickets()->createRequest({.requestDescription = description}, [](auto, auto) {});
+    run(0.5);
+    const auto tickets = desk->tickets()->requests();
+    ASSERT_EQ(tickets.size(), 2u);
+    const auto ticketOf = [](const RequestContainerController& screen) -> std::optional<std::string> {
+        const auto* conversation = dynamic_cast<const RequestController*>(screen.activeController().get());
+        return conversation ? conversation->requestId() : std::nullopt;
+    };
+
+    auto first = RequestUi::buildRequestUi(tickets[0].requestId);
+    push(first);
+    run(1);
+    ASSERT_EQ(ticketOf(*first), tickets[0].requestId);
+    const auto* shownFirst = first->activeController().get();
+
+    // The other ticket starts out of sight, as a host's push handler may start it, then on top.
+    auto hidden = RequestUi::buildRequestUi(tickets[1].requestId);
+    run(1);
+    EXPECT_EQ(first->activeController().get(), shownFirst) << "the container on show is not rebuilt for another ticket";
+    hidden.reset();
+    auto second = RequestUi::buildRequestUi(tickets[1].requestId);
+    push(second);
+    run(1);
+    ASSERT_EQ(ticketOf(*second), tickets[1].requestId);
+    EXPECT_EQ(first->activeController().get(), shownFirst);
+
+    navigation->popViewController(false);
+    run(1);
+    EXPECT_EQ(first->activeController().get(), shownFirst);
+    EXPECT_EQ(ticketOf(*first), tickets[0].requestId);
+    EXPECT_EQ(first->state.requestId, tickets[0].requestId);
+    EXPECT_EQ(sharedStore()->state().valueOfType<RequestContainerState>()->requestId, tickets[0].requestId);
 }
 
 TEST_F(RequestContainerTest, APresentedContainerThatEndsIsDismissed) {

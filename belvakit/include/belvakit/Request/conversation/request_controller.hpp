@@ -85,6 +85,10 @@ public:
     std::vector<Message> messagesOfSend(const Message& message) const;
     // Fetches what was written on the ticket since the latest known comment.
     void refresh();
+    // Whether the shared conversation slices and the send queue hold this screen's conversation.
+    // Another ticket screen that starts takes them over; this one takes them back as it shows
+    // again or as the user acts on it, so its messages never join another ticket.
+    bool ownsConversation() const { return ownsConversation_; }
 
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
@@ -104,6 +108,11 @@ public:
 private:
     std::shared_ptr<RequestController> self();
     void start();
+    // Resets the shared slices and the queue for this screen's conversation; `input` is what the
+    // input field holds.
+    void claimConversation(const InputFieldState& input);
+    // Takes the conversation back from the ticket screen that took it over; false when it was held.
+    bool reclaimConversation();
     void subscribe();
     void openConversation();
     void fetchComments(const std::string& requestId);
@@ -140,6 +149,11 @@ private:
     // The first state after a load from disk is what the disk holds: it isn't written back.
     bool skipNextPersist_ = false;
     bool started_ = false;
+    bool ownsConversation_ = false;
+    // Set while this screen resets the slices itself.
+    bool claiming_ = false;
+    // The conversation's key in the tickets cache, once it has one.
+    std::optional<std::string> conversationKey_;
 };
 
 } // namespace belvakit
