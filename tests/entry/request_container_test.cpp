@@ -117,6 +117,26 @@ TEST_F(RequestContainerTest, PicksTheScreenFromSettingsAndIdentityWithItsLogLine
     }
 }
 
+TEST_F(RequestContainerTest, AnEmptyIdOpensANewTicketAndAnIdThatNamesNoConversationLeaves) {
+    startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
+    auto fresh = container("");
+    push(fresh);
+    ASSERT_EQ(conversations.size(), 1u);
+    EXPECT_EQ(conversations[0].requestId, std::nullopt);
+    navigation->popToRootViewController(false);
+    run(0.5);
+
+    // Its messages could be kept nowhere on the device: the screen goes rather than lose them.
+    for (const std::string id : {"../Tickets", ".", "12/13"}) {
+        SCOPED_TRACE(id);
+        auto screen = container(id);
+        push(screen);
+        EXPECT_EQ(navigation->topViewController(), root.get());
+        EXPECT_TRUE(logged(LogLevel::error, "Not a request id: " + id + ". Dismissing Request creation"));
+    }
+    EXPECT_EQ(conversations.size(), 1u);
+}
+
 TEST_F(RequestContainerTest, HandsTheChildrenTheSettingsConfigurationAndSharedViews) {
     startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
     desk->settings()->setAttachments(true, 1234);

@@ -21,6 +21,17 @@
 
 namespace belvakit {
 
+namespace {
+
+// Ids are server numbers or the device's own UUIDs; an id that could not name a file of the
+// tickets cache names no conversation.
+bool namesConversation(const std::string& requestId) {
+    return !requestId.empty() && requestId != "." && requestId != ".." && requestId.find('/') == std::string::npos &&
+           requestId.find('\0') == std::string::npos;
+}
+
+} // namespace
+
 RequestLoadingController::RequestLoadingController(std::shared_ptr<ProgressBar> bar) : progressBar(std::move(bar)) {}
 
 void RequestLoadingController::viewDidLoad() {
@@ -61,6 +72,8 @@ std::shared_ptr<RequestContainerController> RequestContainerController::make(
     std::optional<corvane::StoreModule> storeModule, std::shared_ptr<Cache> ticketsCache, bool ticketClosed) {
     if (!ticketsCache && storeModule)
         ticketsCache = ConcreteCache::make(&*storeModule, ConcreteCache::ticketsDirectory, true);
+    // An empty id names no ticket: the screen is for a new one.
+    if (requestId && requestId->empty()) requestId.reset();
     mirrowset::Configurations configs(std::move(configurations));
     configs.addDefaultConfigIfNeeded<RequestUiConfiguration>();
     auto controller = std::make_shared<RequestContainerController>(Tag{}, requestId, configs, std::move(ticketsCache),
@@ -154,6 +167,12 @@ void RequestContainerController::render(const RequestContainerState& newState) {
 }
 
 void RequestContainerController::showConversation() {
+    if (state.requestId && !namesConversation(*state.requestId)) {
+        // Its conversation could be kept nowhere on the device, and what the user wrote would be lost.
+        corvane::CoreLogger::error("Not a request id: " + *state.requestId + ". Dismissing Request creation");
+        leave();
+        return;
+    }
     const auto configuration = state.configs ? state.configs->configuration<RequestUiConfiguration>() : nullptr;
     uikit::ViewController::Ptr child;
     if (configuration && ticketsCache && conversationScreenBuilder) {
