@@ -359,6 +359,30 @@ TEST_F(ConversationScreenTest, AScreenOnViewKeepsItsTicketWhenAnotherStartsOutOf
     EXPECT_FALSE(other->ownsConversation());
 }
 
+TEST_F(ConversationScreenTest, ASendWhoseScreenClosedBeforeTheAnswerIsKeptAsFailedAndListed) {
+    open(std::nullopt);
+    host->tickets().setLatency(platform::milliseconds(300));
+    host->tickets().setOffline(true);
+    typeAndSend("Gone before the answer");
+    ASSERT_EQ(state().tableData.size(), 1u);
+    const auto localId = id(state().tableData[0]);  // a new ticket is kept under its first message's id
+    const auto cache = screen->ticketsCache();
+    window->setRootViewController(nullptr);
+    screen.reset();
+    navigation.reset();
+    queue_testing::pass(time, platform::seconds(2));
+
+    std::optional<MessageList> kept;
+    ASSERT_TRUE(settled([&] {
+        kept = decodeMessageList(cache->read(localId).value_or(""));
+        return kept.has_value();
+    }));
+    ASSERT_EQ(kept->messages.size(), 1u);
+    EXPECT_EQ(*bodyOf(kept->messages[0]), "Gone before the answer");
+    EXPECT_EQ(status(kept->messages[0]), DeliveryStatus::failed);
+    EXPECT_EQ(listErrors, 1) << "the failed ticket is listed, where its retry is";
+}
+
 TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
     open(std::nullopt, 1000);
     Actions::AttachmentAdded added;

@@ -125,18 +125,32 @@ App::App(std::uint64_t seed, bool conversationsOn) {
 }
 
 App::~App() {
+    // Whatever a run left on its way ends before the next run starts: nothing of this one may reach it.
+    heal();
+    advance(platform::seconds(1));
     dismissAll();
     window->setRootViewController(nullptr);
-    desk->tickets()->setOffline(false);
-    desk->helpCenter()->setOffline(false);
-    desk->tickets()->setUnauthorized(false);
-    advance(platform::seconds(2));
+    advance(platform::seconds(60));
     resetSharedStore();
     settle();
     dastrel::Support::reset();
     corvane::Corvane::reset();
     platform::setWallClock(previousClock_);
     platform::log::setSink(previousLog_);
+}
+
+void App::heal() {
+    auto& tickets = *desk->tickets();
+    tickets.setOffline(false);
+    tickets.setUnauthorized(false);
+    tickets.setLatencyRange(platform::Duration::zero(), platform::Duration::zero(), 1);
+    tickets.failNext(0);
+    tickets.setAutoReply(agentId, nullptr);
+    auto& help = *desk->helpCenter();
+    help.setOffline(false);
+    help.setLatency(platform::Duration::zero());
+    help.failNext(0);
+    desk->settings()->setFailing(false);
 }
 
 bool App::settle() {

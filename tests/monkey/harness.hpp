@@ -79,6 +79,8 @@ public:
     bool settle();
     // Lets `duration` of virtual time pass in small strides, settling at each.
     bool advance(platform::Duration duration);
+    // Every fault of the help desk switched off.
+    void heal();
     void layout() { window->layoutTree(); }
 
     // The screen on top, as deep as presentations go.

@@ -253,6 +253,30 @@ public:
 
     std::vector<std::string> log() const { return app_.log->lines(); }
 
+    std::vector<std::string> holdings() {
+        std::vector<std::string> lines;
+        auto& tickets = *app_.desk->tickets();
+        for (const auto& request : tickets.requests()) {
+            std::string line = "ticket " + request.requestId + " (" + request.status + "):";
+            for (const auto& comment : tickets.comments(request.requestId)) {
+                const auto marker = markerOf(comment.body);
+                line += comment.authorId != endUserId_ ? " agent" : marker ? " " + markerText(*marker) : " user";
+            }
+            lines.push_back(line);
+        }
+        for (const auto& [key, list] : storedConversations()) {
+            std::string line = "stored " + key + " (ticket " + list.remoteRequestId.value_or("-") + "):";
+            for (const auto& message : list.messages) {
+                const std::string* body = bodyOf(message);
+                const auto marker = body ? markerOf(*body) : std::nullopt;
+                line += " " + (marker ? markerText(*marker) : std::string(rawValue(belvakit::type(message)))) + "/" +
+                        statusName(status(message));
+            }
+            lines.push_back(line);
+        }
+        return lines;
+    }
+
 private:
     // Steps and checks.
 
@@ -940,15 +964,7 @@ private:
     void finish() {
         step_ = options_.events + 1;
         note("end: faults healed");
-        auto& tickets = *app_.desk->tickets();
-        tickets.setOffline(false);
-        tickets.setUnauthorized(false);
-        tickets.setLatencyRange(platform::Duration::zero(), platform::Duration::zero(), 1);
-        tickets.failNext(0);
-        app_.desk->helpCenter()->setOffline(false);
-        app_.desk->helpCenter()->setLatency(platform::Duration::zero());
-        app_.desk->helpCenter()->failNext(0);
-        app_.desk->settings()->setFailing(false);
+        app_.heal();
         expect(app_.advance(platform::seconds(30)), "work on another thread never finished");
         checkScreens();
         DeskView desk = checkDesk();
@@ -1105,6 +1121,7 @@ Result runSeed(const Options& options) {
             result.passed = false;
             result.failure = violation.what();
             result.log = run.log();
+            result.holdings = run.holdings();
         }
     } catch (const Violation& violation) {
         result.passed = false;
@@ -1117,6 +1134,8 @@ void printFailure(std::ostream& out, const Options& options, const Result& resul
     out << "monkey: seed " << options.seed << " failed after " << result.figures.events << " events: " << result.failure
         << "\nreplay: belva-monkey --seed " << options.seed << " --events " << options.events << "\nsteps:\n";
     for (const auto& step : result.steps) out << "  " << step << "\n";
+    if (!result.holdings.empty()) out << "held:\n";
+    for (const auto& line : result.holdings) out << "  " << line << "\n";
     if (!result.log.empty()) out << "latest log lines:\n";
     for (const auto& line : result.log) out << "  " << line << "\n";
 }

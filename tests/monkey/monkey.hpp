@@ -37,6 +37,8 @@ struct Result {
     std::vector<std::string> steps;
     // The latest lines of the library's log when it failed.
     std::vector<std::string> log;
+    // What the help desk and the device held when it failed.
+    std::vector<std::string> holdings;
     Figures figures;
 };
 

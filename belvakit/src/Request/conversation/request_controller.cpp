@@ -161,7 +161,13 @@ RequestController::RequestController(Tag, const RequestUiConfiguration& configur
     setTitle(localized(LocalizedKey::requestsCreateRequestTitle));
 }
 
-RequestController::~RequestController() { unregisterRefreshHandler(); }
+RequestController::~RequestController() {
+    unregisterRefreshHandler();
+    // The send queue keeps the conversation's sends still on their way, and records their
+    // outcomes on the device, once the table is another's: without a screen nothing else would.
+    if (ownsConversation_ && platform::MainQueue::shared().isMainThread())
+        store_->dispatch(Actions::InitializeRequestControllerState{});
+}
 
 std::shared_ptr<RequestController> RequestController::self() {
     return std::static_pointer_cast<RequestController>(shared_from_this());
