@@ -383,6 +383,25 @@ TEST_F(ConversationScreenTest, ASendWhoseScreenClosedBeforeTheAnswerIsKeptAsFail
     EXPECT_EQ(listErrors, 1) << "the failed ticket is listed, where its retry is";
 }
 
+TEST_F(ConversationScreenTest, AScreenMadeEarlierKeepsTheTicketMapsOtherScreensSavedSince) {
+    const auto other = ticketWithHistory(1);
+    // Made before the new ticket exists, as a screen under another one is.
+    auto earlier = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    open(std::nullopt);
+    typeAndSend("A brand new ticket");
+    ASSERT_TRUE(settled([&] { return statusOf("A brand new ticket") == DeliveryStatus::lastDelivered; }));
+    const auto created = state().remoteId.value();
+    const auto localId = state().localId.value();
+    ASSERT_EQ(LocalIDStore{}.remoteToLocal.at(created), localId);
+
+    earlier->loadViewIfNeeded();
+    ASSERT_TRUE(settled([&] { return state().remoteId == other && state().finishedLoading; }));
+    queue_testing::pass(time, platform::milliseconds(500));
+    const LocalIDStore stored;
+    ASSERT_TRUE(stored.remoteToLocal.contains(created)) << "the earlier screen's save dropped the new ticket's key";
+    EXPECT_EQ(stored.remoteToLocal.at(created), localId);
+}
+
 TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
     open(std::nullopt, 1000);
     Actions::AttachmentAdded added;

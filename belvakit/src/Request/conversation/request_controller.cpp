@@ -338,6 +338,7 @@ void RequestController::openConversation() {
     bool localOnly = false;
     if (requestId_) {
         id = *requestId_;
+        idStore_.reload();
         const auto mapped = idStore_.remoteToLocal.find(id);
         key = mapped != idStore_.remoteToLocal.end() ? mapped->second : id;
         const bool mappedTo = std::any_of(idStore_.remoteToLocal.begin(), idStore_.remoteToLocal.end(),
@@ -417,6 +418,7 @@ void RequestController::stateChanged() {
     if (table->localId) conversationKey_ = table->localId;
     if (requestTable_) requestTable_->update(state);
     const auto store = store_;
+    idStore_.reload();
     recordConversation(*table, idStore_, failedRemoteIdStore_, skipNextPersist_ ? nullptr : ticketsCache_,
                        [store](const tivra::Action& action) { store->dispatch(action); });
     skipNextPersist_ = false;
@@ -550,6 +552,7 @@ void RequestController::deleteMessages(const std::vector<Message>& messages) {
     removed.messages = messages;
     removed.isDeletingWholeTicket = whole;
     store_->dispatch(removed);
+    idStore_.reload();
     if (whole && localId && idStore_.removeLocalId(*localId)) {
         platform::MainQueue::shared().async([store = store_, ticket = *localId] {
             Actions::DeleteRequestFromList gone;
