@@ -40,6 +40,7 @@ struct Arguments {
     int events = 300;
     bool echo = false;
     bool echoLog = false;
+    long watch = 0;
     bool given = false;
 };
 
@@ -72,6 +73,8 @@ std::optional<Arguments> parse(int argc, char** argv) {
             arguments.echo = true;
         } else if (flag == "--log") {
             arguments.echoLog = true;
+        } else if (flag == "--watch") {
+            if (!number(arguments.watch)) return std::nullopt;
         } else if (flag.rfind("--gtest", 0) == 0) {
             continue;
         } else {
@@ -86,7 +89,7 @@ std::optional<Arguments> parse(int argc, char** argv) {
 int main(int argc, char** argv) {
     const auto arguments = parse(argc, argv);
     if (!arguments) {
-        std::cerr << "usage: belva-monkey [--seed N [--count K]] [--events M] [--echo] [--log]\n"
+        std::cerr << "usage: belva-monkey [--seed N [--count K]] [--events M] [--echo] [--log] [--watch MARKER]\n"
                      "  without arguments: the fixed seeds, as a test\n";
         return 2;
     }
@@ -99,7 +102,8 @@ int main(int argc, char** argv) {
     const std::uint64_t first = arguments->seed.value_or(1);
     for (std::uint64_t seed = first; seed < first + arguments->count; ++seed) {
         const monkey::Options options{.seed = seed, .events = arguments->events, .echo = arguments->echo,
-                                      .echoLog = arguments->echoLog};
+                                      .echoLog = arguments->echoLog,
+                                      .watch = arguments->watch};
         const auto result = monkey::runSeed(options);
         total += result.figures;
         if (!result.passed) {

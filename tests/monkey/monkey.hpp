@@ -28,6 +28,8 @@ struct Options {
     bool echo = false;
     // Prints the library's log as it is written.
     bool echoLog = false;
+    // Prints, after each event where it changed, where the send with this marker is kept.
+    long watch = 0;
 };
 
 struct Result {
