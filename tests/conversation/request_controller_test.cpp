@@ -402,6 +402,37 @@ TEST_F(ConversationScreenTest, AScreenMadeEarlierKeepsTheTicketMapsOtherScreensS
     EXPECT_EQ(stored.remoteToLocal.at(created), localId);
 }
 
+TEST_F(ConversationScreenTest, ATicketWhoseCommentsNeverLoadedStaysThatTicketThroughAFailedSendAndItsDeletion) {
+    const auto id = ticketWithHistory(1);
+    host->tickets().setOffline(true);
+    open(id);
+    queue_testing::pass(time, platform::seconds(1));
+    typeAndSend("Lost in the void");
+    ASSERT_TRUE(settled([&] { return statusOf("Lost in the void") == DeliveryStatus::failed; }));
+
+    // Opened again, the ticket is still the help desk's, not one of the device's own.
+    window->setRootViewController(nullptr);
+    screen.reset();
+    navigation.reset();
+    open(id);
+    queue_testing::pass(time, platform::seconds(1));
+    ASSERT_EQ(statusOf("Lost in the void"), DeliveryStatus::failed);
+    auto* retry = find("CRVretryButton");
+    ASSERT_TRUE(retry && uikit::tap(*retry));
+    auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+    ASSERT_TRUE(sheet);
+    auto* remove = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedDelete));
+    ASSERT_TRUE(remove && uikit::tap(*remove));
+    queue_testing::pass(time, platform::seconds(1));
+    EXPECT_TRUE(deletedFromList.empty()) << "deleting a failed comment takes no ticket off the list";
+
+    host->tickets().setOffline(false);
+    typeAndSend("Second attempt");
+    ASSERT_TRUE(settled([&] { return statusOf("Second attempt") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().requests().size(), 1u) << "no new ticket";
+    EXPECT_EQ(host->tickets().comments(id).back().body, "Second attempt");
+}
+
 TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
     open(std::nullopt, 1000);
     Actions::AttachmentAdded added;

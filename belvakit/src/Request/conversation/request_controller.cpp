@@ -374,6 +374,13 @@ void RequestController::openConversation() {
         screen->skipNextPersist_ = table && table->tableData.empty();
         screen->store_->dispatch(loaded);
         screen->skipNextPersist_ = false;
+        if (!localOnly) {
+            // The help desk's ticket, known as such before any of its comments arrive: a failed send
+            // on it is kept under the ticket, not taken for a ticket of the device's own.
+            Actions::SetRemoteId remote;
+            remote.remoteRequestID = id;
+            screen->store_->dispatch(remote);
+        }
         if (closed) screen->store_->dispatch(Actions::TicketClosed{});
         if (localOnly) {
             Actions::LoadedFailedRequest failed;
@@ -546,7 +553,8 @@ void RequestController::showActions(const Message& failed) {
 void RequestController::deleteMessages(const std::vector<Message>& messages) {
     const auto* table = tableState();
     if (!table) return;
-    const bool whole = messages.size() == table->tableData.size();
+    // Only a ticket of the device's own goes whole: the help desk's stays, with its other comments.
+    const bool whole = messages.size() == table->tableData.size() && !table->remoteId;
     const auto localId = table->localId;
     Actions::DeleteMessages removed;
     removed.messages = messages;
