@@ -433,6 +433,26 @@ TEST_F(ConversationScreenTest, ATicketWhoseCommentsNeverLoadedStaysThatTicketThr
     EXPECT_EQ(host->tickets().comments(id).back().body, "Second attempt");
 }
 
+TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesTakesItsNextMessage) {
+    const auto other = ticketWithHistory(1);
+    open(std::nullopt);
+    host->tickets().setLatency(platform::milliseconds(500));
+    typeAndSend("The very first words");
+    // Another ticket's screen starts before the help desk answers, and goes again.
+    auto covering = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    covering->loadViewIfNeeded();
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
+    queue_testing::pass(time, platform::seconds(2));
+    covering.reset();
+    const auto created = host->tickets().requests().back().requestId;
+
+    typeAndSend("And what followed");
+    ASSERT_TRUE(settled([&] { return statusOf("And what followed") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().requests().size(), 2u) << "no third ticket";
+    EXPECT_EQ(host->tickets().comments(created).back().body, "And what followed");
+    EXPECT_EQ(screen->requestId(), created);
+}
+
 TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
     open(std::nullopt, 1000);
     Actions::AttachmentAdded added;

@@ -336,6 +336,12 @@ void RequestController::openConversation() {
     std::string id;
     std::string key;
     bool localOnly = false;
+    if (!requestId_ && conversationKey_) {
+        // A new ticket's creation answered while another screen held the slices: the id store knows.
+        idStore_.reload();
+        for (const auto& [remote, local] : idStore_.remoteToLocal)
+            if (local == *conversationKey_) requestId_ = remote;
+    }
     if (requestId_) {
         id = *requestId_;
         idStore_.reload();
@@ -422,7 +428,10 @@ void RequestController::stateChanged() {
     const tivra::State state = store_->state();
     const auto* table = state.value<RequestTableState>(tivra::stateKeyOf<RequestTableState>());
     if (!table) return;
-    if (table->localId) conversationKey_ = table->localId;
+    if (table->localId)
+        conversationKey_ = table->localId;
+    else if (!requestId_ && !conversationKey_ && !table->tableData.empty())
+        conversationKey_ = id(table->tableData.front());  // a new ticket is kept under its first message's id
     if (requestTable_) requestTable_->update(state);
     const auto store = store_;
     idStore_.reload();
