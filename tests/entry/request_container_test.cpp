@@ -1,6 +1,8 @@
 #include "container_fixture.hpp"
 
 #include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/attachments/cache.hpp"
+#include "belvakit/Request/conversation/message_list.hpp"
 #include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
@@ -305,6 +307,30 @@ TEST_F(RequestContainerTest, AContainerKeepsItsTicketWhileAnotherStartsAndWhenIt
     EXPECT_EQ(ticketOf(*first), tickets[0].requestId);
     EXPECT_EQ(first->state.requestId, tickets[0].requestId);
     EXPECT_EQ(sharedStore()->state().valueOfType<RequestContainerState>()->requestId, tickets[0].requestId);
+}
+
+TEST_F(RequestContainerTest, AMessageThatA401FailsIsKeptOnTheDeviceAsFailed) {
+    startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
+    auto screen = RequestUi::buildRequestUi();
+    push(screen);
+    run(0.5);
+    auto* conversation = dynamic_cast<RequestController*>(screen->activeController().get());
+    ASSERT_TRUE(conversation);
+    desk->tickets()->setLatency(platform::milliseconds(500));
+    desk->tickets()->setUnauthorized(true);
+    conversation->sendButtonTapped("Sent as the session ended", {});
+    const auto sent = id(sharedStore()->state().valueOfType<RequestTableState>()->tableData.front());
+    const auto cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
+    run(2);
+    EXPECT_TRUE(logged(LogLevel::warn, "401 received, clearing storage and dismissing Corvane UI"));
+    EXPECT_EQ(navigation->topViewController(), root.get());
+
+    std::optional<MessageList> kept;
+    testing_support::pumpMainQueueUntil([&] { return (kept = decodeMessageList(cache->read(sent).value_or(""))).has_value(); },
+                                        platform::seconds(2));
+    ASSERT_TRUE(kept) << "the message is kept nowhere";
+    ASSERT_EQ(kept->messages.size(), 1u);
+    EXPECT_EQ(status(kept->messages[0]), DeliveryStatus::failed);
 }
 
 TEST_F(RequestContainerTest, APresentedContainerThatEndsIsDismissed) {

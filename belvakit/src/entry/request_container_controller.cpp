@@ -1,5 +1,6 @@
 #include "belvakit/entry/request_container_controller.hpp"
 
+#include "belvakit/Request/conversation/actions.hpp"
 #include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/entry/Coordinator/dismiss_util.hpp"
@@ -280,6 +281,9 @@ void RequestContainerController::settingsFetchFailed() {
 void RequestContainerController::unauthorizedHandler() {
     corvane::CoreLogger::warn("401 received, clearing storage and dismissing Corvane UI");
     const auto store = sharedStore();
+    // Sends still on their way go on without the table, their outcomes kept on the device: a
+    // message that the 401 fails stays there as failed instead of vanishing with the slice.
+    store->dispatch(Actions::InitializeRequestControllerState{});
     for (const char* key : {"InputFieldState", "CreateRequestState", "RequestTableState", "RequestContainerState"}) {
         std::any initial = initialSharedSlice(key);
         if (initial.has_value()) store->reset(std::move(initial), key);
