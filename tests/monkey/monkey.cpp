@@ -16,6 +16,7 @@
 #include "belvakit/entry/shared_store.hpp"
 #include "corvane/corvane.hpp"
 #include "platform/notification_center.hpp"
+#include "platform/trimming.hpp"
 #include "uikit/alert_controller.hpp"
 #include "uikit/label.hpp"
 #include "uikit/probe.hpp"
@@ -99,14 +100,6 @@ std::optional<long> markerOf(std::string_view text) {
 
 bool blank(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; });
-}
-
-std::string trimmed(std::string_view text) {
-    const auto isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; };
-    std::size_t begin = 0, end = text.size();
-    while (begin < end && isSpace(text[begin])) ++begin;
-    while (end > begin && isSpace(text[end - 1])) --end;
-    return std::string(text.substr(begin, end - begin));
 }
 
 // A text for a step line: escaped, and cut when long.
@@ -379,7 +372,8 @@ private:
                 return;
             }
             if (auto* form = formBehind(*button)) {
-                const std::string text = trimmed(form->descriptionTextview()->input()->text());
+                // The form sends its description trimmed of the platform's white space.
+                const std::string text = platform::trimmingWhitespaceAndNewlines(form->descriptionTextview()->input()->text());
                 const auto before = form->state().sending;
                 const auto alive = std::static_pointer_cast<CreateRequestController>(form->shared_from_this());
                 const Group group = formGroup(*form);
