@@ -452,6 +452,34 @@ TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesT
     EXPECT_EQ(screen->requestId(), created);
 }
 
+TEST_F(ConversationScreenTest, ATicketOpenedByItsDeviceIdAfterItsRetryMadeItTalksToTheHelpDesksTicket) {
+    open(std::nullopt);
+    host->tickets().setOffline(true);
+    typeAndSend("First try");
+    ASSERT_TRUE(settled([&] { return statusOf("First try") == DeliveryStatus::failed; }));
+    const auto localId = state().localId.value();  // the id its failed row in the list carries
+    host->tickets().setOffline(false);
+    auto* retry = find("CRVretryButton");
+    ASSERT_TRUE(retry && uikit::tap(*retry));
+    auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+    ASSERT_TRUE(sheet);
+    auto* again = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedRetry));
+    ASSERT_TRUE(again && uikit::tap(*again));
+    ASSERT_TRUE(settled([&] { return statusOf("First try") == DeliveryStatus::lastDelivered; }));
+    const auto created = host->tickets().requests().back().requestId;
+    window->setRootViewController(nullptr);
+    screen.reset();
+    navigation.reset();
+
+    open(localId);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    EXPECT_EQ(screen->requestId(), created);
+    typeAndSend("Second words");
+    ASSERT_TRUE(settled([&] { return statusOf("Second words") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().comments(created).back().body, "Second words");
+    EXPECT_EQ(host->tickets().requests().size(), 1u);
+}
+
 TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
     open(std::nullopt, 1000);
     Actions::AttachmentAdded added;

@@ -23,6 +23,7 @@
 #include "uikit/label.hpp"
 
 #include <algorithm>
+#include <cctype>
 
 namespace belvakit {
 
@@ -71,6 +72,17 @@ private:
     std::shared_ptr<uikit::ImageView> picture_;
     std::shared_ptr<uikit::Label> caption_;
 };
+
+// A UUID, as the device names its own messages and tickets.
+bool isDeviceId(const std::string& id) {
+    if (id.size() != 36) return false;
+    for (std::size_t i = 0; i < id.size(); ++i) {
+        const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+        if (dash != (id[i] == '-')) return false;
+        if (!dash && !std::isxdigit(static_cast<unsigned char>(id[i]))) return false;
+    }
+    return true;
+}
 
 bool isImageRow(const Message& message) {
     return std::holds_alternative<UserImage>(message) || std::holds_alternative<AgentImage>(message);
@@ -337,21 +349,24 @@ void RequestController::openConversation() {
     std::string id;
     std::string key;
     bool localOnly = false;
-    if (!requestId_ && conversationKey_) {
-        // A new ticket's creation answered while another screen held the slices: the id store knows.
-        idStore_.reload();
-        for (const auto& [remote, local] : idStore_.remoteToLocal)
-            if (local == *conversationKey_) requestId_ = remote;
+    idStore_.reload();
+    // Opened by the device's own id, or shown again as a new ticket: the ticket the help desk made
+    // for that conversation meanwhile, if any, is the one to talk to.
+    if (const auto local = requestId_ ? requestId_ : conversationKey_; local && !idStore_.remoteToLocal.contains(*local)) {
+        for (const auto& [remote, kept] : idStore_.remoteToLocal)
+            if (kept == *local && remote != kept) requestId_ = remote;
     }
     if (requestId_) {
         id = *requestId_;
-        idStore_.reload();
         const auto mapped = idStore_.remoteToLocal.find(id);
         key = mapped != idStore_.remoteToLocal.end() ? mapped->second : id;
         const bool mappedTo = std::any_of(idStore_.remoteToLocal.begin(), idStore_.remoteToLocal.end(),
                                           [&](const auto& entry) { return entry.second == id; });
+        // The device's own ids are UUIDs, the help desk's numbers: an unmapped UUID names a ticket of
+        // this device, even before a failure listed it.
         localOnly = mapped == idStore_.remoteToLocal.end() && !mappedTo &&
-                    std::find(idStore_.localIdList.begin(), idStore_.localIdList.end(), id) != idStore_.localIdList.end();
+                    (isDeviceId(id) ||
+                     std::find(idStore_.localIdList.begin(), idStore_.localIdList.end(), id) != idStore_.localIdList.end());
     } else if (conversationKey_) {
         // A new ticket with messages but no id at the help desk yet: they are on the device alone.
         id = key = *conversationKey_;
