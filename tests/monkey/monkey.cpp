@@ -825,6 +825,8 @@ private:
         const auto marker = markerOf(text);
         ++result_.figures.sends;
         if (!marker || ledger_.contains(*marker)) {
+            // Its text is not its own, but the ticket it may make is still its conversation's.
+            untracked_.emplace_back(text, group);
             note("sent an untracked text");
             return;
         }
@@ -917,6 +919,7 @@ private:
     struct DeskView {
         std::map<long, std::vector<std::string>> tickets;  // marker: the tickets that hold it
         std::map<std::string, std::optional<long>> first;  // ticket: marker of the comment that created it
+        std::map<std::string, std::string> firstBody;      // ticket: the comment that created it
     };
 
     DeskView readDesk() {
@@ -930,7 +933,10 @@ private:
                     continue;
                 }
                 const auto marker = markerOf(comment.body);
-                if (first) view.first[request.requestId] = marker;
+                if (first) {
+                    view.first[request.requestId] = marker;
+                    view.firstBody[request.requestId] = comment.body;
+                }
                 first = false;
                 if (!marker) continue;
                 view.tickets[*marker].push_back(request.requestId);
@@ -957,7 +963,10 @@ private:
             expect(!sent.deleted, what + " was deleted by the user, yet reached ticket" + list);
             const std::string& ticket = where.front();
             const auto first = view.first[ticket];
-            const Sent* creator = first && ledger_.contains(*first) ? &ledger_.at(*first) : nullptr;
+            const Group* creator = first && ledger_.contains(*first) ? &ledger_.at(*first).group : nullptr;
+            if (!first)
+                for (const auto& [text, group] : untracked_)
+                    if (text == view.firstBody[ticket]) creator = &group;
             const std::string on = what + " is on ticket " + ticket;
             switch (sent.group.kind) {
             case GroupKind::ticket: expect(ticket == sent.group.ticket, on + ", not on ticket " + sent.group.ticket); break;
@@ -965,11 +974,11 @@ private:
             case GroupKind::bogus: expect(false, on + ", though its screen was opened on no ticket"); break;
             case GroupKind::fresh:
             case GroupKind::local:
-                expect(creator && (creator->group.kind == GroupKind::fresh || creator->group.kind == GroupKind::local),
+                expect(creator && (creator->kind == GroupKind::fresh || creator->kind == GroupKind::local),
                        on + ", a ticket that no new conversation created");
-                if (sent.group.kind == GroupKind::fresh && creator->group.kind == GroupKind::fresh)
-                    expect(creator->group.name == sent.group.name,
-                           on + ", which " + creator->group.name + " created: another new conversation's ticket");
+                if (sent.group.kind == GroupKind::fresh && creator->kind == GroupKind::fresh)
+                    expect(creator->name == sent.group.name,
+                           on + ", which " + creator->name + " created: another new conversation's ticket");
                 auto [known, added] = ticketOfGroup.emplace(sent.group.name, ticket);
                 expect(added || known->second == ticket,
                        on + ", while other messages of " + sent.group.name + " are on ticket " + known->second);
@@ -1119,6 +1128,7 @@ private:
     int screens_ = 0;
     std::int64_t endUserId_ = 0;
     std::map<long, Sent> ledger_;
+    std::vector<std::pair<std::string, Group>> untracked_;
     std::map<const uikit::ViewController*, std::pair<std::weak_ptr<RequestContainerController>, Group>> groups_;
     std::vector<std::string> localSeen_;
     std::string watched_;
