@@ -220,10 +220,20 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
     for (int row = 0; row < 3; ++row)
         EXPECT_EQ(cell(row)->updatedAtTimestamp->text(), slice().requests[static_cast<std::size_t>(row)].displayTimestamp);
     EXPECT_FALSE(slice().requests[1].displayTimestamp.empty());
+    const Passes beforeSecond = passes();
     EXPECT_EQ(cell(0)->unreadIndicator->accessibilityLabel(), text(LocalizedKey::requestsRequestListUnreadAccessibility));
     // The texts start after an avatar, and at the margin without one.
     EXPECT_GT(cell(0)->requestSubjectLabel->frame().minX(), cell(0)->agentAvatarView->frame().maxX());
     EXPECT_EQ(cell(2)->requestSubjectLabel->frame().minX(), RequestListTableViewCell::margin);
+
+    // A new screen draws the rows the slice holds at once, with no spinner, until its own loads come.
+    navigation_->popViewController(false);
+    list_ = makeList();
+    show(list_);
+    EXPECT_EQ(list_->requestListTableView->numberOfRowsInSection(0), 3);
+    EXPECT_FALSE(list_->loadingSpinner->isAnimating());
+    EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+    awaitVisit(beforeSecond);
 
     // Hidden by the settings, a closed ticket leaves the list at the next visit.
     auto settings = settings_.settings();
@@ -233,7 +243,7 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
     list_ = makeList();
     visit(list_);
     EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip"), HasSubstr("Late order")));
-    EXPECT_EQ(host_.helpDesk->telemetry()->count("requestListViewed"), 2u);
+    EXPECT_EQ(host_.helpDesk->telemetry()->count("requestListViewed"), 3u);  // one for each screen
 
     // A ticket whose sending failed comes first, marked.
     Actions::RequestCreationOrUpdateError failed;
