@@ -581,6 +581,25 @@ TEST_F(RequestListScreenTest, TheHostsRequestListIsThisScreenUnderTheCoordinator
     EXPECT_EQ(navigation_->navigationBar()->titleLabel()->text(), text(LocalizedKey::requestsRequestListTitle));
     ASSERT_NE(uikit::findByIdentifier(*window_, "CRVcomposeButton"), nullptr);
 
+    // Back on view the coordinator names a new list, which takes the old one's place and shows
+    // the held rows at once.
+    navigation_->pushViewController(std::make_shared<uikit::ViewController>(), false);
+    const Passes again = passes();
+    navigation_->popViewController(false);
+    ASSERT_TRUE(settled([&] { return flow->activeController() != shown; }));
+    auto renewed = std::dynamic_pointer_cast<RequestListViewController>(flow->activeController());
+    ASSERT_TRUE(renewed);
+    EXPECT_EQ(flow->childViewControllers().size(), 1u);
+    EXPECT_EQ(shown->parentViewController(), nullptr);
+    // Nothing else holds the old list: it goes.
+    const std::weak_ptr<RequestListViewController> old = shown;
+    shown.reset();
+    EXPECT_TRUE(old.expired());
+    EXPECT_EQ(renewed->requestListTableView->numberOfRowsInSection(0), 1);
+    // The old list's load as the flow came back, then the new one's two.
+    awaitVisit(again, 3);
+    EXPECT_EQ(renewed->requestListTableView->numberOfRowsInSection(0), 1);
+
     // Leaving takes the holding screen off the stack.
     sharedStore()->dispatch(Actions::RequestsFetchedFailedWIthAuthError{});
     queue_testing::pass(time_, platform::seconds(2.1));
