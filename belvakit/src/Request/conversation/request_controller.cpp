@@ -272,6 +272,7 @@ void RequestController::start() {
 
     subscribe();
     inputField_->render(input);
+    if (ticketClosed) store.dispatch(Actions::TicketClosed{});
 
     if (!configuration_->fileAttachments.empty()) {
         if (!attachmentsAllowed_) {

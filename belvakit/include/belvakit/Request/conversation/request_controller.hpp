@@ -78,6 +78,9 @@ public:
     const std::shared_ptr<RequestDetailRefreshActionHandler>& requestRefreshHandler() const { return requestRefreshHandler_; }
     // Work held until the screen has appeared.
     std::function<void()> viewDidAppearBlock;
+    // Known closed by whoever opens the screen: the conversation is closed from its start, before
+    // the device's copy says so. Set before the view loads.
+    bool ticketClosed = false;
 
     // The user's send: a text and the chosen attachments.
     void sendButtonTapped(const std::string& text, const std::vector<InputAttachmentViewStatePtr>& attachments);
