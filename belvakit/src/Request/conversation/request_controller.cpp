@@ -116,12 +116,16 @@ bool downloaded(const Message& message) {
 bool RequestDetailRefreshActionHandler::canHandle(const std::string& name) const { return name == actionName(requestId); }
 
 void RequestDetailRefreshActionHandler::handle(const std::map<std::string, std::any>& info) {
-    const auto found = info.find("request_id");
-    if (found == info.end()) return;
-    const auto* id = std::any_cast<std::string>(&found->second);
-    if (!id) return;
     Actions::FetchRequest fetch;
-    fetch.requestId = *id;
+    // Only this handler's own action reaches it, so without a usable "request_id" the ticket is
+    // its own.
+    fetch.requestId = requestId;
+    if (const auto found = info.find("request_id"); found != info.end()) {
+        if (const auto* text = std::any_cast<std::string>(&found->second))
+            fetch.requestId = *text;
+        else if (const auto* number = std::any_cast<std::int64_t>(&found->second))
+            fetch.requestId = std::to_string(*number);
+    }
     sharedStore()->dispatch(fetch);
 }
 

@@ -168,6 +168,17 @@ void RequestTable::apply(const RequestTableState& old, const RequestTableState& 
         reloadAndScrollToLast();
         return;
     }
+    if (old.cellItems.empty()) {
+        // Nothing was on show: the whole conversation arrives, read from its end.
+        lastAction_ = DiffHandler::Action{next.cellItems.empty() ? DiffHandler::Kind::doNothing
+                                                                  : DiffHandler::Kind::reloadTableAndScrollToLast};
+        state_ = &next;
+        if (!next.cellItems.empty()) {
+            CoreLogger::debug("Reloading table and scroll to last");
+            reloadAndScrollToLast();
+        }
+        return;
+    }
     auto diff = DiffHandler::diff(old.cellItems, next.cellItems);
     lastAction_ = DiffHandler::action(diff, next.cellItems);
     CoreLogger::debug("New state " + std::string(DiffHandler::name(lastAction_->kind)) + ": " +
@@ -178,12 +189,6 @@ void RequestTable::apply(const RequestTableState& old, const RequestTableState& 
     if (const auto line = logLine(lastAction_->kind)) CoreLogger::debug(*line);
     if (lastAction_->kind == DiffHandler::Kind::doNothing) {
         state_ = &next;
-        return;
-    }
-    if (old.cellItems.empty()) {
-        // Nothing was on show: the whole conversation arrives, read from its end.
-        state_ = &next;
-        reloadAndScrollToLast();
         return;
     }
     applyBatch(next, diff);

@@ -36,7 +36,8 @@ public:
     explicit RequestDetailRefreshActionHandler(std::string id) : requestId(std::move(id)) {}
 
     bool canHandle(const std::string& actionName) const override;
-    // Reads "request_id" (a string) and asks the shared store to fetch that ticket's news.
+    // Asks the shared store to fetch the news of the ticket under "request_id" (text or number),
+    // or of its own ticket without one.
     void handle(const std::map<std::string, std::any>& info) override;
     int priority() const override { return 0; }
     std::optional<corvane::ActionDescription> actionDescription() const override { return description; }
