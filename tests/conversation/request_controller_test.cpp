@@ -122,8 +122,7 @@ protected:
         agent = desk.addAgent("Grace").userId;
         desk.createRequest({std::nullopt, "My printer prints blank pages", {}, {}, std::nullopt, {}},
                            [](auto, auto) {});
-        settled([&] { return !desk.requests().empty(); });
-        const auto id = desk.requests().front().requestId;
+        const auto id = desk.requests().back().requestId;
         for (int i = 0; i < agentComments; ++i) {
             time.advance(platform::seconds(60));
             desk.addAgentComment(id, agent, "Step " + std::to_string(i) + ": please try turning it off and on again.");
@@ -340,6 +339,77 @@ TEST_F(ConversationScreenTest, AnOpenTicketComesFromTheDiskFirstAndAFailedFetchO
     auto* retry = find("CRVtoastRetryButton");
     ASSERT_TRUE(retry && uikit::tap(*retry));
     ASSERT_TRUE(settled([&] { return state().tableData.size() == 5; }));
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, TheNextConversationShowsOnlyItsOwnMessages) {
+    const auto first = ticketWithHistory(2);
+    open(first);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    host->tickets().setOffline(true);
+    typeAndSend("Are you there?");
+    ASSERT_TRUE(settled([&] { return statusOf("Are you there?") == DeliveryStatus::failed; }));
+    window->setRootViewController(nullptr);
+    std::weak_ptr<RequestController> gone = screen;
+    screen.reset();
+    navigation.reset();
+    queue_testing::pass(time, platform::seconds(1));
+    EXPECT_TRUE(gone.expired()) << "the screen outlives its window";
+
+    host->tickets().setOffline(false);
+    const auto second = ticketWithHistory(1);
+    open(second);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    std::string shown;
+    for (const auto& message : state().tableData) shown += id(message) + ":" + (bodyOf(message) ? *bodyOf(message) : "") + " | ";
+    EXPECT_EQ(state().tableData.size(), 2u) << shown << " localId " << state().localId.value_or("-");
+    EXPECT_FALSE(statusOf("Are you there?").has_value());
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, ASendDuringTheFirstLoadKeepsTheProgressBarUntilItsQueueIsDone) {
+    const auto id = ticketWithHistory(1);
+    host->tickets().setLatency(platform::seconds(2));
+    open(id);
+    screen->sendButtonTapped("Quick question", {});
+    const auto& progress = *screen->progressBar()->stateMachine();
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    EXPECT_NE(statusOf("Quick question"), DeliveryStatus::lastDelivered);
+    EXPECT_TRUE(progress.state() == ProgressState::running || progress.state() == ProgressState::waiting)
+        << toString(progress.state());
+    ASSERT_TRUE(settled([&] { return statusOf("Quick question") == DeliveryStatus::lastDelivered; }));
+    ASSERT_TRUE(settled([&] { return progress.state() == ProgressState::idle; }));
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, TheKeyboardKeepsAReaderAtTheEndAtTheEnd) {
+    const auto id = ticketWithHistory(20);
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 21; }));
+    const int last = table().numberOfRowsInSection(0) - 1;
+    const auto lastRowShows = [&] {
+        window->layoutTree();
+        const auto rows = table().indexPathsForVisibleRows();
+        return std::find(rows.begin(), rows.end(), uikit::IndexPath{0, last}) != rows.end() &&
+               table().rectForRow({0, last}).maxY() <= table().contentOffset().y + table().frame().height() + 0.5;
+    };
+    ASSERT_TRUE(lastRowShows());
+    const double before = table().frame().height();
+    auto* field = find<uikit::TextInput>("CRVmessageBodyField");
+    ASSERT_TRUE(field && field->becomeFirstResponder());
+    window->showKeyboard(260);
+    queue_testing::pass(time, platform::seconds(1));
+    EXPECT_LT(table().frame().height(), before - 200);
+    EXPECT_TRUE(lastRowShows());
 }
 
 } // namespace

@@ -341,7 +341,7 @@ void RequestController::openConversation() {
             Actions::LoadedFailedRequest failed;
             failed.requestId = id;
             screen->store_->dispatch(failed);
-            screen->progressBar_->stateMachine()->queueCompleted();
+            if (!screen->queueWorking_) screen->progressBar_->stateMachine()->queueCompleted();
             return;
         }
         screen->fetchComments(id);
@@ -364,7 +364,8 @@ void RequestController::fetchComments(const std::string& requestId) {
                     for (auto& message : messagesFromComment(comment)) loaded.messages.push_back(std::move(message));
                 screen->store_->dispatch(loaded);
             }
-            screen->progressBar_->stateMachine()->queueCompleted();
+            // A send under way keeps the bar until its queue is done.
+            if (!screen->queueWorking_) screen->progressBar_->stateMachine()->queueCompleted();
         });
     });
 }
@@ -396,7 +397,11 @@ void RequestController::stateChanged() {
 
 void RequestController::actionSeen(const tivra::Action& action) {
     if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
+        queueWorking_ = false;
         progressBar_->stateMachine()->queueCompleted();
+    } else if (actionAs<RequestQueueActions::DispatchDetails>(action) ||
+               actionAs<RequestQueueActions::DispatchOperations>(action)) {
+        queueWorking_ = true;
     } else if (actionAs<Actions::AttachmentTooBig>(action)) {
         toastWrapper_->showErrorInViewController(self(), localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig));
     } else if (actionAs<Actions::InitalFetchCommentsError>(action)) {
@@ -664,7 +669,12 @@ void RequestController::viewDidLayoutSubviews() {
     CRVUIViewController::viewDidLayoutSubviews();
     const auto bounds = contentView()->bounds();
     const double inputHeight = std::min(bounds.height(), inputField_->sizeThatFits({bounds.width(), 0}).height);
-    requestTable_->tableView()->setFrame({0, 0, bounds.width(), bounds.height() - inputHeight});
+    auto& table = *requestTable_->tableView();
+    const uikit::Rect frame{0, 0, bounds.width(), bounds.height() - inputHeight};
+    // A reader at the end stays there when the keyboard, the field or a turn of the device resizes the table.
+    const bool follow = table.frame().size != frame.size && requestTable_->isAtBottom();
+    table.setFrame(frame);
+    if (follow) requestTable_->scrollToLast();
     inputField_->setFrame({0, bounds.height() - inputHeight, bounds.width(), inputHeight});
     if (progressBar_->superview() == view().get())
         progressBar_->setFrame({0, topViewOffset(), view()->bounds().width(), ProgressBar::defaultHeight});
