@@ -528,7 +528,11 @@ void RequestController::retry(const std::vector<Message>& messages) {
             files.push_back(message);
         }
     }
-    if (details.id.empty()) return;
+    if (details.id.empty()) {
+        // Nothing that names the send: nothing goes to the queue, so nothing would end the bar.
+        if (!queueWorking_) progressBar_->stateMachine()->queueCompleted();
+        return;
+    }
     // The bytes were kept when the message was first sent; a picture in memory does as well.
     auto send = [store = store_, details, files](const std::vector<std::optional<std::string>>& kept) mutable {
         for (std::size_t i = 0; i < files.size(); ++i) {
