@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Draws the file-type icons of conversation rows, and the placeholder avatar of agents, as PNG
-resources of the library.
+"""Draws the file-type icons of conversation rows, the placeholder avatar of agents, and the inbox
+and compose marks of the request list, as PNG resources of the library.
 
 Run from the repository root; writes belvakit/resources/images/<name>.png. The output is
 committed, so a build needs no Python: run this again only to change the icons.
@@ -132,6 +132,60 @@ def draw_avatar():
     return pixels
 
 
+def draw_strokes(size, segments, width, colour):
+    """Line segments of the given width with round ends, their edges smoothed by 4x4 supersampling."""
+    steps = 4
+    half = width / 2
+
+    def distance(px, py, ax, ay, bx, by):
+        dx, dy = bx - ax, by - ay
+        length = dx * dx + dy * dy
+        t = 0 if length == 0 else max(0.0, min(1.0, ((px - ax) * dx + (py - ay) * dy) / length))
+        cx, cy = ax + t * dx - px, ay + t * dy - py
+        return (cx * cx + cy * cy) ** 0.5
+
+    pixels = []
+    for row in range(size):
+        line = []
+        for column in range(size):
+            ink = 0
+            for sy in range(steps):
+                for sx in range(steps):
+                    x = column + (sx + 0.5) / steps
+                    y = row + (sy + 0.5) / steps
+                    if any(distance(x, y, *segment) <= half for segment in segments):
+                        ink += 1
+            line.append(colour + (round(255 * ink / (steps * steps)),) if ink else CLEAR)
+        pixels.append(line)
+    return pixels
+
+
+def draw_inbox():
+    """An empty tray: the mark of a request list with nothing in it."""
+    segments = [
+        (18, 12, 54, 12), (18, 12, 8, 40), (54, 12, 64, 40),
+        (8, 40, 8, 60), (8, 60, 64, 60), (64, 60, 64, 40),
+        (8, 40, 24, 40), (24, 40, 28, 48), (28, 48, 44, 48), (44, 48, 48, 40), (48, 40, 64, 40),
+    ]
+    return draw_strokes(72, segments, 3.0, (184, 184, 184))
+
+
+def draw_compose():
+    """A plus: the bar button that starts a new request."""
+    return draw_strokes(24, [(12, 5, 12, 19), (5, 12, 19, 12)], 2.2, (0, 122, 255))
+
+
+def draw_down_arrow():
+    """The Help Center's See all mark: a chevron pointing down, drawn in black as a template."""
+    return draw_strokes(24, [(5, 9, 12, 16), (12, 16, 19, 9)], 3.0, (0, 0, 0))
+
+
+def draw_contact():
+    """The Help Center's contact button: a square with a pencil across its corner."""
+    segments = [(4, 8, 4, 24), (4, 24, 20, 24), (20, 24, 20, 16), (4, 8, 12, 8), (11, 17, 24, 4)]
+    return draw_strokes(28, segments, 2.2, (0, 0, 0))
+
+
 def png(pixels):
     raw = b"".join(b"\x00" + b"".join(bytes(p) for p in row) for row in pixels)
 
@@ -149,6 +203,10 @@ def main():
             out.write(png(draw(label, band)))
     with open(os.path.join(OUT, "Avatar.png"), "wb") as out:
         out.write(png(draw_avatar()))
+    for name, pixels in (("Inbox", draw_inbox()), ("iconCompose", draw_compose()), ("icoDown", draw_down_arrow()),
+                         ("compose", draw_contact())):
+        with open(os.path.join(OUT, name + ".png"), "wb") as out:
+            out.write(png(pixels))
 
 
 if __name__ == "__main__":

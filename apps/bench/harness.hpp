@@ -38,6 +38,8 @@ std::vector<Metric> tableMetrics();
 std::vector<Metric> requestListMetrics();
 std::vector<Metric> uiMetrics();
 std::vector<Metric> renderMetrics();
+std::vector<Metric> helpCenterSearchMetrics();
+std::vector<Metric> helpCenterMetrics();
 std::vector<Metric> conversationScreenMetrics();
 
 } // namespace bench

@@ -17,7 +17,8 @@ std::vector<bench::Metric> allMetrics() {
     std::vector<bench::Metric> all;
     for (auto&& group : {bench::storeMetrics(), bench::conversationMetrics(), bench::richtextMetrics(),
                          bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics(), bench::uiMetrics(),
-                         bench::renderMetrics(), bench::conversationScreenMetrics()})
+                         bench::renderMetrics(), bench::helpCenterMetrics(), bench::helpCenterSearchMetrics(),
+                         bench::conversationScreenMetrics()})
         for (auto& metric : group) all.push_back(metric);
     return all;
 }

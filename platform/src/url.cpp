@@ -60,4 +60,13 @@ std::string URL::scheme() const {
     return scheme;
 }
 
+std::vector<std::string> URL::pathComponents() const {
+    const auto reference = boost::urls::parse_uri_reference(text_);
+    std::vector<std::string> components;
+    if (reference->is_path_absolute()) components.emplace_back("/");
+    for (const auto& segment : reference->segments())
+        if (!segment.empty()) components.push_back(segment);
+    return components;
+}
+
 } // namespace platform

@@ -1,6 +1,7 @@
 #include "sandbox/help_desk.hpp"
 
 #include "dastrel/request_provider.hpp"
+#include "platform/log.hpp"
 
 namespace sandbox {
 
@@ -12,6 +13,10 @@ HelpDesk::HelpDesk(Options options)
         auto upload = attachments ? attachments->uploadWithToken(token) : std::nullopt;
         return upload ? std::optional<dastrel::CRVAttachment>(upload->attachment) : std::nullopt;
     });
+    auto content = HelpCenterContent::bundled(options_.accountUrl);
+    if (!content.content) 
+        platform::log::write(platform::LogLevel::error, "The built-in Help Center content is broken: " + content.error);
+    helpCenter_ = HelpCenterDesk::make(content.content.value_or(HelpCenterContent{}), attachments_, options_.accountUrl);
 }
 
 void HelpDesk::setAnswersOnWorkerThreads(bool onWorkerThreads) const {
@@ -33,6 +38,10 @@ std::shared_ptr<corvane::Corvane> HelpDesk::initializeCorvane(std::shared_ptr<co
     configuration.providerModule->setProvider<dastrel::CRVAttachmentProvider>(attachments_->attachmentProvider());
     configuration.providerModule->setProvider<dastrel::CRVRequestProvider>(tickets_->requestProvider());
     configuration.providerModule->setProvider<dastrel::ConversationsSettingsProviderProtocol>(conversationsSettings_);
+    configuration.providerModule->setProvider<corvane::PingrelProvider>(telemetry_);
+    configuration.providerModule->setProvider<dastrel::CRVHelpCenterProvider>(helpCenter_->provider());
+    configuration.providerModule->setProvider<dastrel::HelpCenterSettingsProviderProtocol>(helpCenter_->settingsProvider());
+    configuration.providerModule->setProvider<dastrel::SettingsProvider>(settings_);
     if (const auto* anonymous = dynamic_cast<const corvane::Anonymous*>(identity.get()); anonymous && anonymous->name())
         tickets_->setEndUser(*anonymous->name(), anonymous->email());
     auto core = corvane::Corvane::initialize(std::move(configuration));

@@ -2,9 +2,11 @@
 
 #include "answer.hpp"
 
+#include "dastrel/dispatcher_notifications.hpp"
 #include "dastrel/support.hpp"
 #include "platform/clock.hpp"
 #include "platform/main_queue.hpp"
+#include "platform/notification_center.hpp"
 
 #include <boost/json.hpp>
 
@@ -174,7 +176,14 @@ std::shared_ptr<dastrel::CRVRequestProvider> TicketDesk::requestProvider() {
 std::optional<dastrel::ProviderError> TicketDesk::admitLocked() {
     ++calls_;
     if (offline_) return offlineError();
-    if (unauthorized_) return unauthorizedError();
+    if (unauthorized_) {
+        // As the network dispatcher does on a 401, on the main queue and before the answer.
+        platform::MainQueue::shared().async([] {
+            platform::NotificationCenter::defaultCenter().post(dastrel::DispatcherNotifications::UnauthorizedNotificationName,
+                                                               nullptr);
+        });
+        return unauthorizedError();
+    }
     if (failNext_ > 0) {
         --failNext_;
         return serverError();

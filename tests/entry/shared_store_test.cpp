@@ -3,11 +3,14 @@
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_state.hpp"
 #include "belvakit/entry/shared_store.hpp"
+#include "platform/type_name.hpp"
 #include "tivra/async.hpp"
+#include "tivra/middleware.hpp"
 
 #include <gtest/gtest.h>
 
 #include <set>
+#include <string>
 #include <thread>
 
 TEST(SharedStore, MadeOnceEvenWhenManyThreadsAskFirst) {
@@ -55,4 +58,22 @@ TEST(SharedStore, StartsWithEachSliceUnderItsTypeNameAndReducesIt) {
     EXPECT_EQ(id(table->tableData[0]), "shared");
     store->dispatch(Actions::InitializeRequestControllerState{});
     EXPECT_TRUE(store->state().valueOfType<RequestTableState>()->tableData.empty());
+}
+
+// Holds only once every subsystem has put its reducer and middleware into the shared store.
+TEST(SharedStore, HoldsEverySliceAndMeetsTheMiddlewaresInTheirOrder) {
+    const auto keys = belvakit::sharedStore()->state().keys();
+    EXPECT_EQ(std::set<std::string>(keys.begin(), keys.end()),
+              (std::set<std::string>{"InputFieldState", "RequestTableState", "RequestListState", "RequestContainerState",
+                                     "CreateRequestState"}));
+
+    const auto chain = std::dynamic_pointer_cast<tivra::CombinedMiddleWare>(belvakit::sharedStoreMiddleware());
+    ASSERT_NE(chain, nullptr);
+    std::vector<std::string> order;
+    for (const auto& middleware : chain->middlewares) {
+        const tivra::Middleware& element = *middleware;
+        order.push_back(platform::unqualifiedName(typeid(element)));
+    }
+    EXPECT_EQ(order, (std::vector<std::string>{"AsyncMiddleware", "RequestControllerMiddleware", "RequestContainerMiddleware",
+                                               "RequestQueueMiddleWare", "CreateRequestMiddleware", "RequestListMiddleware"}));
 }

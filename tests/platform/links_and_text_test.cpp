@@ -43,6 +43,16 @@ TEST(URL, AcceptsExactlyWhatTheUriGrammarAccepts) {
 }
 
 // Every test opens links through this seam, so it must never be left empty.
+TEST(URL, PathComponentsStartWithTheRootAndSkipEmptySegmentsAndDecode) {
+    using Parts = std::vector<std::string>;
+    EXPECT_EQ(URL::parse("https://h.example/hc/en-us/articles/12-a?x=1#f")->pathComponents(),
+              (Parts{"/", "hc", "en-us", "articles", "12-a"}));
+    EXPECT_EQ(URL::parse("https://h.example")->pathComponents(), Parts{});
+    EXPECT_EQ(URL::parse("https://h.example/")->pathComponents(), Parts{"/"});
+    EXPECT_EQ(URL::parse("https://h.example//a//b/")->pathComponents(), (Parts{"/", "a", "b"}));
+    EXPECT_EQ(URL::parse("a/b%20c")->pathComponents(), (Parts{"a", "b c"}));
+}
+
 TEST(URLOpener, SharedOpenerIsHeadlessUntilSwappedAndNeverNull) {
     ASSERT_NE(std::dynamic_pointer_cast<HeadlessURLOpener>(URLOpener::shared()), nullptr);
     auto recorder = std::make_shared<HeadlessURLOpener>();

@@ -1,5 +1,6 @@
 #include "belvakit/engine/support_engine.hpp"
 
+#include "belvakit/Request/requestlist/show_request_list.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "corvane/corvane.hpp"
 #include "dastrel/support.hpp"
@@ -18,7 +19,11 @@ SupportEngineResult SupportEngine::engine() {
     SupportEngineSettingsFetcher fetcher{core->providerModule().provider<dastrel::ConversationsSettingsProviderProtocol>(),
                                          identity};
     auto model = std::make_shared<SupportEngineModel>(makeRequestProvider(), std::move(fetcher), identity);
-    return make(platform::uuidString(), std::move(model));
+    auto made = make(platform::uuidString(), std::move(model));
+    made->setRequestListOpener([](const std::any& navigation, const mirrowset::Configurations& configs) {
+        showRequestList(navigation, configs);
+    });
+    return made;
 }
 
 std::shared_ptr<SupportEngine> SupportEngine::engineAndReturnError(SupportError* error) {

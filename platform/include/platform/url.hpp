@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -15,6 +16,9 @@ public:
     const std::string& absoluteString() const { return text_; }
     // Lower-cased; empty for a relative reference.
     std::string scheme() const;
+    // The path's parts, decoded: "/" first for an absolute path, then each non-empty segment.
+    // "https://host/hc/articles/1" gives "/", "hc", "articles", "1"; a bare host gives none.
+    std::vector<std::string> pathComponents() const;
 
     bool operator==(const URL&) const = default;
 

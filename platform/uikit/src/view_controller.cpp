@@ -82,6 +82,15 @@ NavigationController* ViewController::navigationController() const {
     return nullptr;
 }
 
+void ViewController::showViewController(const Ptr& controller) {
+    auto* navigation = dynamic_cast<NavigationController*>(this);
+    if (!navigation) navigation = navigationController();
+    if (navigation)
+        navigation->pushViewController(controller, true);
+    else
+        presentViewController(controller, true);
+}
+
 void ViewController::presentViewController(const Ptr& controller, bool animated, std::function<void()> completion) {
     if (!controller || presented_) return;
     Window* window = view()->window();

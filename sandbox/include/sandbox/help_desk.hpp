@@ -3,6 +3,9 @@
 #include "corvane/corvane.hpp"
 #include "sandbox/attachment_store.hpp"
 #include "sandbox/conversations_settings_desk.hpp"
+#include "sandbox/help_center_desk.hpp"
+#include "sandbox/telemetry_desk.hpp"
+#include "sandbox/settings_desk.hpp"
 #include "sandbox/ticket_desk.hpp"
 
 #include <filesystem>
@@ -39,6 +42,13 @@ public:
     const std::shared_ptr<TicketDesk>& tickets() const { return tickets_; }
     // Whether users can follow up on their tickets in the app.
     const std::shared_ptr<ConversationsSettingsDesk>& conversationsSettings() const { return conversationsSettings_; }
+    // Categories, sections and articles, search, votes and the Help Center settings; starts with the
+    // sample content built into the library.
+    const std::shared_ptr<HelpCenterDesk>& helpCenter() const { return helpCenter_; }
+    // The usage events the library sent.
+    const std::shared_ptr<TelemetryDesk>& telemetry() const { return telemetry_; }
+    // The account's ticket settings: conversations, attachments, email, referrer, system message.
+    const std::shared_ptr<SettingsDesk>& settings() const { return settings_; }
 
 private:
     explicit HelpDesk(Options options);
@@ -46,6 +56,9 @@ private:
     std::shared_ptr<AttachmentStore> attachments_;
     std::shared_ptr<TicketDesk> tickets_;
     std::shared_ptr<ConversationsSettingsDesk> conversationsSettings_ = ConversationsSettingsDesk::make();
+    std::shared_ptr<HelpCenterDesk> helpCenter_;
+    std::shared_ptr<TelemetryDesk> telemetry_ = std::make_shared<TelemetryDesk>();
+    std::shared_ptr<SettingsDesk> settings_ = SettingsDesk::make();
 };
 
 } // namespace sandbox

@@ -33,7 +33,8 @@ public:
     using RequestListOpener =
         std::function<void(const std::any& navigationController, const mirrowset::Configurations& configs)>;
 
-    // Fails with `supportNotInitialized` without the support library or an identity.
+    // Fails with `supportNotInitialized` without the support library or an identity. The engine
+    // opens the request list screen when the user asks for it.
     static SupportEngineResult engine();
     // The same for callers without variants: null and `error` set on failure.
     static std::shared_ptr<SupportEngine> engineAndReturnError(SupportError* error);
@@ -59,7 +60,7 @@ public:
     void enqueue(std::vector<quorvel::MessagingItem> turn) override;
     void openRequestList(const std::map<std::string, std::any>& arguments) override;
 
-    // The request list screen isn't built by the engine: a host or coordinator sets how it opens.
+    // How the request list opens; `engine()` sets the library's screen, `make` leaves it unset.
     void setRequestListOpener(RequestListOpener opener) { requestListOpener_ = std::move(opener); }
 
     const mirrowset::Configurations& configs() const { return configs_; }

@@ -63,6 +63,8 @@ public:
     // its middle), sliding up when animated.
     void presentViewController(const Ptr& controller, bool animated, std::function<void()> completion = {});
     void dismissViewController(bool animated, std::function<void()> completion = {});
+    // Pushes on this screen's navigation stack if it is on one, and presents modally otherwise.
+    void showViewController(const Ptr& controller);
     const Ptr& presentedViewController() const { return presented_; }
     ViewController* presentingViewController() const { return presenting_; }
     int modalPresentationStyle() const { return modalPresentationStyle_; }

@@ -1,0 +1,101 @@
+#include "belvakit/Request/createrequest/create_request_middleware.hpp"
+
+#include "belvakit/Request/conversation/local_messages.hpp"
+#include "belvakit/Request/createrequest/create_request_actions.hpp"
+#include "belvakit/Request/createrequest/create_request_state.hpp"
+#include "corvane/core_logger.hpp"
+#include "platform/main_queue.hpp"
+#include "platform/serial_queue.hpp"
+#include "platform/trimming.hpp"
+#include "tivra/state.hpp"
+#include "tivra/state_key.hpp"
+
+namespace belvakit {
+
+namespace {
+
+// The trimmed text when the form asked for it and it holds something; absent otherwise.
+std::optional<std::string> askedFor(bool required, const std::string& text) {
+    if (!required) return std::nullopt;
+    std::string trimmed = platform::trimmingWhitespaceAndNewlines(text);
+    if (trimmed.empty()) return std::nullopt;
+    return trimmed;
+}
+
+} // namespace
+
+void CreateRequestMiddleware::onAction(const tivra::Action& action, const tivra::GetState& getState,
+                                       const tivra::DispatchFunction& dispatch, const tivra::DispatchFunction& next) {
+    const auto* send = tivra::actionAs<CreateRequestActions::SendPressed>(action);
+    if (!send) {
+        next(action);
+        return;
+    }
+    const tivra::State state = getState();
+    const auto* form = state.value<CreateRequestState>(tivra::stateKeyOf<CreateRequestState>());
+    if (!form) {
+        next(action);
+        return;
+    }
+
+    updateIdentityFromForm(corvane::Corvane::instance(), askedFor(form->requiresName, send->name),
+                           askedFor(form->requiresEmail, send->email));
+
+    const std::vector<InputAttachmentViewStatePtr> attachments(send->attachments.begin(), send->attachments.end());
+    const UserMessage text = makeUserMessage(send->description);
+    prepareDispatchDetails(makeLocalMessages(text, attachments), attachments,
+                           [dispatch](const RequestQueueActions::DispatchDetails& details) { dispatch(details); });
+
+    next(action);
+}
+
+void updateIdentityFromForm(const std::shared_ptr<corvane::Corvane>& core, const std::optional<std::string>& name,
+                            const std::optional<std::string>& email) {
+    if (!name && !email) return;
+    if (!core) return;
+    const auto identity = core->identity();
+    std::optional<std::string> newName = name;
+    std::optional<std::string> newEmail = email;
+    if (std::dynamic_pointer_cast<corvane::Jwt>(identity)) {
+        corvane::CoreLogger::debug("JWT is set, not updating");
+        return;
+    }
+    if (const auto anonymous = std::dynamic_pointer_cast<corvane::Anonymous>(identity)) {
+        corvane::CoreLogger::debug("Anonymous identity found.");
+        if (anonymous->name()) corvane::CoreLogger::debug("Found name: " + *anonymous->name() + " in existing identity.");
+        if (anonymous->email())
+            corvane::CoreLogger::debug("Found email: " + *anonymous->email() + " in existing identity.");
+        if (!newName) newName = anonymous->name();
+        if (!newEmail) newEmail = anonymous->email();
+    }
+    corvane::CoreLogger::debug("No conversations screen; Updating identity with: " + newName.value_or("") + " " +
+                               newEmail.value_or(""));
+    core->setIdentity(corvane::Identity::createAnonymous(newName, newEmail));
+}
+
+void prepareDispatchDetails(std::vector<Message> messages, std::vector<InputAttachmentViewStatePtr> attachments,
+                            std::function<void(const RequestQueueActions::DispatchDetails&)> dispatchDetails) {
+    if (messages.empty() || !dispatchDetails) return;
+    const auto* text = std::get_if<UserMessage>(&messages.front());
+    if (!text) return;
+    RequestQueueActions::DispatchDetails details;
+    details.id = text->id;
+    details.body = text->body;
+    const bool encodes = !attachments.empty();
+    auto work = [details = std::move(details), attachments = std::move(attachments),
+                 dispatchDetails = std::move(dispatchDetails)]() mutable {
+        for (const auto& attachment : attachments) {
+            const auto* attachable = dynamic_cast<const Attachable*>(attachment.get());
+            if (!attachable) continue;
+            if (auto file = attachable->attachment()) details.attachments.push_back(std::move(*file));
+        }
+        dispatchDetails(details);
+    };
+    // Encoding files takes time, so it leaves the main thread; a text alone only waits its turn.
+    if (encodes)
+        platform::BackgroundQueue::shared().async(std::move(work));
+    else
+        platform::MainQueue::shared().async(std::move(work));
+}
+
+} // namespace belvakit

@@ -1,0 +1,500 @@
+#include "../queue/host_fixture.hpp"
+#include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "belvakit/Request/requestlist/request_list_table_view_cell.hpp"
+#include "belvakit/Request/requestlist/request_list_view_controller.hpp"
+#include "belvakit/engine/support_engine.hpp"
+#include "belvakit/entry/localized_strings.hpp"
+#include "belvakit/entry/request_container_controller.hpp"
+#include "belvakit/entry/request_ui.hpp"
+#include "belvakit/entry/shared_store.hpp"
+#include "belvakit/toolkit/toast_view.hpp"
+#include "dastrel/dispatcher_notifications.hpp"
+#include "platform/image_codec.hpp"
+#include "test_support.hpp"
+#include "uikit/navigation_controller.hpp"
+#include "uikit/probe.hpp"
+#include "uikit/window.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using namespace belvakit;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+// A ticket screen that remembers which ticket it was made for.
+class TicketScreen final : public uikit::ViewController {
+public:
+    explicit TicketScreen(std::optional<std::string> id) : requestId(std::move(id)) {}
+    std::optional<std::string> requestId;
+};
+
+class ListScreen final : public RequestListViewController {
+public:
+    using RequestListViewController::RequestListViewController;
+    uikit::ViewController::Ptr makeRequestScreen(const std::optional<std::string>& requestId) override {
+        return std::make_shared<TicketScreen>(requestId);
+    }
+};
+
+std::string text(std::string_view key) { return localized(key); }
+
+// Counts the ends of the list's loading passes as the shared store sees them: the pass over the
+// kept rows, and the one that asks the help desk.
+class PassWatcher {
+public:
+    PassWatcher()
+        : subscription_(sharedStore()->addActionListener([this](const tivra::Action& action) {
+              if (const auto* rows = tivra::actionAs<Actions::RequestsWithAvatarsFetched>(action))
+                  ++(rows->requestListStateType == RequestListStateType::LoadedFromCache ? cached : network);
+              // A 401 fails twice; the second failure ends the pass.
+              if (tivra::actionAs<Actions::RequestsFetchedFailed>(action)) ++network;
+          })) {}
+    ~PassWatcher() { subscription_.removeListener(); }
+    int cached = 0;
+    int network = 0;
+
+private:
+    tivra::ActionSubscription subscription_;
+};
+
+class RequestListScreenTest : public testing::Test {
+protected:
+    void SetUp() override {
+        sharedStore()->dispatch(Actions::ClearRequestList{});
+        // The desk answers only as virtual time moves, so a visit's kept rows come first, as on a device.
+        host_.tickets().setLatency(platform::milliseconds(100));
+        window_->makeKeyAndVisible();
+    }
+    void TearDown() override {
+        window_->setRootViewController(nullptr);
+        queue_testing::pass(time_, platform::seconds(1));
+        sharedStore()->dispatch(Actions::ClearRequestList{});
+    }
+
+    std::string createTicket(const std::string& description) {
+        bool answered = false;
+        host_.tickets().createRequest({.requestDescription = description}, [&](auto, auto) { answered = true; });
+        EXPECT_TRUE(settled([&] { return answered; }));
+        clock_.clock->advance(60);
+        return host_.tickets().requests().back().requestId;
+    }
+
+    static std::shared_ptr<ListScreen> makeList() {
+        return std::make_shared<ListScreen>(mirrowset::Configurations{}, ConcreteCache::named(ConcreteCache::ticketsDirectory));
+    }
+
+    // The list pushed over a home screen, as a host shows it.
+    void show(const std::shared_ptr<RequestListViewController>& list) {
+        navigation_ = std::make_shared<uikit::NavigationController>(home_);
+        window_->setRootViewController(navigation_);
+        navigation_->pushViewController(list, false);
+        window_->layoutTree();
+    }
+    // A visit: the kept rows first, then the desk's answer unless none was asked for.
+    void visit(const std::shared_ptr<RequestListViewController>& list, bool asksTheDesk = true) {
+        const Passes before = passes();
+        show(list);
+        awaitVisit(before, asksTheDesk);
+    }
+    struct Passes {
+        int cached;
+        int network;
+    };
+    Passes passes() const { return {passes_.cached, passes_.network}; }
+    void awaitVisit(Passes before, bool asksTheDesk = true) {
+        ASSERT_TRUE(keptRowsCame(before.cached));
+        if (asksTheDesk) {
+            ASSERT_TRUE(settled([&] { return passes_.network > before.network; }));
+        }
+        window_->layoutTree();
+    }
+    bool keptRowsCame(int before) {
+        return platform::MainQueue::shared().runUntil([&] { return passes_.cached > before; }, platform::seconds(10));
+    }
+    void pull() {
+        const int network = passes_.network;
+        list_->refreshController->userDidPull();
+        ASSERT_TRUE(settled([&] { return passes_.network > network; }));
+        window_->layoutTree();
+    }
+    bool settled(const std::function<bool()>& done) { return queue_testing::settle(time_, done); }
+
+    // Each row as "names | subject | last comment", with [unread], [avatar] or [letter] after it.
+    std::vector<std::string> rows() {
+        window_->layoutTree();
+        std::vector<std::string> drawn;
+        const int count = list_->requestListTableView->numberOfRowsInSection(0);
+        for (int row = 0; row < count; ++row) {
+            list_->requestListTableView->scrollToRow({0, row}, uikit::TableViewScrollPosition::none, false);
+            auto* cell = dynamic_cast<RequestListTableViewCell*>(list_->requestListTableView->cellForRow({0, row}).get());
+            if (!cell) {
+                drawn.push_back("?");
+                continue;
+            }
+            std::string line = cell->agentNamesTitle->text() + " | " + cell->requestSubjectLabel->text() + " | " +
+                               (cell->lastCommentLabel->isHidden() ? "-" : cell->lastCommentLabel->text());
+            if (!cell->unreadIndicator->isHidden()) line += " [unread]";
+            if (!cell->agentAvatarView->isHidden())
+                line += cell->agentAvatarView->showsPlaceholder() ? " [placeholder]" : " [avatar]";
+            if (!cell->letterAvatarView->isHidden()) line += " [letter " + cell->letterAvatarView->letterLabel()->text() + "]";
+            drawn.push_back(line);
+        }
+        return drawn;
+    }
+    RequestListTableViewCell* cell(int row) {
+        window_->layoutTree();
+        return dynamic_cast<RequestListTableViewCell*>(list_->requestListTableView->cellForRow({0, row}).get());
+    }
+    std::vector<std::string> shownTexts() {
+        window_->layoutTree();
+        return uikit::visibleTexts(*window_);
+    }
+    bool showsText(const std::string& wanted) {
+        const auto texts = shownTexts();
+        return std::find(texts.begin(), texts.end(), wanted) != texts.end();
+    }
+    const RequestListState& slice() const { return *sharedStore()->state().valueOfType<RequestListState>(); }
+
+    testing_support::VirtualTime time_;
+    queue_testing::FixedClock clock_;
+    testing_support::TemporaryDirectory directory_;
+    queue_testing::Host host_{directory_.path()};
+    sandbox::SettingsDesk& settings_ = *host_.helpDesk->settings();
+    std::shared_ptr<uikit::Window> window_ = std::make_shared<uikit::Window>();
+    std::shared_ptr<uikit::ViewController> home_ = std::make_shared<uikit::ViewController>();
+    std::shared_ptr<uikit::NavigationController> navigation_;
+    std::shared_ptr<ListScreen> list_ = makeList();
+    PassWatcher passes_;
+};
+
+} // namespace
+
+TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAvatarsUnreadAndClosedMarks) {
+    const auto answered = createTicket("Broken zip");
+    const auto closed = createTicket("Refund please");
+    const auto fresh = createTicket("Late order");
+    const auto ada = host_.tickets().addAgent("Ada", "https://belva.example.com/avatars/ada.png");
+    host_.helpDesk->attachments()->serve(*ada.avatarURL, *platform::encodePNG(*platform::makeImage(4, 4)));
+    const auto bob = host_.tickets().addAgent("bob");
+    host_.tickets().addAgentComment(closed, bob.userId, "Done, closing");
+    host_.tickets().setStatus(closed, "closed");
+    clock_.clock->advance(60);
+    host_.tickets().addAgentComment(answered, ada.userId, "We are on it");
+    (void)fresh;
+
+    const Passes before = passes();
+    show(list_);
+    // Loading: a spinner and the progress strip, neither the empty view nor a row yet.
+    EXPECT_TRUE(list_->isLoading());
+    EXPECT_TRUE(uikit::isShown(*list_->loadingSpinner));
+    EXPECT_TRUE(list_->loadingSpinner->isAnimating());
+    EXPECT_FALSE(list_->progressBar->isHidden());
+    EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+    EXPECT_EQ(navigation_->navigationBar()->titleLabel()->text(), text(LocalizedKey::requestsRequestListTitle));
+    ASSERT_NE(uikit::findByIdentifier(*window_, "CRVcomposeButton"), nullptr);
+    // Nothing was kept yet: still loading after the kept rows' pass.
+    ASSERT_TRUE(keptRowsCame(before.cached));
+    EXPECT_TRUE(list_->loadingSpinner->isAnimating());
+    EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+
+    awaitVisit(before);
+    EXPECT_FALSE(list_->loadingSpinner->isAnimating());
+    EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+    EXPECT_TRUE(uikit::isShown(*list_->requestListTableView));
+    EXPECT_NE(list_->progressBar->stateMachine()->state(), ProgressState::running);
+    // Newest change first; an agent's picture, an agent without one, and the user alone.
+    EXPECT_THAT(rows(), ElementsAre("Ada, Me | Broken zip | We are on it [unread] [avatar]",
+                                    "bob, Me | Refund please | Done, closing [unread] [letter B]",
+                                    "Me | Late order | -"));
+    EXPECT_THAT(cell(1)->updatedAtTimestamp->text(), testing::StartsWith(text(LocalizedKey::requestsRequestListCellClosed)));
+    EXPECT_EQ(cell(2)->updatedAtTimestamp->text(), slice().requests[2].displayTimestamp);
+    EXPECT_EQ(cell(0)->unreadIndicator->accessibilityLabel(), text(LocalizedKey::requestsRequestListUnreadAccessibility));
+    // The texts start after an avatar, and at the margin without one.
+    EXPECT_GT(cell(0)->requestSubjectLabel->frame().minX(), cell(0)->agentAvatarView->frame().maxX());
+    EXPECT_EQ(cell(2)->requestSubjectLabel->frame().minX(), RequestListTableViewCell::margin);
+
+    // Hidden by the settings, a closed ticket leaves the list at the next visit.
+    auto settings = settings_.settings();
+    settings.showClosedRequests = false;
+    settings_.setSettings(settings);
+    navigation_->popViewController(false);
+    list_ = makeList();
+    visit(list_);
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip"), HasSubstr("Late order")));
+    EXPECT_EQ(host_.helpDesk->telemetry()->count("requestListViewed"), 2u);
+
+    // A ticket whose sending failed comes first, marked.
+    Actions::RequestCreationOrUpdateError failed;
+    failed.id = "local-1";
+    failed.requestDescription = "Typed offline";
+    failed.createdAtDate = platform::now();
+    sharedStore()->dispatch(failed);
+    EXPECT_EQ(rows().front(), "Me | Typed offline | " + text(LocalizedKey::requestsRequestListCellFailed));
+}
+
+TEST_F(RequestListScreenTest, AnEmptyAccountShowsTheEmptyViewWhoseButtonAndComposeOfferANewTicket) {
+    settings_.setReferrer(true, "https://belva.example.com/ref");
+    visit(list_);
+    EXPECT_TRUE(uikit::isShown(*list_->inboxView));
+    EXPECT_FALSE(uikit::isShown(*list_->requestListTableView));
+    EXPECT_TRUE(uikit::isShown(*list_->inboxImageView));
+    EXPECT_TRUE(showsText(text(LocalizedKey::requestsRequestListEmptySubtitle)));
+    EXPECT_TRUE(showsText(text(LocalizedKey::requestsRequestListEmptyButton)));
+    EXPECT_TRUE(uikit::isShown(*list_->corvaneLogoButton));
+    EXPECT_EQ(list_->corvaneLogoButton->referrerUrl, "https://belva.example.com/ref");
+    // The empty view's parts stay inside it, one under the other.
+    const auto& empty = list_->inboxView->bounds();
+    EXPECT_LT(list_->inboxImageView->frame().maxY(), list_->conversationsLabel->frame().minY());
+    EXPECT_LT(list_->conversationsLabel->frame().maxY(), list_->createATicketButton->frame().minY());
+    EXPECT_LE(list_->createATicketButton->frame().maxY(), empty.maxY());
+
+    ASSERT_TRUE(uikit::tap(*list_->createATicketButton));
+    auto presented = std::dynamic_pointer_cast<uikit::NavigationController>(list_->presentedViewController());
+    ASSERT_TRUE(presented);
+    auto* creation = dynamic_cast<TicketScreen*>(presented->topViewController());
+    ASSERT_NE(creation, nullptr);
+    EXPECT_EQ(creation->requestId, std::nullopt);
+    list_->dismissViewController(false);
+
+    auto* compose = uikit::findByIdentifier(*window_, "CRVcomposeButton");
+    ASSERT_NE(compose, nullptr);
+    ASSERT_TRUE(uikit::tap(*compose));
+    presented = std::dynamic_pointer_cast<uikit::NavigationController>(list_->presentedViewController());
+    ASSERT_TRUE(presented);
+    EXPECT_NE(dynamic_cast<TicketScreen*>(presented->topViewController()), nullptr);
+}
+
+TEST_F(RequestListScreenTest, AFailedFetchShowsTheErrorToastKeepsTheRowsAndWithoutRowsSaysSo) {
+    const auto error = text(LocalizedKey::requestsRequestListError);
+    host_.tickets().failNext(1);
+    visit(list_);
+    EXPECT_EQ(list_->state.stateType, RequestListStateType::ErroredFromNetwork);
+    // Nothing was ever fetched: the empty view says the list could not be loaded, and the toast too.
+    EXPECT_TRUE(uikit::isShown(*list_->inboxView));
+    EXPECT_EQ(list_->conversationsLabel->text(), error);
+    EXPECT_TRUE(list_->toastWrapper->isShowingError);
+    const auto texts = shownTexts();
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), error), 2);
+    EXPECT_EQ(list_->progressBar->stateMachine()->state(), ProgressState::finishing);
+    queue_testing::pass(time_, platform::seconds(4));
+    EXPECT_FALSE(list_->toastWrapper->isShowingError);
+
+    createTicket("Broken zip");
+    pull();
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip")));
+
+    host_.tickets().failNext(1);
+    pull();
+    EXPECT_EQ(list_->state.stateType, RequestListStateType::ErroredFromNetwork);
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip")));
+    EXPECT_FALSE(list_->refreshController->isRefreshing());
+    EXPECT_TRUE(list_->toastWrapper->isShowingError);
+    EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+    // The toast makes room above the rows.
+    EXPECT_GE(list_->requestListTableView->frame().minY(), list_->toastWrapper->contentHeight);
+    EXPECT_GT(list_->toastWrapper->contentHeight, 0);
+}
+
+TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderTheConnectivityToastAloneAndKeepClearOfTheSides) {
+    createTicket("Broken zip");
+    createTicket("Late order");
+    visit(list_);
+    navigation_->popViewController(false);
+
+    host_.tickets().setOffline(true);
+    // The account's settings can't be had offline either.
+    settings_.setFailing(true);
+    list_ = makeList();
+    visit(list_, false);
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
+    EXPECT_FALSE(list_->isLoading());
+    EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+    // The connectivity toast says why; no error toast over it.
+    EXPECT_TRUE(showsText(text(LocalizedKey::requestsConnectionError)));
+    EXPECT_FALSE(list_->toastWrapper->isShowingError);
+    EXPECT_EQ(list_->requestListTableView->frame().minY(), 0);
+
+    // Refreshing offline fails and keeps them.
+    pull();
+    EXPECT_EQ(list_->state.stateType, RequestListStateType::ErroredFromNetwork);
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
+
+    // Sideways, the rows keep clear of the notch and the rounded corners.
+    window_->setEnvironment(uikit::Environment::phoneLandscape());
+    window_->layoutTree();
+    const auto safe = uikit::Environment::phoneLandscape().safeAreaInsets;
+    const auto table = list_->requestListTableView->convert(list_->requestListTableView->bounds(), nullptr);
+    EXPECT_EQ(table.minX(), safe.left);
+    EXPECT_EQ(table.maxX(), uikit::Environment::phoneLandscape().size.width - safe.right);
+}
+
+TEST_F(RequestListScreenTest, PullAndTheOutsideRefreshActionFetchAgainWhileTheListIsOnView) {
+    createTicket("Broken zip");
+    visit(list_);
+    const double restingTop = list_->requestListTableView->frame().minY();
+
+    createTicket("Late order");
+    list_->refreshController->userDidPull();
+    window_->layoutTree();
+    // The strip with its spinner opens above the rows until the answer comes.
+    EXPECT_TRUE(uikit::isShown(*list_->refreshController));
+    EXPECT_TRUE(list_->refreshController->spinner()->isAnimating());
+    EXPECT_EQ(list_->requestListTableView->frame().minY(), restingTop + RefreshControl::height);
+    const int network = passes_.network;
+    ASSERT_TRUE(settled([&] { return passes_.network > network; }));
+    window_->layoutTree();
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
+    EXPECT_FALSE(uikit::isShown(*list_->refreshController));
+    EXPECT_EQ(list_->requestListTableView->frame().minY(), restingTop);
+
+    auto& registry = host_.core->actionHandlerRegistry();
+    const auto handler = registry.handler(RequestListRefreshActionHandler::defaultActionName);
+    ASSERT_TRUE(handler);
+    EXPECT_FALSE(registry.handler("Request_List_Refresh_"));
+    createTicket("Wrong size");
+    const int beforeAction = passes_.network;
+    handler->handle({});
+    ASSERT_TRUE(settled([&] { return passes_.network > beforeAction; }));
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Wrong size"), HasSubstr("Late order"), HasSubstr("Broken zip")));
+
+    // Away from view the action has no handler; back on view it has one again, and one only.
+    navigation_->popViewController(false);
+    EXPECT_FALSE(registry.handler(RequestListRefreshActionHandler::defaultActionName));
+    const auto before = registry.count();
+    show(list_);
+    EXPECT_TRUE(registry.handler(RequestListRefreshActionHandler::defaultActionName));
+    EXPECT_EQ(registry.count(), before + 1);
+}
+
+TEST_F(RequestListScreenTest, AnAuthErrorClearsTheListAndLeavesTwoSecondsLaterTheDesksUnauthorizedNoticeAtOnce) {
+    createTicket("Broken zip");
+    visit(list_);
+    testing_support::CapturedLog log;
+    // The pipeline's answer to a 401: the auth failure, then the generic one.
+    sharedStore()->dispatch(Actions::RequestsFetchedFailedWIthAuthError{});
+    sharedStore()->dispatch(Actions::RequestsFetchedFailed{});
+    EXPECT_THAT(log.messages(platform::LogLevel::error), ElementsAre("401 Authentication error, dismissing Request List"));
+    EXPECT_THAT(slice().requests.get(), IsEmpty());
+    EXPECT_THAT(rows(), IsEmpty());
+    EXPECT_TRUE(list_->toastWrapper->isShowingError);
+    queue_testing::pass(time_, platform::milliseconds(1900));
+    EXPECT_EQ(navigation_->topViewController(), list_.get());
+    queue_testing::pass(time_, platform::milliseconds(150));
+    EXPECT_EQ(navigation_->topViewController(), home_.get());
+
+    // The desk's 401 comes with the dispatcher's notice, which takes the list away at once.
+    list_ = makeList();
+    visit(list_);
+    log.clear();
+    host_.tickets().setUnauthorized(true);
+    const int network = passes_.network;
+    list_->refreshController->userDidPull();
+    ASSERT_TRUE(settled([&] { return navigation_->topViewController() == home_.get(); }));
+    EXPECT_THAT(log.messages(platform::LogLevel::warn), ElementsAre("401 received, clearing storage and dismissing Corvane UI"));
+    ASSERT_TRUE(settled([&] { return passes_.network > network; }));
+    EXPECT_THAT(slice().requests.get(), IsEmpty());
+}
+
+TEST_F(RequestListScreenTest, ConversationsOffDisableComposeAndDismissTheScreen) {
+    settings_.setConversationsEnabled(false);
+    testing_support::CapturedLog log;
+    show(list_);
+    ASSERT_TRUE(settled([&] { return navigation_->topViewController() == home_.get(); }));
+    EXPECT_FALSE(list_->navigationItem().rightBarButtonItem->enabled);
+    EXPECT_THAT(log.messages(platform::LogLevel::error),
+                ElementsAre("Conversations disabled, request list screen not available. Dismissing screen."));
+}
+
+TEST_F(RequestListScreenTest, TappingARowOpensThatTicketAndMarksItRead) {
+    const auto first = createTicket("Broken zip");
+    const auto second = createTicket("Late order");
+    const auto ada = host_.tickets().addAgent("Ada");
+    host_.tickets().addAgentComment(first, ada.userId, "We are on it");
+    visit(list_);
+    ASSERT_THAT(rows(), ElementsAre(HasSubstr("Broken zip | We are on it [unread]"), HasSubstr("Late order")));
+
+    ASSERT_TRUE(uikit::tap(*cell(0)));
+    auto* opened = dynamic_cast<TicketScreen*>(navigation_->topViewController());
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(opened->requestId, first);
+    EXPECT_FALSE(slice().requests[0].hasUnreadComments);
+    EXPECT_THAT(rows(), ElementsAre(testing::Not(HasSubstr("[unread]")), HasSubstr("Late order")));
+
+    navigation_->popViewController(false);
+    ASSERT_TRUE(uikit::tap(*cell(1)));
+    opened = dynamic_cast<TicketScreen*>(navigation_->topViewController());
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(opened->requestId, second);
+
+    // The library's own ticket screen is the request container, with the list's configurations:
+    // on the tapped ticket, or on a new one from the compose button.
+    auto configuration = std::make_shared<RequestUiConfiguration>();
+    auto library = RequestListViewController::make({configuration});
+    visit(library);
+    auto* compose = uikit::findByIdentifier(*window_, "CRVcomposeButton");
+    ASSERT_NE(compose, nullptr);
+    ASSERT_TRUE(uikit::tap(*compose));
+    auto presented = std::dynamic_pointer_cast<uikit::NavigationController>(library->presentedViewController());
+    ASSERT_TRUE(presented);
+    auto* creating = dynamic_cast<RequestContainerController*>(presented->topViewController());
+    ASSERT_NE(creating, nullptr);
+    EXPECT_EQ(creating->state.requestId, std::nullopt);
+    library->dismissViewController(false);
+
+    ASSERT_TRUE(uikit::tap(*library->requestListTableView->cellForRow({0, 0})));
+    auto container = std::dynamic_pointer_cast<RequestContainerController>(navigation_->viewControllers().back());
+    ASSERT_TRUE(container);
+    EXPECT_EQ(container->state.requestId, first);
+    ASSERT_TRUE(container->state.configs);
+    EXPECT_EQ(container->state.configs->configuration<RequestUiConfiguration>(), configuration);
+}
+
+TEST_F(RequestListScreenTest, TheEngineShowsTheListOnTheMessagingScreensNavigationOnly) {
+    auto made = SupportEngine::engine();
+    auto* engine = std::get_if<std::shared_ptr<SupportEngine>>(&made);
+    ASSERT_TRUE(engine);
+    navigation_ = std::make_shared<uikit::NavigationController>(home_);
+    window_->setRootViewController(navigation_);
+
+    (*engine)->openRequestList({{"navController", std::string("not a navigation")}});
+    (*engine)->openRequestList({{"navController", std::shared_ptr<uikit::ViewController>(home_)}});
+    EXPECT_EQ(navigation_->viewControllers().size(), 1u);
+
+    createTicket("Broken zip");
+    const Passes before = passes();
+    (*engine)->openRequestList({{"navController", navigation_}});
+    ASSERT_EQ(navigation_->viewControllers().size(), 2u);
+    auto shown = std::dynamic_pointer_cast<RequestListViewController>(navigation_->viewControllers().back());
+    ASSERT_TRUE(shown);
+    awaitVisit(before);
+    EXPECT_EQ(shown->state.stateType, RequestListStateType::LoadedFromNetwork);
+    EXPECT_EQ(shown->requestListTableView->numberOfRowsInSection(0), 1);
+}
+
+TEST_F(RequestListScreenTest, TheHostsRequestListIsThisScreenUnderTheCoordinatorsBarAndLeavesWithIt) {
+    createTicket("Broken zip");
+    auto flow = RequestUi::buildRequestList();
+    navigation_ = std::make_shared<uikit::NavigationController>(home_);
+    window_->setRootViewController(navigation_);
+    const Passes before = passes();
+    navigation_->pushViewController(flow, false);
+    ASSERT_TRUE(settled([&] { return flow->activeController() != nullptr; }));
+    auto shown = std::dynamic_pointer_cast<RequestListViewController>(flow->activeController());
+    ASSERT_TRUE(shown);
+    awaitVisit(before);
+    EXPECT_EQ(shown->requestListTableView->numberOfRowsInSection(0), 1);
+    // The list's title and compose button stand on the bar of the screen that holds it.
+    EXPECT_EQ(navigation_->navigationBar()->titleLabel()->text(), text(LocalizedKey::requestsRequestListTitle));
+    ASSERT_NE(uikit::findByIdentifier(*window_, "CRVcomposeButton"), nullptr);
+
+    // Leaving takes the holding screen off the stack.
+    sharedStore()->dispatch(Actions::RequestsFetchedFailedWIthAuthError{});
+    queue_testing::pass(time_, platform::seconds(2.1));
+    EXPECT_EQ(navigation_->topViewController(), home_.get());
+}
