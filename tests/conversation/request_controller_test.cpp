@@ -377,6 +377,9 @@ TEST_F(ConversationScreenTest, ASendDuringTheFirstLoadKeepsTheProgressBarUntilIt
     const auto id = ticketWithHistory(1);
     host->tickets().setLatency(platform::seconds(2));
     open(id);
+    // The disk answers on its own thread, in real time: the send goes while the fetch of the
+    // comments is under way.
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return state().localId.has_value(); }));
     screen->sendButtonTapped("Quick question", {});
     const auto& progress = *screen->progressBar()->stateMachine();
     ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
@@ -410,6 +413,31 @@ TEST_F(ConversationScreenTest, TheKeyboardKeepsAReaderAtTheEndAtTheEnd) {
     queue_testing::pass(time, platform::seconds(1));
     EXPECT_LT(table().frame().height(), before - 200);
     EXPECT_TRUE(lastRowShows());
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, AHelpCenterLinkInAnAgentsCommentOpensTheArticle) {
+    const auto id = ticketWithHistory(1);
+    host->tickets().addAgentComment(id, agent, "See our guide.",
+                                    std::string("<p>See our <a href=\"https://belva.example.com/hc/en-us/articles/360001-installing-orbit-planner\">"
+                                                "guide</a>.</p>"));
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 3; }));
+    EXPECT_EQ(host->helpDesk->telemetry()->count("requestViewed"), 1u);
+
+    window->layoutTree();
+    const auto texts = uikit::findAll(root(), [](const uikit::View& view) {
+        const auto* text = dynamic_cast<const MessageTextView*>(&view);
+        return text && !text->links().empty() && uikit::isShown(view);
+    });
+    ASSERT_EQ(texts.size(), 1u);
+    ASSERT_TRUE(uikit::tap(*texts.front()));
+    queue_testing::pass(time, platform::seconds(1));
+    ASSERT_EQ(navigation->viewControllers().size(), 2u);
+    EXPECT_EQ(navigation->viewControllers().back()->className(), "CRVArticleViewController");
 }
 
 } // namespace

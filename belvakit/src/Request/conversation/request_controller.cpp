@@ -11,6 +11,8 @@
 #include "belvakit/attachments/attachment_preview.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "belvakit/attachments/cache_keys.hpp"
+#include "belvakit/deeplinks/help_center_action_handler.hpp"
+#include "belvakit/deeplinks/usage_telemetry.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/toolkit/theme.hpp"
@@ -310,6 +312,7 @@ void RequestController::subscribe() {
 void RequestController::openConversation() {
     if (!requestId_) return;
     const std::string id = *requestId_;
+    sendRequestViewed(id);
     const auto mapped = idStore_.remoteToLocal.find(id);
     const std::string key = mapped != idStore_.remoteToLocal.end() ? mapped->second : id;
     const bool mappedTo = std::any_of(idStore_.remoteToLocal.begin(), idStore_.remoteToLocal.end(),
@@ -661,12 +664,20 @@ void RequestController::viewWillAppear(bool animated) {
 
 void RequestController::viewDidAppear(bool animated) {
     CRVUIViewController::viewDidAppear(animated);
+    // Help Center links in agents' comments open articles while the conversation shows; a handler
+    // made anew replaces the one of an earlier visit, as they compare by account.
+    if (const auto core = corvane::Corvane::instance()) {
+        helpCenterHandler_ = HelpCenterActionHandler::forCurrentAccount();
+        if (helpCenterHandler_) core->actionHandlerRegistry().add(helpCenterHandler_);
+    }
     if (viewDidAppearBlock) std::exchange(viewDidAppearBlock, nullptr)();
 }
 
 void RequestController::viewWillDisappear(bool animated) {
     CRVUIViewController::viewWillDisappear(animated);
     unregisterRefreshHandler();
+    if (const auto core = corvane::Corvane::instance(); core && helpCenterHandler_)
+        core->actionHandlerRegistry().remove(*helpCenterHandler_);
 }
 
 void RequestController::viewDidLayoutSubviews() {

@@ -134,6 +134,7 @@ private:
     std::shared_ptr<ProgressBar> progressBar_;
     std::shared_ptr<CRVToastViewWrapper> toastWrapper_;
     std::shared_ptr<RequestDetailRefreshActionHandler> requestRefreshHandler_;
+    std::shared_ptr<corvane::ActionHandler> helpCenterHandler_;
     platform::ObservationToken backgroundNotificationObserver_;
     std::shared_ptr<tivra::Store> store_;
     // Subscriptions end with this object, that is with the screen.
