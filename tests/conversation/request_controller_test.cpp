@@ -255,13 +255,20 @@ TEST_F(ConversationScreenTest, ASendWhileOfflineFailsOffersRetryAndSucceedsOnceO
     ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
 
     host->tickets().setOffline(true);
-    typeAndSend("Hello?");
+    auto* field = find<uikit::TextInput>("CRVmessageBodyField");
+    ASSERT_TRUE(field);
+    uikit::typeText(*field, "  \n");
+    EXPECT_FALSE(screen->hasUnsavedEdits()) << "only space is no reply";
+    uikit::typeText(*field, "Hello?");
+    EXPECT_TRUE(screen->hasUnsavedEdits()) << "leaving now would drop the reply";
+    ASSERT_TRUE(uikit::tap(*find("CRVsendButton")));
     ASSERT_TRUE(settled([&] { return statusOf("Hello?") == DeliveryStatus::failed; }));
     auto* error = find("CRVerrorStatusView");
     ASSERT_TRUE(error && uikit::isShown(*error));
     EXPECT_EQ(dynamic_cast<uikit::Label*>(error)->text(), localized(LocalizedKey::requestsCreateRequestCellError));
     auto* retry = find("CRVretryButton");
     ASSERT_TRUE(retry && uikit::isShown(*retry));
+    EXPECT_FALSE(screen->hasUnsavedEdits()) << "a sent reply is no longer an edit";
 
     host->tickets().setOffline(false);
     ASSERT_TRUE(uikit::tap(*retry));

@@ -19,6 +19,7 @@
 #include "corvane/core_logger.hpp"
 #include "corvane/corvane.hpp"
 #include "platform/main_queue.hpp"
+#include "platform/trimming.hpp"
 #include "tivra/state_key.hpp"
 #include "uikit/alert_controller.hpp"
 #include "uikit/image_view.hpp"
@@ -694,6 +695,11 @@ void RequestController::viewDidLayoutSubviews() {
     inputField_->setFrame({0, bounds.height() - inputHeight, bounds.width(), inputHeight});
     if (progressBar_->superview() == view().get())
         progressBar_->setFrame({0, topViewOffset(), view()->bounds().width(), ProgressBar::defaultHeight});
+}
+
+bool RequestController::hasUnsavedEdits() const {
+    const auto* input = store_->state().valueOfType<InputFieldState>();
+    return input && (!platform::trimmingWhitespaceAndNewlines(input->text()).empty() || !input->attachments().empty());
 }
 
 } // namespace belvakit

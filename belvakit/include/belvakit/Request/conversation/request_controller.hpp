@@ -4,6 +4,7 @@
 #include "belvakit/Request/conversation/request_table.hpp"
 #include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/queue/request_fetcher.hpp"
+#include "belvakit/Request/createrequest/discard_edits_controller.hpp"
 #include "belvakit/entry/ui_configurations.hpp"
 #include "belvakit/toolkit/progress_bar.hpp"
 #include "belvakit/toolkit/toast_view_wrapper.hpp"
@@ -49,8 +50,10 @@ public:
 
 // The screen of one ticket: its messages, the input field and the send progress. It turns
 // gestures into actions and keeps the device's copy of the conversation in step with the store.
-class RequestController final : public CRVUIViewController {
+class RequestController final : public CRVUIViewController, public DiscardEditsControllerEditSource {
 public:
+    // A reply being written: text that isn't only space, or a chosen attachment.
+    bool hasUnsavedEdits() const override;
     // What the request container passes. `requestId` is absent for a new ticket. Without a cache the
     // core's "Tickets" cache is used; without a store, the shared one.
     static std::shared_ptr<RequestController> make(const RequestUiConfiguration& configuration,
