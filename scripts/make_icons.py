@@ -175,6 +175,17 @@ def draw_compose():
     return draw_strokes(24, [(12, 5, 12, 19), (5, 12, 19, 12)], 2.2, (0, 122, 255))
 
 
+def draw_down_arrow():
+    """The Help Center's See all mark: a chevron pointing down, drawn in black as a template."""
+    return draw_strokes(24, [(5, 9, 12, 16), (12, 16, 19, 9)], 3.0, (0, 0, 0))
+
+
+def draw_contact():
+    """The Help Center's contact button: a square with a pencil across its corner."""
+    segments = [(4, 8, 4, 24), (4, 24, 20, 24), (20, 24, 20, 16), (4, 8, 12, 8), (11, 17, 24, 4)]
+    return draw_strokes(28, segments, 2.2, (0, 0, 0))
+
+
 def png(pixels):
     raw = b"".join(b"\x00" + b"".join(bytes(p) for p in row) for row in pixels)
 
@@ -192,7 +203,8 @@ def main():
             out.write(png(draw(label, band)))
     with open(os.path.join(OUT, "Avatar.png"), "wb") as out:
         out.write(png(draw_avatar()))
-    for name, pixels in (("Inbox", draw_inbox()), ("iconCompose", draw_compose())):
+    for name, pixels in (("Inbox", draw_inbox()), ("iconCompose", draw_compose()), ("icoDown", draw_down_arrow()),
+                         ("compose", draw_contact())):
         with open(os.path.join(OUT, name + ".png"), "wb") as out:
             out.write(png(pixels))
 

@@ -34,5 +34,6 @@ std::vector<Metric> tableMetrics();
 std::vector<Metric> requestListMetrics();
 std::vector<Metric> uiMetrics();
 std::vector<Metric> renderMetrics();
+std::vector<Metric> helpCenterMetrics();
 
 } // namespace bench

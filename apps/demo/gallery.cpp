@@ -1,7 +1,9 @@
 #include "gallery.hpp"
 
+#include "shots_article.hpp"
 #include "shots_container.hpp"
 #include "shots_create_request.hpp"
+#include "shots_help_center.hpp"
 #include "shots_request_list.hpp"
 
 #include "belvakit/toolkit/avatar_title.hpp"
@@ -238,7 +240,7 @@ std::vector<GalleryShot> galleryShots() {
                          return inNavigation(screen);
                      }});
     shots.push_back({"themed-table", "A themed table", 1.0, [] { return inNavigation(std::make_shared<TableScreen>()); }});
-    for (auto&& more : {containerShots(), createRequestShots(), requestListShots()})
+    for (auto&& more : {containerShots(), createRequestShots(), requestListShots(), helpCenterShots(), articleShots()})
         shots.insert(shots.end(), more.begin(), more.end());
     return shots;
 }

@@ -1,12 +1,15 @@
+#include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/createrequest/create_request_controller.hpp"
 #include "belvakit/entry/request_container_controller.hpp"
 
 namespace belvakit {
 
-// The conversation is wired in here when it is part of the library; until then the container
-// logs that it could not make it.
 RequestContainerController::ConversationScreenBuilder RequestContainerController::defaultConversationScreenBuilder() {
-    return nullptr;
+    return [](const ConversationScreenInput& input, RequestContainerController&) -> uikit::ViewController::Ptr {
+        if (!input.configuration) return nullptr;
+        return RequestController::make(*input.configuration, input.requestId, input.progressBar, input.toastWrapper,
+                                       input.attachmentsEnabled, input.maxAttachmentSize, input.ticketsCache);
+    };
 }
 
 RequestContainerController::CreateRequestScreenBuilder RequestContainerController::defaultCreateRequestScreenBuilder() {

@@ -1,5 +1,6 @@
 #include "belvakit/entry/shared_store.hpp"
 
+#include "belvakit/Request/conversation/input_field_state.hpp"
 #include "belvakit/Request/conversation/request_table_reducer.hpp"
 #include "belvakit/Request/createrequest/create_request_middleware.hpp"
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
@@ -18,6 +19,7 @@ namespace {
 // RequestContainerState, CreateRequestState. Each subsystem adds its reducer at its place.
 std::shared_ptr<tivra::CombinedReducer> makeReducer() {
     auto reducer = tivra::CombinedReducer::empty();
+    reducer = reducer + std::make_shared<InputFieldReducer>();
     reducer = reducer + std::make_shared<RequestTableReducer>();
     reducer = reducer + std::make_shared<RequestListReducer>();
     reducer = reducer + std::make_shared<RequestContainerReducer>();
@@ -32,6 +34,7 @@ std::shared_ptr<tivra::CombinedReducer> makeReducer() {
 std::shared_ptr<tivra::Middleware> makeMiddleware() {
     std::shared_ptr<tivra::Middleware> chain = std::make_shared<tivra::CombinedMiddleWare>();
     chain = chain + std::make_shared<tivra::AsyncMiddleware>();
+    chain = chain + std::make_shared<RequestControllerMiddleware>();
     chain = chain + std::make_shared<RequestContainerMiddleware>();
     chain = chain + RequestQueueMiddleWare::make({}, RequestQueueState::initial(), RequestUiConfiguration());
     chain = chain + std::make_shared<CreateRequestMiddleware>();

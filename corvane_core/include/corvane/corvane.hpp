@@ -39,6 +39,8 @@ public:
     void setIdentity(std::shared_ptr<Identity> identity);
 
     const AccountDetails& accountDetails() const { return configuration_.accountDetails; }
+    // The account's base URL as text ("https://company.example.com").
+    const std::string& corvaneUrl() const { return configuration_.accountDetails.accountUrl; }
     const StoreModule& storeModule() const { return configuration_.storeModule; }
     ProviderModule& providerModule() const { return *configuration_.providerModule; }
     ActionHandlerRegistry& actionHandlerRegistry() { return actionHandlerRegistry_; }

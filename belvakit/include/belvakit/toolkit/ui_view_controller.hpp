@@ -44,6 +44,8 @@ public:
     std::shared_ptr<CRVToastView> toastView;
     const std::shared_ptr<corvane::CRVReachability>& reachable() const { return reachable_; }
     double toastHeight() const { return toastHeight_; }
+    // For a screen's own toasts: the room they take above the content.
+    void setToastHeight(double height) { toastHeight_ = height; }
     // From the last keyboard notification, and the part of it over this screen.
     double keyboardHeight() const { return keyboardHeight_; }
     double adjustedKeyboardHeight() const { return adjustedKeyboardHeight_; }

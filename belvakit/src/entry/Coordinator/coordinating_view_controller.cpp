@@ -47,11 +47,12 @@ void CoordinatingViewController::viewWillAppear(bool animated) {
 void CoordinatingViewController::adoptNavigationItem(const uikit::ViewController& child) {
     const auto& item = child.navigationItem();
     auto& own = navigationItem();
-    own.title = item.title;
-    own.titleView = item.titleView;
+    // A child that writes onto this bar through its delegate leaves its own item empty.
+    if (!item.title.empty()) own.title = item.title;
+    if (item.titleView) own.titleView = item.titleView;
     if (item.leftBarButtonItem) own.leftBarButtonItem = item.leftBarButtonItem;
     if (item.rightBarButtonItem) own.rightBarButtonItem = item.rightBarButtonItem;
-    own.searchController = item.searchController;
+    if (item.searchController) own.searchController = item.searchController;
     if (auto* navigation = navigationController()) navigation->refreshBar();
 }
 

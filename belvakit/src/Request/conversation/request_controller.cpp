@@ -1,0 +1,669 @@
+#include "belvakit/Request/conversation/request_controller.hpp"
+
+#include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/conversation_recorder.hpp"
+#include "belvakit/Request/conversation/input_field_actions.hpp"
+#include "belvakit/Request/conversation/local_messages.hpp"
+#include "belvakit/Request/queue/comment_mapping.hpp"
+#include "belvakit/Request/queue/request_operations.hpp"
+#include "belvakit/Request/queue/request_queue_actions.hpp"
+#include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "belvakit/attachments/attachment_preview.hpp"
+#include "belvakit/attachments/cache.hpp"
+#include "belvakit/attachments/cache_keys.hpp"
+#include "belvakit/entry/localized_strings.hpp"
+#include "belvakit/entry/shared_store.hpp"
+#include "belvakit/toolkit/theme.hpp"
+#include "corvane/core_logger.hpp"
+#include "corvane/corvane.hpp"
+#include "platform/main_queue.hpp"
+#include "tivra/state_key.hpp"
+#include "uikit/alert_controller.hpp"
+#include "uikit/image_view.hpp"
+#include "uikit/label.hpp"
+
+#include <algorithm>
+
+namespace belvakit {
+
+namespace {
+
+using corvane::CoreLogger;
+using tivra::actionAs;
+
+// The platform's preview of an attachment: the picture, or the file's name and place.
+class AttachmentPreviewController final : public uikit::ViewController {
+public:
+    AttachmentPreviewController(std::string title, platform::ImagePtr image, std::optional<std::string> file)
+        : image_(std::move(image)), file_(std::move(file)) {
+        setTitle(std::move(title));
+    }
+    std::string_view className() const override { return "QLPreviewController"; }
+    const platform::ImagePtr& image() const { return image_; }
+    const std::optional<std::string>& file() const { return file_; }
+
+    void viewDidLoad() override {
+        view()->setBackgroundColor(platform::Color::black());
+        view()->setAccessibilityIdentifier("CRVattachmentPreview");
+        if (image_) {
+            picture_ = uikit::make<uikit::ImageView>(image_);
+            picture_->contentMode = uikit::ContentMode::scaleAspectFit;
+            view()->addSubview(picture_);
+        }
+        caption_ = uikit::make<uikit::Label>();
+        caption_->setText(title());
+        caption_->setTextColor(platform::Color::white());
+        caption_->setTextAlignment(uikit::TextAlignment::center);
+        caption_->setNumberOfLines(0);
+        view()->addSubview(caption_);
+        // A tap anywhere closes the preview.
+        view()->addTapAction([this] { dismissViewController(true); });
+    }
+    void viewWillLayoutSubviews() override {
+        const auto bounds = view()->bounds();
+        if (picture_) picture_->setFrame({0, 60, bounds.width(), std::max(0.0, bounds.height() - 140)});
+        caption_->setFrame({16, bounds.height() - 70, std::max(0.0, bounds.width() - 32), 50});
+    }
+
+private:
+    platform::ImagePtr image_;
+    std::optional<std::string> file_;
+    std::shared_ptr<uikit::ImageView> picture_;
+    std::shared_ptr<uikit::Label> caption_;
+};
+
+bool isImageRow(const Message& message) {
+    return std::holds_alternative<UserImage>(message) || std::holds_alternative<AgentImage>(message);
+}
+
+std::string filenameOf(const Message& message) {
+    return std::visit(
+        [](const auto& record) -> std::string {
+            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
+                return record.filename;
+            else
+                return {};
+        },
+        message);
+}
+
+platform::ImagePtr imageOf(const Message& message) {
+    return std::visit(
+        [](const auto& record) -> platform::ImagePtr {
+            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                return record.image ? record.image : record.thumbnailImage;
+            else
+                return nullptr;
+        },
+        message);
+}
+
+bool downloaded(const Message& message) {
+    return std::visit(
+        [](const auto& record) {
+            if constexpr (FileMessage<std::decay_t<decltype(record)>>)
+                return record.downloaded;
+            else
+                return false;
+        },
+        message);
+}
+
+} // namespace
+
+// RequestDetailRefreshActionHandler
+
+bool RequestDetailRefreshActionHandler::canHandle(const std::string& name) const { return name == actionName(requestId); }
+
+void RequestDetailRefreshActionHandler::handle(const std::map<std::string, std::any>& info) {
+    const auto found = info.find("request_id");
+    if (found == info.end()) return;
+    const auto* id = std::any_cast<std::string>(&found->second);
+    if (!id) return;
+    Actions::FetchRequest fetch;
+    fetch.requestId = *id;
+    sharedStore()->dispatch(fetch);
+}
+
+bool RequestDetailRefreshActionHandler::isEqual(const corvane::ActionHandler& other) const {
+    const auto* same = dynamic_cast<const RequestDetailRefreshActionHandler*>(&other);
+    return same && same->requestId == requestId;
+}
+
+// RequestController
+
+std::shared_ptr<RequestController> RequestController::make(const RequestUiConfiguration& configuration,
+                                                           std::optional<std::string> requestId,
+                                                           std::shared_ptr<ProgressBar> progressBar,
+                                                           std::shared_ptr<CRVToastViewWrapper> toastWrapper,
+                                                           bool attachmentsAllowed, std::int64_t maxFileAttachmentSize,
+                                                           std::shared_ptr<Cache> ticketsCache,
+                                                           std::shared_ptr<tivra::Store> store) {
+    return std::make_shared<RequestController>(Tag{}, configuration, std::move(requestId), std::move(progressBar),
+                                               std::move(toastWrapper), attachmentsAllowed, maxFileAttachmentSize,
+                                               std::move(ticketsCache), std::move(store));
+}
+
+RequestController::RequestController(Tag, const RequestUiConfiguration& configuration,
+                                     std::optional<std::string> requestId, std::shared_ptr<ProgressBar> progressBar,
+                                     std::shared_ptr<CRVToastViewWrapper> toastWrapper, bool attachmentsAllowed,
+                                     std::int64_t maxFileAttachmentSize, std::shared_ptr<Cache> ticketsCache,
+                                     std::shared_ptr<tivra::Store> store)
+    : requestId_(std::move(requestId)), configuration_(std::make_shared<RequestUiConfiguration>(configuration)),
+      attachmentsAllowed_(attachmentsAllowed), maxFileAttachmentSize_(maxFileAttachmentSize),
+      progressBar_(progressBar ? std::move(progressBar) : ProgressBar::make()),
+      toastWrapper_(toastWrapper ? std::move(toastWrapper) : uikit::make<CRVToastViewWrapper>()),
+      store_(store ? std::move(store) : sharedStore()) {
+    configs_ = mirrowset::Configurations({configuration_});
+    ticketsCache_ = ticketsCache ? std::move(ticketsCache) : ConcreteCache::named(ConcreteCache::ticketsDirectory);
+    attachmentsCache_ = ticketsCache_;
+    requestFetcher_ = RequestFetcher(makeRequestProvider(), ticketsCache_);
+    setTitle(localized(LocalizedKey::requestsCreateRequestTitle));
+}
+
+RequestController::~RequestController() { unregisterRefreshHandler(); }
+
+std::shared_ptr<RequestController> RequestController::self() {
+    return std::static_pointer_cast<RequestController>(shared_from_this());
+}
+
+const RequestTableState* RequestController::tableState() const {
+    return store_->state().value<RequestTableState>(tivra::stateKeyOf<RequestTableState>());
+}
+
+void RequestController::viewDidLoad() {
+    CRVUIViewController::viewDidLoad();
+    const auto theme = CRVLegacyTheme::currentAppliedTheme();
+    view()->setBackgroundColor(theme->primaryBackgroundColor);
+    std::weak_ptr<RequestController> weak = self();
+    auto dispatch = [weak](const tivra::Action& action) {
+        if (auto screen = weak.lock()) screen->store_->dispatch(action);
+    };
+
+    auto tableView = uikit::make<uikit::TableView>();
+    tableView->setBackgroundColor(theme->primaryBackgroundColor);
+    auto provider = makeAttachmentsProvider();
+    auto fetcher = std::make_shared<AttachmentFetcher>(FileFetcher{provider, attachmentsCache_},
+                                                       ImageFetcher{provider, attachmentsCache_});
+    requestTable_ = RequestTable::make(tableView, std::move(fetcher));
+    requestTable_->didTapCell = [dispatch](const Message& message) {
+        Actions::CellTapped tapped;
+        tapped.message = message;
+        dispatch(tapped);
+    };
+    requestTable_->didTapOnErrorButton = [weak](const Message& message) {
+        if (auto screen = weak.lock()) screen->showActions(message);
+    };
+    requestTable_->openHCArticleID = [dispatch](std::shared_ptr<corvane::ActionHandler> handler, const platform::URL& url) {
+        dispatch(Actions::OpenHelpCenter(std::move(handler), url));
+    };
+    requestTable_->attachmentFetched = [dispatch](const Message& message) {
+        Actions::AttachmentFetched fetched;
+        fetched.message = message;
+        dispatch(fetched);
+    };
+
+    inputField_ = uikit::make<InputField>();
+    inputField_->sendButtonTapped = [weak](const std::string& text, const std::vector<InputAttachmentViewStatePtr>& attachments) {
+        if (auto screen = weak.lock()) screen->sendButtonTapped(text, attachments);
+    };
+    inputField_->textChanged = [weak, dispatch](const std::string& text) {
+        Actions::PlaceHolderTextViewTextChanged changed;
+        changed.text = text;
+        dispatch(changed);
+        // The field grows with its text.
+        if (auto screen = weak.lock()) screen->view()->setNeedsLayout();
+    };
+    inputField_->editingBegan = [dispatch](const std::string& text) {
+        Actions::PlaceHolderTextViewEditingBegan began;
+        began.text = text;
+        dispatch(began);
+    };
+    inputField_->editingEnded = [dispatch](const std::string& text) {
+        Actions::PlaceHolderTextViewEditingEnded ended;
+        ended.text = text;
+        dispatch(ended);
+    };
+    inputField_->attachButtonTapped = [weak, dispatch] {
+        auto screen = weak.lock();
+        if (!screen) return;
+        Actions::AttachmentButtonStateChanged changed;
+        changed.isSelected = screen->inputField_->state().attachmentState != AttachmentButtonState::selected;
+        dispatch(changed);
+    };
+    inputField_->attachmentRemoveTapped = [dispatch](int index, const std::string& identifier) {
+        Actions::AttachmentRemoved removed;
+        removed.index = index;
+        removed.identifier = identifier;
+        dispatch(removed);
+    };
+
+    contentView()->addSubview(tableView);
+    contentView()->addSubview(inputField_);
+    if (!progressBar_->superview()) progressBar_->setContainerView(view());
+    backgroundNotificationObserver_ = platform::NotificationCenter::defaultCenter().addObserver(
+        applicationWillEnterForegroundNotification, nullptr, [weak](const platform::Notification&) {
+            if (auto screen = weak.lock()) screen->refresh();
+        });
+    start();
+}
+
+void RequestController::start() {
+    if (started_) return;
+    started_ = true;
+    auto& store = *store_;
+    // The container's settings reached the slices before this screen reset them.
+    const auto* before = tableState();
+    const auto systemMessage = before ? before->systemMessage : std::nullopt;
+    store.dispatch(Actions::InitializeRequestControllerState{});
+    if (const auto* table = tableState()) {
+        RequestTableState settled = *table;
+        settled.maxAttachmentSize = maxFileAttachmentSize_;
+        settled.systemMessage = systemMessage;
+        store.reset(std::move(settled));
+    }
+    InputFieldState input = initialInputFieldState();
+    if (!attachmentsAllowed_) input.attachmentState = AttachmentButtonState::hidden;
+    store.reset(input);
+    store.dispatch(RequestQueueActions::ResetQueue{});
+    RequestQueueActions::SetConfig config;
+    config.config = *configuration_;
+    store.dispatch(config);
+
+    subscribe();
+    inputField_->render(input);
+
+    if (!configuration_->fileAttachments.empty()) {
+        if (!attachmentsAllowed_) {
+            CoreLogger::error("File attachments are disabled at account level, unabled to pre-attach files to request");
+        } else {
+            Actions::InitialFileAttachmentsAdded initial;
+            initial.fileAttachments = configuration_->fileAttachments;
+            initial.maxFileAttachmentSize = maxFileAttachmentSize_;
+            store.dispatch(initial);
+        }
+    }
+    openConversation();
+}
+
+void RequestController::subscribe() {
+    std::weak_ptr<RequestController> weak = self();
+    auto& store = *store_;
+    store.addListener<RequestTableState>(std::nullopt, tivra::EqualsFilter, [weak](const RequestTableState&) {
+             if (auto screen = weak.lock()) screen->stateChanged();
+         }).linkLifeCycleTo(lifetime_);
+    store.addListener<InputFieldState>(std::nullopt, tivra::EqualsFilter, [weak](const InputFieldState& state) {
+             if (auto screen = weak.lock()) {
+                 screen->inputField_->render(state);
+                 screen->view()->setNeedsLayout();
+             }
+         }).linkLifeCycleTo(lifetime_);
+    store.addActionListener([weak](const tivra::Action& action) {
+             if (auto screen = weak.lock()) screen->actionSeen(action);
+         }).linkLifeCycleTo(lifetime_);
+}
+
+void RequestController::openConversation() {
+    if (!requestId_) return;
+    const std::string id = *requestId_;
+    const auto mapped = idStore_.remoteToLocal.find(id);
+    const std::string key = mapped != idStore_.remoteToLocal.end() ? mapped->second : id;
+    const bool mappedTo = std::any_of(idStore_.remoteToLocal.begin(), idStore_.remoteToLocal.end(),
+                                      [&](const auto& entry) { return entry.second == id; });
+    const bool localOnly = mapped == idStore_.remoteToLocal.end() && !mappedTo &&
+                           std::find(idStore_.localIdList.begin(), idStore_.localIdList.end(), id) != idStore_.localIdList.end();
+    if (!localOnly) {
+        RequestQueueActions::SetRequestId known;
+        known.id = id;
+        store_->dispatch(known);
+    }
+    progressBar_->stateMachine()->begin(sharedProgressSteps());
+    std::weak_ptr<RequestController> weak = self();
+    requestFetcher_.loadFromDisk(key, [weak, id, key, localOnly](std::vector<Message> messages,
+                                                                 std::map<std::string, std::string> map,
+                                                                 std::optional<std::string>, bool closed) {
+        auto screen = weak.lock();
+        if (!screen) return;
+        Actions::MessagesLoadedFromDisk loaded;
+        loaded.messages = std::move(messages);
+        loaded.mapLocalToRemote = std::move(map);
+        loaded.localId = key;
+        const auto* table = screen->tableState();
+        screen->skipNextPersist_ = table && table->tableData.empty();
+        screen->store_->dispatch(loaded);
+        screen->skipNextPersist_ = false;
+        if (closed) screen->store_->dispatch(Actions::TicketClosed{});
+        if (localOnly) {
+            Actions::LoadedFailedRequest failed;
+            failed.requestId = id;
+            screen->store_->dispatch(failed);
+            screen->progressBar_->stateMachine()->queueCompleted();
+            return;
+        }
+        screen->fetchComments(id);
+    });
+}
+
+void RequestController::fetchComments(const std::string& requestId) {
+    std::weak_ptr<RequestController> weak = self();
+    requestFetcher_.fetchComments(requestId, [weak, requestId](std::optional<std::vector<Request::Comment>> comments) {
+        // Providers answer on any thread; the screen works on the main one.
+        platform::MainQueue::shared().async([weak, requestId, comments = std::move(comments)] {
+            auto screen = weak.lock();
+            if (!screen) return;
+            if (!comments) {
+                screen->store_->dispatch(Actions::InitalFetchCommentsError{});
+            } else {
+                Actions::MessagesLoadedFromNetwork loaded;
+                loaded.requestId = requestId;
+                for (const auto& comment : *comments)
+                    for (auto& message : messagesFromComment(comment)) loaded.messages.push_back(std::move(message));
+                screen->store_->dispatch(loaded);
+            }
+            screen->progressBar_->stateMachine()->queueCompleted();
+        });
+    });
+}
+
+void RequestController::stateChanged() {
+    const tivra::State state = store_->state();
+    const auto* table = state.value<RequestTableState>(tivra::stateKeyOf<RequestTableState>());
+    if (!table) return;
+    if (requestTable_) requestTable_->update(state);
+    const auto store = store_;
+    recordConversation(*table, idStore_, failedRemoteIdStore_, skipNextPersist_ ? nullptr : ticketsCache_,
+                       [store](const tivra::Action& action) { store->dispatch(action); });
+    skipNextPersist_ = false;
+
+    if (const auto* input = state.value<InputFieldState>(tivra::stateKeyOf<InputFieldState>())) {
+        const auto& texts = input->inputTextAndImageViewState.textViewState;
+        const auto isAgent = [](const Message& message) { return !status(message).has_value(); };
+        if (!texts.hasAgentMessages && std::any_of(table->tableData.begin(), table->tableData.end(), isAgent))
+            store_->dispatch(Actions::AgentMessagesPosted{});
+        else if (!texts.hasMessages && !table->tableData.empty())
+            store_->dispatch(Actions::MessagesPosted{});
+    }
+    // A new ticket got its id: news of it can now be asked for.
+    if (!requestId_ && table->remoteId) {
+        requestId_ = table->remoteId;
+        if (isVisible()) registerRefreshHandler();
+    }
+}
+
+void RequestController::actionSeen(const tivra::Action& action) {
+    if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
+        progressBar_->stateMachine()->queueCompleted();
+    } else if (actionAs<Actions::AttachmentTooBig>(action)) {
+        toastWrapper_->showErrorInViewController(self(), localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig));
+    } else if (actionAs<Actions::InitalFetchCommentsError>(action)) {
+        std::weak_ptr<RequestController> weak = self();
+        toastWrapper_->showErrorInViewController(self(), localized(LocalizedKey::requestsCommentListError),
+                                                 localized(LocalizedKey::helpCenterToastRetryButton), [weak] {
+                                                     auto screen = weak.lock();
+                                                     if (!screen || !screen->requestId_) return;
+                                                     screen->progressBar_->stateMachine()->begin(sharedProgressSteps());
+                                                     screen->fetchComments(*screen->requestId_);
+                                                 });
+    } else if (const auto* tapped = actionAs<Actions::CellTapped>(action)) {
+        openAttachment(tapped->message);
+    } else if (const auto* open = actionAs<Actions::OpenHelpCenter>(action)) {
+        if (open->actionHandler)
+            open->actionHandler->handle({{"url", open->url},
+                                         {"controller", std::static_pointer_cast<uikit::ViewController>(self())},
+                                         {"configs", configs_.list()}});
+    } else if (const auto* fetch = actionAs<Actions::FetchRequest>(action)) {
+        const auto* table = tableState();
+        if ((requestId_ && fetch->requestId == *requestId_) || (table && table->remoteId == fetch->requestId)) refresh();
+    }
+}
+
+void RequestController::refresh() {
+    const auto* table = tableState();
+    if (!table || !table->remoteId) return;
+    RequestQueueActions::DispatchOperations operations;
+    operations.operations.push_back(std::make_shared<FetchNewCommentsOperation>());
+    store_->dispatch(operations);
+}
+
+void RequestController::sendButtonTapped(const std::string& text,
+                                         const std::vector<InputAttachmentViewStatePtr>& attachments) {
+    progressBar_->stateMachine()->begin(sharedProgressSteps());
+    const UserMessage message = makeUserMessage(text);
+    const auto messages = makeLocalMessages(message, attachments);
+
+    RequestQueueActions::DispatchDetails details;
+    details.id = message.id;
+    details.body = text;
+    for (const auto& attachment : attachments) {
+        const auto* attachable = dynamic_cast<const Attachable*>(attachment.get());
+        auto upload = attachable ? attachable->attachment() : std::nullopt;
+        if (!upload) continue;
+        // Kept for a retry and for the preview.
+        if (attachmentsCache_)
+            for (const auto& row : messages)
+                if (id(row) == upload->id) attachmentsCache_->storeIfAbsent(fileCacheKey(id(row), filenameOf(row)), upload->data);
+        details.attachments.push_back(std::move(*upload));
+    }
+
+    Actions::NewMessages added;
+    added.messages = messages;
+    store_->dispatch(added);
+    store_->dispatch(Actions::SendButtonTapped{});
+    store_->dispatch(details);
+}
+
+std::vector<Message> RequestController::messagesOfSend(const Message& message) const {
+    const auto* table = tableState();
+    const std::string* parent = parentIdOf(message);
+    const std::string text = parent ? *parent : id(message);
+    std::vector<Message> send;
+    if (table)
+        for (const auto& row : table->tableData) {
+            const std::string* rowParent = parentIdOf(row);
+            if (id(row) == text || (rowParent && *rowParent == text)) send.push_back(row);
+        }
+    const bool hasTapped = std::any_of(send.begin(), send.end(), [&](const Message& row) { return id(row) == id(message); });
+    if (!hasTapped) send.insert(send.begin(), message);
+    return send;
+}
+
+void RequestController::showActions(const Message& failed) {
+    const auto messages = messagesOfSend(failed);
+    std::weak_ptr<RequestController> weak = self();
+    auto sheet = uikit::AlertController::alertController("", "", uikit::AlertControllerStyle::actionSheet);
+    sheet->addAction({localized(LocalizedKey::requestsCreateRequestFailedDelete), uikit::AlertActionStyle::destructive,
+                      [weak, messages](const uikit::AlertAction&) {
+                          if (auto screen = weak.lock()) screen->deleteMessages(messages);
+                      }});
+    sheet->addAction({localized(LocalizedKey::requestsCreateRequestFailedRetry), uikit::AlertActionStyle::defaultStyle,
+                      [weak, messages](const uikit::AlertAction&) {
+                          if (auto screen = weak.lock()) screen->retry(messages);
+                      }});
+    sheet->addAction({localized(LocalizedKey::requestsLeftBarButtonTitleCancel), uikit::AlertActionStyle::cancel, {}});
+    presentViewController(sheet, true);
+}
+
+void RequestController::deleteMessages(const std::vector<Message>& messages) {
+    const auto* table = tableState();
+    if (!table) return;
+    const bool whole = messages.size() == table->tableData.size();
+    const auto localId = table->localId;
+    Actions::DeleteMessages removed;
+    removed.messages = messages;
+    removed.isDeletingWholeTicket = whole;
+    store_->dispatch(removed);
+    if (whole && localId && idStore_.removeLocalId(*localId)) {
+        platform::MainQueue::shared().async([store = store_, ticket = *localId] {
+            Actions::DeleteRequestFromList gone;
+            gone.ticketId = ticket;
+            store->dispatch(gone);
+        });
+    }
+}
+
+void RequestController::retry(const std::vector<Message>& messages) {
+    Actions::MoveMessagesToBottom moved;
+    moved.messages = messages;
+    store_->dispatch(moved);
+    progressBar_->stateMachine()->begin(sharedProgressSteps());
+
+    RequestQueueActions::DispatchDetails details;
+    std::vector<Message> files;
+    for (const auto& message : messages) {
+        if (const auto* text = std::get_if<UserMessage>(&message)) {
+            details.id = text->id;
+            details.body = text->body;
+        } else if (hasAttachment(message)) {
+            if (details.id.empty())
+                if (const auto* parent = parentIdOf(message)) details.id = *parent;
+            files.push_back(message);
+        }
+    }
+    if (details.id.empty()) return;
+    // The bytes were kept when the message was first sent; a picture in memory does as well.
+    auto send = [store = store_, details, files](const std::vector<std::optional<std::string>>& kept) mutable {
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            const Message& file = files[i];
+            const auto type = std::visit(
+                [](const auto& record) {
+                    if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
+                        return record.fileType;
+                    else
+                        return FileType::unknown;
+                },
+                file);
+            std::optional<std::string> data = i < kept.size() ? kept[i] : std::nullopt;
+            if (!data)
+                if (const auto image = imageOf(file)) {
+                    InputImageViewModel model(image, id(file), std::nullopt, std::nullopt, type, filenameOf(file));
+                    if (auto encoded = model.attachment()) data = std::move(encoded->data);
+                }
+            if (!data) continue;
+            details.attachments.push_back({std::move(*data), id(file), type, filenameOf(file)});
+        }
+        store->dispatch(details);
+    };
+    if (!attachmentsCache_ || files.empty()) return send({});
+    std::vector<std::string> keys;
+    for (const auto& file : files) keys.push_back(fileCacheKey(id(file), filenameOf(file)));
+    attachmentsCache_->run([cache = attachmentsCache_, keys, send]() mutable {
+        auto kept = cache->readEntries(keys);
+        platform::MainQueue::shared().async([send, kept = std::move(kept)]() mutable { send(kept); });
+    });
+}
+
+void RequestController::openAttachment(const Message& message) {
+    if (!hasAttachment(message)) return;
+    const std::string filename = filenameOf(message);
+    std::weak_ptr<RequestController> weak = self();
+    if (isImageRow(message)) {
+        if (const auto full = std::visit(
+                [](const auto& record) -> platform::ImagePtr {
+                    if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                        return record.image;
+                    else
+                        return nullptr;
+                },
+                message)) {
+            presentPreview(filename, full, std::nullopt);
+            return;
+        }
+        if (!requestTable_ || !requestTable_->attachmentFetcher()) return;
+        requestTable_->attachmentFetcher()->imageFetcher().fetch(message, false, [weak, filename](Message filled) {
+            platform::MainQueue::shared().async([weak, filename, filled = std::move(filled)] {
+                auto screen = weak.lock();
+                if (!screen) return;
+                const auto image = std::visit(
+                    [](const auto& record) -> platform::ImagePtr {
+                        if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                            return record.image;
+                        else
+                            return nullptr;
+                    },
+                    filled);
+                if (!image) {
+                    CoreLogger::error("Unable to show attachment: no image for " + filename);
+                    return;
+                }
+                Actions::AttachmentFetched fetched;
+                fetched.message = filled;
+                screen->store_->dispatch(fetched);
+                screen->presentPreview(filename, image, std::nullopt);
+            });
+        });
+        return;
+    }
+    auto present = [weak, filename](const Message& file) {
+        auto screen = weak.lock();
+        if (!screen) return;
+        if (!screen->attachmentsCache_) {
+            CoreLogger::error("Unable to show attachment: no cache for " + filename);
+            return;
+        }
+        AttachmentDetailPresenter presenter(file, *screen->attachmentsCache_);
+        if (!presenter.canPresent()) {
+            CoreLogger::error("Unable to show attachment: " + filename);
+            return;
+        }
+        screen->presentPreview(filename, nullptr, presenter.previewItem().previewItemURL->string());
+    };
+    if (downloaded(message)) return present(message);
+    if (!requestTable_ || !requestTable_->attachmentFetcher()) return;
+    requestTable_->attachmentFetcher()->fileFetcher().fetch(message, [weak, present](Message file) {
+        platform::MainQueue::shared().async([weak, present, file = std::move(file)] {
+            auto screen = weak.lock();
+            if (!screen) return;
+            Actions::AttachmentFetched fetched;
+            fetched.message = file;
+            screen->store_->dispatch(fetched);
+            present(file);
+        });
+    });
+}
+
+void RequestController::presentPreview(const std::string& title, platform::ImagePtr image,
+                                       std::optional<std::string> file) {
+    presentViewController(std::make_shared<AttachmentPreviewController>(title, std::move(image), std::move(file)), true);
+}
+
+void RequestController::registerRefreshHandler() {
+    if (!requestId_) return;
+    const auto core = corvane::Corvane::instance();
+    if (!core) return;
+    if (!requestRefreshHandler_ || requestRefreshHandler_->requestId != *requestId_)
+        requestRefreshHandler_ = std::make_shared<RequestDetailRefreshActionHandler>(*requestId_);
+    core->actionHandlerRegistry().add(requestRefreshHandler_);
+}
+
+void RequestController::unregisterRefreshHandler() {
+    if (!requestRefreshHandler_) return;
+    if (const auto core = corvane::Corvane::instance()) core->actionHandlerRegistry().remove(*requestRefreshHandler_);
+}
+
+void RequestController::viewWillAppear(bool animated) {
+    CRVUIViewController::viewWillAppear(animated);
+    registerForKeyboardNotifications();
+    registerRefreshHandler();
+}
+
+void RequestController::viewDidAppear(bool animated) {
+    CRVUIViewController::viewDidAppear(animated);
+    if (viewDidAppearBlock) std::exchange(viewDidAppearBlock, nullptr)();
+}
+
+void RequestController::viewWillDisappear(bool animated) {
+    CRVUIViewController::viewWillDisappear(animated);
+    unregisterRefreshHandler();
+}
+
+void RequestController::viewDidLayoutSubviews() {
+    CRVUIViewController::viewDidLayoutSubviews();
+    const auto bounds = contentView()->bounds();
+    const double inputHeight = std::min(bounds.height(), inputField_->sizeThatFits({bounds.width(), 0}).height);
+    requestTable_->tableView()->setFrame({0, 0, bounds.width(), bounds.height() - inputHeight});
+    inputField_->setFrame({0, bounds.height() - inputHeight, bounds.width(), inputHeight});
+    if (progressBar_->superview() == view().get())
+        progressBar_->setFrame({0, topViewOffset(), view()->bounds().width(), ProgressBar::defaultHeight});
+}
+
+} // namespace belvakit

@@ -1,0 +1,347 @@
+#include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/input_field_actions.hpp"
+#include "belvakit/Request/conversation/request_controller.hpp"
+#include "belvakit/Request/queue/request_queue_actions.hpp"
+#include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "belvakit/attachments/cache_keys.hpp"
+#include "belvakit/entry/localized_strings.hpp"
+#include "belvakit/entry/shared_store.hpp"
+#include "host_fixture.hpp"
+#include "platform/clock.hpp"
+#include "tivra/state_key.hpp"
+#include "uikit/alert_controller.hpp"
+#include "uikit/navigation_controller.hpp"
+#include "uikit/probe.hpp"
+#include "uikit/window.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace belvakit;
+using queue_testing::settle;
+
+namespace {
+
+// The wall clock moves with virtual time, so the help desk's dates follow the test's timeline.
+class VirtualWallClock final : public platform::WallClock {
+public:
+    explicit VirtualWallClock(platform::ManualScheduler& scheduler) : scheduler_(scheduler) {}
+    double now() const override {
+        return 1700000000.0 + std::chrono::duration<double>(scheduler_.now().time_since_epoch()).count();
+    }
+
+private:
+    platform::ManualScheduler& scheduler_;
+};
+
+std::shared_ptr<InputImageViewModel> photo() {
+    auto image = std::const_pointer_cast<platform::Image>(platform::makeImage(8, 6));
+    for (std::size_t i = 0; i < image->rgba.size(); i += 4) {
+        image->rgba[i] = 200;
+        image->rgba[i + 3] = 255;
+    }
+    return std::make_shared<InputImageViewModel>(image, "photo-1", std::nullopt, std::nullopt, FileType::png, "photo.png");
+}
+
+class ConversationScreenTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        previousClock_ = platform::setWallClock(std::make_shared<VirtualWallClock>(time.scheduler()));
+        host = std::make_unique<queue_testing::Host>(directory.path());
+        store->dispatch(RequestQueueActions::ResetQueue{});
+        window->makeKeyAndVisible();
+        listening_ = store->addActionListener([this](const tivra::Action& action) {
+            if (tivra::actionAs<Actions::RequestCreationOrUpdateError>(action)) ++listErrors;
+            if (const auto* gone = tivra::actionAs<Actions::DeleteRequestFromList>(action)) deletedFromList.push_back(gone->ticketId);
+        });
+    }
+
+    void TearDown() override {
+        listening_.removeListener();
+        window->setRootViewController(nullptr);
+        screen.reset();
+        navigation.reset();
+        queue_testing::pass(time, platform::seconds(5));
+        store->dispatch(RequestQueueActions::ResetQueue{});
+        store->dispatch(Actions::InitializeRequestControllerState{});
+        host.reset();
+        platform::setWallClock(previousClock_);
+    }
+
+    void open(std::optional<std::string> requestId, std::int64_t maxSize = 1 << 20) {
+        screen = RequestController::make(RequestUiConfiguration{}, std::move(requestId), nullptr, nullptr, true, maxSize);
+        navigation = std::make_shared<uikit::NavigationController>(screen);
+        window->setRootViewController(navigation);
+        navigation->view()->setNeedsLayout();
+        window->layoutTree();
+    }
+
+    uikit::View& root() { return *window; }
+    uikit::TableView& table() { return *screen->requestTable()->tableView(); }
+    const RequestTableState& state() const { return *store->state().valueOfType<RequestTableState>(); }
+
+    // The first view on show with the identifier: cells keep hidden parts that share one.
+    template <class T = uikit::View>
+    T* find(std::string_view identifier) {
+        window->layoutTree();
+        const auto found = uikit::findAll(root(), [&](const uikit::View& view) {
+            return view.accessibilityIdentifier() == identifier && uikit::isShown(view) && dynamic_cast<const T*>(&view);
+        });
+        return found.empty() ? nullptr : dynamic_cast<T*>(found.front());
+    }
+
+    // The connectivity toast may show beside the screen's own.
+    bool toastShows(const std::string& text) {
+        window->layoutTree();
+        return !uikit::findAll(root(), [&](const uikit::View& view) {
+                    const auto* label = dynamic_cast<const uikit::Label*>(&view);
+                    return label && label->accessibilityIdentifier() == "CRVtoastRetryMessage" && label->text() == text &&
+                           uikit::isShown(view);
+                }).empty();
+    }
+
+    void typeAndSend(const std::string& text) {
+        auto* field = find<uikit::TextInput>("CRVmessageBodyField");
+        ASSERT_TRUE(field);
+        uikit::typeText(*field, text);
+        auto* send = find("CRVsendButton");
+        ASSERT_TRUE(send);
+        ASSERT_TRUE(uikit::tap(*send));
+    }
+
+    std::optional<DeliveryStatus> statusOf(const std::string& body) const {
+        for (const auto& message : state().tableData)
+            if (const auto* text = std::get_if<UserMessage>(&message); text && text->body == body) return text->status;
+        return std::nullopt;
+    }
+
+    bool settled(const std::function<bool()>& done) { return settle(time, done); }
+
+    // A ticket on the help desk with a long history, written before the screen opens.
+    std::string ticketWithHistory(int agentComments) {
+        auto& desk = host->tickets();
+        agent = desk.addAgent("Grace").userId;
+        desk.createRequest({std::nullopt, "My printer prints blank pages", {}, {}, std::nullopt, {}},
+                           [](auto, auto) {});
+        settled([&] { return !desk.requests().empty(); });
+        const auto id = desk.requests().front().requestId;
+        for (int i = 0; i < agentComments; ++i) {
+            time.advance(platform::seconds(60));
+            desk.addAgentComment(id, agent, "Step " + std::to_string(i) + ": please try turning it off and on again.");
+        }
+        return id;
+    }
+
+    testing_support::VirtualTime time;
+    testing_support::TemporaryDirectory directory;
+    std::unique_ptr<queue_testing::Host> host;
+    std::shared_ptr<tivra::Store> store = sharedStore();
+    std::shared_ptr<uikit::Window> window = std::make_shared<uikit::Window>();
+    std::shared_ptr<RequestController> screen;
+    std::shared_ptr<uikit::NavigationController> navigation;
+    std::int64_t agent = 0;
+    int listErrors = 0;
+    std::vector<std::string> deletedFromList;
+
+private:
+    std::shared_ptr<platform::WallClock> previousClock_;
+    tivra::ActionSubscription listening_;
+};
+
+TEST_F(ConversationScreenTest, AMessageWithAPhotoOnANewTicketIsDeliveredAndKeptOnTheDevice) {
+    open(std::nullopt);
+    auto* prompt = find<uikit::Label>("writeAMessage");
+    ASSERT_TRUE(prompt && uikit::isShown(*prompt));
+    EXPECT_EQ(prompt->text(), localized(LocalizedKey::requestsCreateRequestInputNew));
+    EXPECT_FALSE(find<uikit::Button>("CRVsendButton")->isEnabled());
+
+    Actions::AttachmentAdded added;
+    added.viewModel = photo();
+    store->dispatch(added);
+    ASSERT_TRUE(find("CRVinputAttachment0"));
+    typeAndSend("My printer prints blank pages");
+
+    // At once: the rows are there, on their way, and the field is empty again.
+    ASSERT_EQ(state().tableData.size(), 2u);
+    EXPECT_EQ(find<uikit::TextInput>("CRVmessageBodyField")->text(), "");
+    EXPECT_FALSE(find("CRVinputAttachment0"));
+    EXPECT_TRUE(find("CRVsendingStatusView"));
+    EXPECT_TRUE(find("CRVimageAttachment"));
+    EXPECT_NE(screen->progressBar()->stateMachine()->state(), ProgressState::idle);
+
+    ASSERT_TRUE(settled([&] { return statusOf("My printer prints blank pages") == DeliveryStatus::delivered; }));
+    ASSERT_TRUE(settled([&] { return screen->progressBar()->stateMachine()->state() == ProgressState::idle; }));
+    auto* delivered = find("deliveredLabel");
+    ASSERT_TRUE(delivered && uikit::isShown(*delivered));
+    EXPECT_EQ(find<uikit::Label>("writeAMessage")->text(), localized(LocalizedKey::requestsCreateRequestInputReply));
+
+    const auto requests = host->tickets().requests();
+    ASSERT_EQ(requests.size(), 1u);
+    const auto comments = host->tickets().comments(requests[0].requestId);
+    ASSERT_EQ(comments.size(), 1u);
+    EXPECT_EQ(comments[0].body, "My printer prints blank pages");
+    EXPECT_EQ(comments[0].attachments.size(), 1u);
+
+    // The conversation is on disk under its local id, and the id stores know its ticket.
+    const auto localId = state().localId.value();
+    EXPECT_EQ(screen->idStore().remoteToLocal.at(requests[0].requestId), localId);
+    ASSERT_TRUE(settled([&] { return screen->ticketsCache()->fileURL(localId).has_value(); }));
+    std::optional<MessageList> saved;
+    settled([&] {
+        saved = decodeMessageList(screen->ticketsCache()->read(localId).value_or(""));
+        return saved && saved->messages.size() == 2;
+    });
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->remoteRequestId, requests[0].requestId);
+
+    // The photo opens in the preview, from what the device kept of it.
+    auto* image = find("CRVimageAttachment");
+    ASSERT_TRUE(image && uikit::tap(*image));
+    ASSERT_TRUE(screen->presentedViewController());
+    EXPECT_EQ(screen->presentedViewController()->className(), "QLPreviewController");
+    EXPECT_TRUE(screen->ticketsCache()->fileURL(fileCacheKey("photo-1", "photo.png")));
+}
+
+TEST_F(ConversationScreenTest, AnAgentsAnswerArrivesAsABatchInsertWhileTheUserReadsTheMiddle) {
+    const auto id = ticketWithHistory(30);
+    host->tickets().setAutoReply(agent, [](const dastrel::CRVRequest&, const dastrel::CRVComment& comment)
+                                            -> std::optional<sandbox::TicketDesk::Reply> {
+        if (comment.body != "Still blank") return std::nullopt;
+        return sandbox::TicketDesk::Reply{"Sorry to hear. Is the <b>cartridge</b> new?",
+                                          std::string("<p>Sorry to hear. Is the <b>cartridge</b> new?</p>"),
+                                          platform::seconds(30)};
+    });
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 31; }));
+    window->layoutTree();
+    ASSERT_GT(table().contentSize().height, table().frame().height() * 2) << "the history must scroll";
+
+    typeAndSend("Still blank");
+    ASSERT_TRUE(settled([&] { return statusOf("Still blank") == DeliveryStatus::lastDelivered; }));
+    ASSERT_TRUE(settled([&] { return screen->progressBar()->stateMachine()->state() == ProgressState::idle; }));
+
+    // The user scrolls back to read an earlier step, and the agent answers meanwhile.
+    table().setContentOffset({0, table().contentSize().height / 3});
+    window->layoutTree();
+    const auto offset = table().contentOffset();
+    queue_testing::pass(time, platform::seconds(31));
+    ASSERT_EQ(host->tickets().comments(id).size(), 33u);
+
+    // The help desk's push reaches the screen through its refresh action.
+    auto handler = corvane::Corvane::instance()->actionHandlerRegistry().handler(
+        RequestDetailRefreshActionHandler::actionName(id));
+    ASSERT_TRUE(handler);
+    table().clearAppliedUpdates();
+    handler->handle({{"request_id", id}});
+    ASSERT_TRUE(settled([&] { return state().tableData.size() == 33; }));
+    window->layoutTree();
+
+    const auto& updates = table().appliedUpdates();
+    ASSERT_FALSE(updates.empty());
+    for (const auto& update : updates) EXPECT_NE(update.kind, uikit::TableUpdate::Kind::reloadData);
+    EXPECT_TRUE(std::any_of(updates.begin(), updates.end(), [&](const uikit::TableUpdate& update) {
+        return update.kind == uikit::TableUpdate::Kind::insertRows &&
+               update.indexPaths.back().row == table().numberOfRowsInSection(0) - 1;
+    }));
+    EXPECT_EQ(table().contentOffset(), offset);
+    const auto* answer = std::get_if<AgentMessage>(&state().tableData.back());
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->htmlBody, "<p>Sorry to hear. Is the <b>cartridge</b> new?</p>");
+
+    // Gone from view, the screen takes no more pushes.
+    navigation->setViewControllers({std::make_shared<uikit::ViewController>()}, false);
+    EXPECT_FALSE(corvane::Corvane::instance()->actionHandlerRegistry().handler(RequestDetailRefreshActionHandler::actionName(id)));
+}
+
+TEST_F(ConversationScreenTest, ASendWhileOfflineFailsOffersRetryAndSucceedsOnceOnline) {
+    const auto id = ticketWithHistory(2);
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+
+    host->tickets().setOffline(true);
+    typeAndSend("Hello?");
+    ASSERT_TRUE(settled([&] { return statusOf("Hello?") == DeliveryStatus::failed; }));
+    auto* error = find("CRVerrorStatusView");
+    ASSERT_TRUE(error && uikit::isShown(*error));
+    EXPECT_EQ(dynamic_cast<uikit::Label*>(error)->text(), localized(LocalizedKey::requestsCreateRequestCellError));
+    auto* retry = find("CRVretryButton");
+    ASSERT_TRUE(retry && uikit::isShown(*retry));
+
+    host->tickets().setOffline(false);
+    ASSERT_TRUE(uikit::tap(*retry));
+    auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+    ASSERT_TRUE(sheet);
+    std::vector<std::string> titles;
+    for (const auto& action : sheet->actions()) titles.push_back(action.title);
+    EXPECT_EQ(titles, (std::vector<std::string>{localized(LocalizedKey::requestsCreateRequestFailedDelete),
+                                                localized(LocalizedKey::requestsCreateRequestFailedRetry),
+                                                localized(LocalizedKey::requestsLeftBarButtonTitleCancel)}));
+    auto* again = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedRetry));
+    ASSERT_TRUE(again && uikit::tap(*again));
+    ASSERT_TRUE(settled([&] { return statusOf("Hello?") == DeliveryStatus::lastDelivered; }));
+    EXPECT_FALSE(find("CRVerrorStatusView"));
+    EXPECT_EQ(host->tickets().comments(id).back().body, "Hello?");
+    EXPECT_EQ(std::get<UserMessage>(state().tableData.back()).body, "Hello?") << "the retried row goes to the bottom";
+}
+
+TEST_F(ConversationScreenTest, ALocalTicketThatFailsIsListedOnceAndCanBeDeletedWhole) {
+    open(std::nullopt);
+    host->tickets().setOffline(true);
+    typeAndSend("First try");
+    typeAndSend("Second try");  // waits behind the ticket's creation
+    ASSERT_TRUE(settled([&] {
+        return statusOf("First try") == DeliveryStatus::failed && statusOf("Second try") == DeliveryStatus::failed;
+    }));
+    EXPECT_EQ(listErrors, 1) << "one list row per local ticket";
+
+    // Deleting every message of the ticket takes it off the list.
+    const auto localId = state().localId.value();
+    for (int round = 0; round < 2; ++round) {
+        auto* retry = find("CRVretryButton");
+        ASSERT_TRUE(retry && uikit::tap(*retry));
+        auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+        ASSERT_TRUE(sheet);
+        auto* remove = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedDelete));
+        ASSERT_TRUE(remove && uikit::tap(*remove));
+        queue_testing::pass(time, platform::seconds(1));
+    }
+    EXPECT_TRUE(state().tableData.empty());
+    EXPECT_EQ(deletedFromList, std::vector<std::string>{localId});
+}
+
+TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
+    open(std::nullopt, 1000);
+    Actions::AttachmentAdded added;
+    added.viewModel = std::make_shared<InputFileViewModel>("manual", 5000, nullptr, std::string(5000, 'm'), "big",
+                                                           FileType::pdf, "pdf");
+    store->dispatch(added);
+    queue_testing::pass(time, platform::milliseconds(500));
+    EXPECT_FALSE(find("CRVinputAttachment0"));
+    EXPECT_TRUE(toastShows(localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig)));
+}
+
+TEST_F(ConversationScreenTest, AnOpenTicketComesFromTheDiskFirstAndAFailedFetchOffersRetry) {
+    const auto id = ticketWithHistory(3);
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 4; }));
+    const auto localId = state().localId.value();
+    window->setRootViewController(nullptr);
+    screen.reset();
+    navigation.reset();
+
+    // Again, offline: the conversation shows from the disk, and the failed fetch offers a retry.
+    host->tickets().setOffline(true);
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().tableData.size() == 4; }));
+    EXPECT_EQ(state().localId, localId);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    queue_testing::pass(time, platform::milliseconds(500));
+    EXPECT_TRUE(toastShows(localized(LocalizedKey::requestsCommentListError)));
+
+    host->tickets().setOffline(false);
+    host->tickets().addAgentComment(id, agent, "Any luck?");
+    auto* retry = find("CRVtoastRetryButton");
+    ASSERT_TRUE(retry && uikit::tap(*retry));
+    ASSERT_TRUE(settled([&] { return state().tableData.size() == 5; }));
+}
+
+} // namespace
