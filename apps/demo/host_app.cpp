@@ -1,9 +1,9 @@
 #include "host_app.hpp"
 
 #include "chat_screen.hpp"
-#include "help_center_entry.hpp"
 
 #include "belvakit/entry/request_ui.hpp"
+#include "belvakit/helpcenter/help_center_ui.hpp"
 #include "belvakit/toolkit/theme.hpp"
 #include "uikit/label.hpp"
 #include "uikit/table_view.hpp"
@@ -101,8 +101,8 @@ private:
 
 std::vector<EntryPoint> entryPoints() {
     std::vector<EntryPoint> entries;
-    if (helpCenterAvailable())
-        entries.push_back({"DemoEntryHelpCenter", "Help Center", "Guides and answers, searchable", [] { return buildHelpCenter(); }});
+    entries.push_back({"DemoEntryHelpCenter", "Help Center", "Guides and answers, searchable",
+                       [] { return belvakit::CRVHelpCenterUi::buildHelpCenterOverview(); }});
     entries.push_back({"DemoEntryMyRequests", "My requests", "Your tickets and the team's answers",
                        [] { return belvakit::RequestUi::buildRequestList(); }});
     entries.push_back({"DemoEntryNewRequest", "New request", "Write to the support team",

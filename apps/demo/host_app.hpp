@@ -17,8 +17,8 @@ struct EntryPoint {
     std::function<uikit::ViewController::Ptr()> make;
 };
 
-// What the host offers, through the library's public factories: the Help Center (once the library
-// has it), the user's requests, a new request, and the support engine in the host's chat screen.
+// What the host offers, through the library's public factories: the Help Center, the user's
+// requests, a new request, and the support engine in the host's chat screen.
 std::vector<EntryPoint> entryPoints();
 
 // The host application: its home screen, a row per entry point, in a navigation on which the

@@ -74,6 +74,8 @@ struct TourStep {
     std::function<Failure(Tour&)> act;
     Expectation expect;
     double within = 10;
+    // Why the library can't take this step yet, if it can't: the step is then passed over, said so.
+    std::function<Failure(Tour&)> notYet;
 };
 
 // Steps from the home screen that build on each other; a failed step ends its chapter.
