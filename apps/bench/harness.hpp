@@ -34,6 +34,7 @@ std::vector<Metric> tableMetrics();
 std::vector<Metric> requestListMetrics();
 std::vector<Metric> uiMetrics();
 std::vector<Metric> renderMetrics();
+std::vector<Metric> helpCenterSearchMetrics();
 std::vector<Metric> helpCenterMetrics();
 
 } // namespace bench

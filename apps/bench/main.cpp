@@ -17,7 +17,7 @@ std::vector<bench::Metric> allMetrics() {
     std::vector<bench::Metric> all;
     for (auto&& group : {bench::storeMetrics(), bench::conversationMetrics(), bench::richtextMetrics(),
                          bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics(), bench::uiMetrics(),
-                         bench::renderMetrics(), bench::helpCenterMetrics()})
+                         bench::renderMetrics(), bench::helpCenterMetrics(), bench::helpCenterSearchMetrics()})
         for (auto& metric : group) all.push_back(metric);
     return all;
 }

@@ -5,6 +5,7 @@
 #include "shots_create_request.hpp"
 #include "shots_help_center.hpp"
 #include "shots_request_list.hpp"
+#include "shots_search.hpp"
 
 #include "belvakit/toolkit/avatar_title.hpp"
 #include "belvakit/toolkit/progress_bar.hpp"
@@ -240,7 +241,7 @@ std::vector<GalleryShot> galleryShots() {
                          return inNavigation(screen);
                      }});
     shots.push_back({"themed-table", "A themed table", 1.0, [] { return inNavigation(std::make_shared<TableScreen>()); }});
-    for (auto&& more : {containerShots(), createRequestShots(), requestListShots(), helpCenterShots(), articleShots()})
+    for (auto&& more : {containerShots(), createRequestShots(), requestListShots(), helpCenterShots(), articleShots(), searchShots()})
         shots.insert(shots.end(), more.begin(), more.end());
     return shots;
 }

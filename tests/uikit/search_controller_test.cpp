@@ -131,4 +131,26 @@ TEST_F(SearchControllerTest, TheUpdaterHasTheLastWordOnTheResultsAndTheDimmingEn
     EXPECT_FALSE(search->isActive());
 }
 
+TEST_F(SearchControllerTest, AnActiveSearchStepsAsideForAPushedScreenAndComesBackWithItsBar) {
+    ASSERT_TRUE(tap(*search->searchBar()->textField()));
+    typeText(*search->searchBar()->textField(), "wifi");
+    window->layoutTree();
+    ASSERT_TRUE(isShown(*results->view()));
+
+    auto pushed = std::make_shared<ViewController>();
+    navigation->pushViewController(pushed, false);
+    window->layoutTree();
+    EXPECT_TRUE(search->isActive());
+    EXPECT_FALSE(isShown(*search->view()));
+    const Rect shown = pushed->view()->convert(pushed->view()->bounds(), nullptr);
+    EXPECT_EQ(window->hitTest({shown.midX(), shown.midY()}), pushed->view().get());
+
+    navigation->popViewController(false);
+    window->layoutTree();
+    EXPECT_TRUE(search->isActive());
+    EXPECT_TRUE(isShown(*results->view()));
+    EXPECT_EQ(search->view()->frame().minY(), 76);
+    EXPECT_EQ(search->searchBar()->text(), "wifi");
+}
+
 } // namespace

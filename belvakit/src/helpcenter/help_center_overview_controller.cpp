@@ -4,6 +4,7 @@
 #include "belvakit/entry/Coordinator/help_center_contact_us_router.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/helpcenter/help_center_error_handler_utils.hpp"
+#include "belvakit/helpcenter/help_center_search_result_view_controller.hpp"
 #include "belvakit/toolkit/appearance_applicator.hpp"
 #include "belvakit/toolkit/theme.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
@@ -117,7 +118,12 @@ void CRVHelpCenterOverviewController::setUpResultsController() {
         resultsController = screen;
         delegate = updater;
     }
-    if (!resultsController) resultsController = std::make_shared<uikit::ViewController>();
+    if (resultsController) return;
+    // The library's own results screen: it and the overview are each other's delegate.
+    auto results = CRVHelpCenterSearchResultViewController::make();
+    results->delegate = self();
+    resultsController = results;
+    delegate = results;
 }
 
 void CRVHelpCenterOverviewController::setUpSearchController() {

@@ -70,6 +70,10 @@ void SearchBar::cancelled() {
     }
 }
 
+void SearchBar::didMoveToSuperview() {
+    if (controller_) controller_->searchBarMoved();
+}
+
 void SearchBar::layoutSubviews() {
     View::layoutSubviews();
     const double width = frame().width();

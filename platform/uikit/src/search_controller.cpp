@@ -94,6 +94,13 @@ void SearchController::setActive(bool active) {
     if (didDismissSearchController) didDismissSearchController(*this);
 }
 
+void SearchController::searchBarMoved() {
+    if (!active_ || !isViewLoaded() || !presentingViewController()) return;
+    const bool barShown = searchBar_->window() != nullptr;
+    view()->setHidden(!barShown);
+    if (barShown) placeBelowBar();
+}
+
 void SearchController::textChanged() {
     if (active_) updateResults();
 }

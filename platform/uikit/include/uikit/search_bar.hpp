@@ -41,6 +41,7 @@ public:
 
     Size intrinsicContentSize() const override { return {noIntrinsicMetric, height}; }
     void layoutSubviews() override;
+    void didMoveToSuperview() override;
 
 private:
     friend class SearchController;

@@ -10,7 +10,9 @@ namespace uikit {
 
 // Search over a screen: owns a search bar and, while active, is presented over the screen that
 // holds the bar, below the bar, showing the results screen (and dimming what lies under it).
-// Typing calls the results updater; the cancel button ends the search.
+// Typing calls the results updater; the cancel button ends the search. While its bar is out of the
+// window (a screen pushed over the one holding it), an active search steps aside, and it comes back
+// with the bar, as a search presented in its screen's context does.
 class SearchController : public ViewController {
 public:
     explicit SearchController(Ptr searchResultsController = nullptr);
@@ -45,6 +47,7 @@ private:
     friend class SearchBar;
     void textChanged();
     void updateResults();
+    void searchBarMoved();
     void refreshHost();
     ViewController* host() const;
     void placeBelowBar();
