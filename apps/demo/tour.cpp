@@ -13,6 +13,7 @@
 #include "renderer/qt_text_measurer.hpp"
 #include "uikit/navigation_controller.hpp"
 #include "uikit/probe.hpp"
+#include "uikit/search_bar.hpp"
 #include "uikit/text_input.hpp"
 #include "uikit/view_controller.hpp"
 #include "uikit/web_view.hpp"
@@ -184,6 +185,13 @@ Failure Tour::typeInto(const std::string& identifier, const std::string& text) {
     return std::nullopt;
 }
 
+Failure Tour::search(const std::string& text) {
+    const auto found = shownViews([](const uikit::View& view) { return dynamic_cast<const uikit::SearchBar*>(&view); });
+    if (found.empty()) return std::string("no search bar on the screen");
+    uikit::typeText(*static_cast<uikit::SearchBar*>(found.back())->textField(), text);
+    return std::nullopt;
+}
+
 Failure Tour::back() {
     const auto found = shownViews([](const uikit::View& view) {
         return onNavigationBar(view) &&
@@ -215,6 +223,24 @@ std::vector<std::string> Tour::screenTexts() {
         const auto* text = textOf(view);
         return text && !text->empty() && !onNavigationBar(view);
     });
+    // What an opaque view drawn later covers whole (a screen pushed or presented over another)
+    // doesn't show.
+    const auto painted = shownViews([](const uikit::View& view) {
+        const auto& colour = view.backgroundColor();
+        return colour && colour->alpha >= 0.99;
+    });
+    const auto order = uikit::findAll(*window_, [](const uikit::View&) { return true; });
+    auto rank = [&](const uikit::View* view) { return std::find(order.begin(), order.end(), view) - order.begin(); };
+    std::erase_if(views, [&](const uikit::View* view) {
+        const auto frame = view->convert(view->bounds(), nullptr);
+        const auto at = rank(view);
+        return std::any_of(painted.begin(), painted.end(), [&](const uikit::View* cover) {
+            if (rank(cover) <= at || cover->isDescendantOf(*view)) return false;
+            const auto area = cover->convert(cover->bounds(), nullptr);
+            return area.minX() <= frame.minX() && area.minY() <= frame.minY() && area.maxX() >= frame.maxX() &&
+                   area.maxY() >= frame.maxY();
+        });
+    });
     // As the eye reads them: top to bottom, then left to right.
     std::stable_sort(views.begin(), views.end(), [](const uikit::View* a, const uikit::View* b) {
         const auto first = a->convert(a->bounds(), nullptr);
@@ -237,7 +263,7 @@ std::string Tour::screenTitle() {
     std::string title;
     for (auto* view : shownViews([](const uikit::View& view) {
              const auto* text = textOf(view);
-             return text && !text->empty() && onNavigationBar(view);
+             return text && !text->empty() && onNavigationBar(view) && !dynamic_cast<const uikit::TextInput*>(&view);
          })) {
         const auto& text = *textOf(*view);
         // The back button's and the bar buttons' titles aside, the title is the bar's middle.

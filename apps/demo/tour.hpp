@@ -26,6 +26,8 @@ public:
     Failure tapText(const std::string& text);
     Failure tapIdentifier(const std::string& identifier);
     Failure typeInto(const std::string& identifier, const std::string& text);
+    // Types into the search bar on the screen; a trailing "\n" is the search button.
+    Failure search(const std::string& text);
     // The bar's back button.
     Failure back();
     // Pulls the list on the screen down and lets go.

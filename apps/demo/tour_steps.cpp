@@ -61,7 +61,14 @@ TourChapter helpCenter() {
             {step("help-center", "tap \"Help Center\"", tapping("Help Center"),
                   {{}, {"Getting started", "Setting up", "Installing Orbit Planner"}}),
              step("help-center-article", "tap the article \"Installing Orbit Planner\"", tapping("Installing Orbit Planner"),
-                  {{}, {"Open your device's app store"}})}};
+                  {{}, {"Open your device's app store", localized("ios.sdk.CRVHelpCenter.article.voting.title")}}),
+             step("help-center-search", "tap Back; search for \"offline\"", [](Tour& tour) -> Failure {
+                 if (auto failure = tour.back()) return failure;
+                 tour.pass(0.5);
+                 return tour.search("offline\n");
+             }, {{"CRVsearchResultsTable", "CRVsearchResultTitle"}, {"Working offline"}}),
+             step("help-center-search-article", "tap the result \"Working offline\"", tapping("Working offline"),
+                  {{}, {"Changes made offline are kept on the device"}})}};
 }
 
 // A new ticket written in its conversation; the agent answers with a link to an article; a reply
