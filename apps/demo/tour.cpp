@@ -296,8 +296,10 @@ bool Tour::waitFor(const std::function<bool()>& done, double seconds) {
         if (done()) return true;
         if (tick >= ticks) return false;
         // Work on other threads (the caches) posts back within a moment of real time.
-        bool once = false;
-        main.runUntil([&] { return std::exchange(once, true); }, platform::milliseconds(5));
+        if (tick % 4 == 0) {
+            bool once = false;
+            main.runUntil([&] { return std::exchange(once, true); }, platform::milliseconds(5));
+        }
         time_->advance(platform::milliseconds(10));
     }
 }
