@@ -36,7 +36,8 @@ public:
     explicit RequestDetailRefreshActionHandler(std::string id) : requestId(std::move(id)) {}
 
     bool canHandle(const std::string& actionName) const override;
-    // Reads "request_id" (a string) and asks the shared store to fetch that ticket's news.
+    // Asks the shared store to fetch the news of the ticket under "request_id" (text or number),
+    // or of its own ticket without one.
     void handle(const std::map<std::string, std::any>& info) override;
     int priority() const override { return 0; }
     std::optional<corvane::ActionDescription> actionDescription() const override { return description; }
@@ -78,6 +79,9 @@ public:
     const std::shared_ptr<RequestDetailRefreshActionHandler>& requestRefreshHandler() const { return requestRefreshHandler_; }
     // Work held until the screen has appeared.
     std::function<void()> viewDidAppearBlock;
+    // Known closed by whoever opens the screen: the conversation is closed from its start, before
+    // the device's copy says so. Set before the view loads.
+    bool ticketClosed = false;
 
     // The user's send: a text and the chosen attachments.
     void sendButtonTapped(const std::string& text, const std::vector<InputAttachmentViewStatePtr>& attachments);
@@ -133,12 +137,15 @@ private:
     std::shared_ptr<ProgressBar> progressBar_;
     std::shared_ptr<CRVToastViewWrapper> toastWrapper_;
     std::shared_ptr<RequestDetailRefreshActionHandler> requestRefreshHandler_;
+    std::shared_ptr<corvane::ActionHandler> helpCenterHandler_;
     platform::ObservationToken backgroundNotificationObserver_;
     std::shared_ptr<tivra::Store> store_;
     // Subscriptions end with this object, that is with the screen.
     platform::Object lifetime_;
     // The first state after a load from disk is what the disk holds: it isn't written back.
     bool skipNextPersist_ = false;
+    // The send queue has work of this screen's: it, not the first load, ends the progress bar.
+    bool queueWorking_ = false;
     bool started_ = false;
 };
 
