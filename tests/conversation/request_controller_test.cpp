@@ -259,6 +259,7 @@ TEST_F(ConversationScreenTest, ASendWhileOfflineFailsOffersRetryAndSucceedsOnceO
     ASSERT_TRUE(field);
     uikit::typeText(*field, "  \n");
     EXPECT_FALSE(screen->hasUnsavedEdits()) << "only space is no reply";
+    for (int i = 0; i < 3; ++i) field->deleteBackward();
     uikit::typeText(*field, "Hello?");
     EXPECT_TRUE(screen->hasUnsavedEdits()) << "leaving now would drop the reply";
     ASSERT_TRUE(uikit::tap(*find("CRVsendButton")));
