@@ -1,3 +1,4 @@
+#include "belvakit/helpcenter/article_view_controller.hpp"
 #include "belvakit/helpcenter/help_center_overview_controller.hpp"
 #include "belvakit/helpcenter/help_center_ui.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
@@ -413,4 +414,31 @@ TEST_F(OverviewScreenTest, APresentedOverviewHasACancelButtonThatDismissesIt) {
     navigation_->pushViewController(screen_, false);
     settle();
     EXPECT_FALSE(screen_->navigationItem().leftBarButtonItem);
+}
+
+TEST_F(OverviewScreenTest, AnOverviewMadeDirectlyOpensTheArticleScreenItself) {
+    CRVHelpCenterOverviewRoutes::shared().articleWithId = nullptr;
+    screen_ = std::make_shared<CRVHelpCenterOverviewController>(mirrowset::ConfigurationList{});
+    navigation_ = std::make_shared<uikit::NavigationController>(screen_);
+    window_->setRootViewController(navigation_);
+    window_->layoutTree();
+    settle();
+    ASSERT_TRUE(tapRow({0, 1}));
+    settle();
+    ASSERT_EQ(navigation_->viewControllers().size(), 2u);
+    auto* article = dynamic_cast<CRVArticleViewController*>(navigation_->topViewController());
+    ASSERT_TRUE(article);
+    EXPECT_EQ(article->title(), "Installing Orbit Planner");
+
+    // A host's route still wins.
+    navigation_->popViewController(false);
+    settle();
+    CRVHelpCenterOverviewRoutes::shared().articleWithId = [this](std::int64_t id, const auto&, const auto&) {
+        openedArticles_.push_back(id);
+        return std::make_shared<uikit::ViewController>();
+    };
+    ASSERT_TRUE(tapRow({0, 1}));
+    settle();
+    EXPECT_EQ(openedArticles_, std::vector<std::int64_t>{360001});
+    EXPECT_FALSE(dynamic_cast<CRVArticleViewController*>(navigation_->topViewController()));
 }
