@@ -259,13 +259,23 @@ TEST_F(ArticleScreenTest, AnArticleThatCannotBeFetchedEndsTheScreenWithALogLine)
     EXPECT_FALSE(root->presentedViewController());
 }
 
-TEST_F(ArticleScreenTest, AFailedDeepLinkStopsTheSpinnerAndPushesNothingWhileTheRequestErrorToastOffersRetry) {
+TEST_F(ArticleScreenTest, AFailedDeepLinkStopsTheSpinnerAndPushesAScreenWithNoArticle) {
     const auto screen = openById("360001");
     desk->failNext(1);
     page(*screen).activateLink(std::string(account) + "/hc/en-us/articles/360002-creating-your-account");
     settle();
-    EXPECT_EQ(navigation->viewControllers().size(), 2u);
     EXPECT_FALSE(uikit::findByIdentifier(*screen->view(), "CRVdeeplinkingSpinner"));
+    ASSERT_EQ(navigation->viewControllers().size(), 3u);
+    auto* blank = dynamic_cast<CRVArticleViewController*>(navigation->topViewController());
+    ASSERT_TRUE(blank);
+    EXPECT_EQ(blank->title(), "");
+    EXPECT_EQ(blank->articleView->articleId, "0");
+    EXPECT_EQ(blank->configs.size(), screen->configs.size());
+}
+
+TEST_F(ArticleScreenTest, AFailedRequestOffersARetryToast) {
+    desk->failNext(2);  // both fetches of the attachments: when made, and when loaded
+    const auto screen = push(CRVHelpCenterUi::buildHelpCenterArticle(desk->content().articles.front().record));
     ASSERT_TRUE(screen->toastView);
     EXPECT_EQ(screen->toastView->text()->text(), "Attachments could not be loaded.");
     EXPECT_GT(screen->toastHeight(), 0);
@@ -277,6 +287,7 @@ TEST_F(ArticleScreenTest, AFailedDeepLinkStopsTheSpinnerAndPushesNothingWhileThe
     settle();
     EXPECT_EQ(desk->callCount(), calls + 1);
     EXPECT_EQ(screen->toastHeight(), 0);
+    EXPECT_EQ(attachmentTitles(*screen), std::vector<std::string>{"quick-start.txt"});
 }
 
 TEST_F(ArticleScreenTest, FailedAttachmentsLeaveAnEmptyListAndNoToastWhileOffline) {
