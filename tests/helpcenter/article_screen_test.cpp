@@ -1,5 +1,6 @@
 #include "article_fixture.hpp"
 
+#include "corvane/provider_module.hpp"
 #include "belvakit/helpcenter/article_attachments.hpp"
 #include "belvakit/helpcenter/help_center_ui.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
@@ -36,6 +37,49 @@ protected:
             if (auto* attachment = dynamic_cast<CRVSupportAttachmentCell*>(cell.get())) titles.push_back(attachment->title()->text());
         return titles;
     }
+};
+
+// The help desk's provider, except that an article is answered by an empty list and no error.
+class EmptyArticleProvider final : public dastrel::CRVHelpCenterProvider {
+public:
+    explicit EmptyArticleProvider(std::shared_ptr<dastrel::CRVHelpCenterProvider> inner) : inner_(std::move(inner)) {}
+    void getHelpCenterOverviewWithHelpCenterOverviewModel(
+        const dastrel::CRVHelpCenterOverviewContentModel& model,
+        dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterCategoryViewModel>> callback) override {
+        inner_->getHelpCenterOverviewWithHelpCenterOverviewModel(model, std::move(callback));
+    }
+    void getArticlesWithSectionId(std::int64_t id, const std::optional<std::vector<std::string>>& labels,
+                                  dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> callback) override {
+        inner_->getArticlesWithSectionId(id, labels, std::move(callback));
+    }
+    void getArticleWithId(const std::string&, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> callback) override {
+        platform::MainQueue::shared().async([callback = std::move(callback)] { callback(std::vector<dastrel::CRVHelpCenterArticle>{}, std::nullopt); });
+    }
+    void getAttachmentWithArticleId(const std::string& id,
+                                    dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterAttachment>> callback) override {
+        inner_->getAttachmentWithArticleId(id, std::move(callback));
+    }
+    void searchArticles(const dastrel::CRVHelpCenterSearch& search,
+                        dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> callback) override {
+        inner_->searchArticles(search, std::move(callback));
+    }
+    void submitRecordArticleView(const dastrel::CRVHelpCenterArticle& article,
+                                 std::function<void(std::optional<dastrel::ProviderError>)> callback) override {
+        inner_->submitRecordArticleView(article, std::move(callback));
+    }
+    void upVoteArticleWithId(const std::string& id, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticleVote>> callback) override {
+        inner_->upVoteArticleWithId(id, std::move(callback));
+    }
+    void downVoteArticleWithId(const std::string& id,
+                               dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticleVote>> callback) override {
+        inner_->downVoteArticleWithId(id, std::move(callback));
+    }
+    void removeVoteWithId(const std::string& id, dastrel::CRVCallback<dastrel::CRVHelpCenterArticleVote> callback) override {
+        inner_->removeVoteWithId(id, std::move(callback));
+    }
+
+private:
+    std::shared_ptr<dastrel::CRVHelpCenterProvider> inner_;
 };
 
 } // namespace
@@ -271,6 +315,24 @@ TEST_F(ArticleScreenTest, AFailedDeepLinkStopsTheSpinnerAndPushesAScreenWithNoAr
     EXPECT_EQ(blank->title(), "");
     EXPECT_EQ(blank->articleView->articleId, "0");
     EXPECT_EQ(blank->configs.size(), screen->configs.size());
+}
+
+TEST_F(ArticleScreenTest, AnEmptyAnswerIsNoErrorSoOnlyAnErrorEndsTheScreen) {
+    core->providerModule().setProvider<dastrel::CRVHelpCenterProvider>(
+        std::make_shared<EmptyArticleProvider>(dastrel::CRVHelpCenterProvider::make()));
+    const auto screen = openById("360001");
+    EXPECT_FALSE(logged(platform::LogLevel::error, "The article could not be fetched. Will dismiss the ViewController"));
+    ASSERT_EQ(navigation->topViewController(), screen.get());
+    EXPECT_EQ(screen->articleView->articleId, "0");
+    EXPECT_FALSE(screen->articleView->webViewLoading);
+
+    // A deep link answered the same way pushes a screen with no article.
+    page(*screen).activateLink(std::string(account) + "/hc/en-us/articles/360002-creating-your-account");
+    settle();
+    ASSERT_EQ(navigation->viewControllers().size(), 3u);
+    auto* blank = dynamic_cast<CRVArticleViewController*>(navigation->topViewController());
+    ASSERT_TRUE(blank);
+    EXPECT_EQ(blank->articleView->articleId, "0");
 }
 
 TEST_F(ArticleScreenTest, AFailedRequestOffersARetryToast) {
