@@ -385,6 +385,9 @@ TEST_F(OverviewScreenTest, TheFactoryPutsTheOverviewBehindItsCoordinatorAndTheRo
     ASSERT_EQ(container->childViewControllers().size(), 1u);
     auto overview = std::dynamic_pointer_cast<CRVHelpCenterOverviewController>(container->childViewControllers()[0]);
     ASSERT_TRUE(overview);
+    const auto coordinator = std::dynamic_pointer_cast<CRVHelpCenterCoordinator>(container->coordinator);
+    ASSERT_TRUE(coordinator);
+    EXPECT_EQ(coordinator->helpCenterController, overview);
     EXPECT_EQ(overview->tableView->numberOfSections(), 4);
     // Title, search and the contact button are on the container's bar.
     EXPECT_EQ(container->navigationItem().title, "Help Center");
