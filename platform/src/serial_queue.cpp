@@ -5,6 +5,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/thread_pool.hpp>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -12,6 +13,9 @@
 namespace platform {
 
 namespace {
+// Items handed over with `async` that have not finished running (or been dropped).
+std::atomic<std::size_t> inFlight{0};
+
 boost::asio::thread_pool& pool() {
     // Pool work posts to the main queue. Making the main queue first means that at exit the pool
     // is joined before the main queue is destroyed.
@@ -51,6 +55,9 @@ struct SerialQueue::Impl : std::enable_shared_from_this<SerialQueue::Impl> {
             pending.pop_front();
             lock.unlock();
             runHeld(work);
+            // Counted until what it captured is gone too.
+            work = nullptr;
+            inFlight.fetch_sub(1);
             lock.lock();
         }
         busy = false;
@@ -69,6 +76,7 @@ struct SerialQueue::Impl : std::enable_shared_from_this<SerialQueue::Impl> {
             std::deque<Work> dropped;
             std::lock_guard lock(impl->mutex);
             dropped.swap(impl->pending);
+            inFlight.fetch_sub(dropped.size());
         }
         void operator()() {
             const auto queue = std::move(impl);
@@ -92,6 +100,7 @@ SerialQueue::SerialQueue(std::string label) : impl_(std::make_shared<Impl>(std::
 const std::string& SerialQueue::label() const { return impl_->label; }
 
 void SerialQueue::async(Work work) const {
+    inFlight.fetch_add(1);
     std::lock_guard lock(impl_->mutex);
     impl_->pending.push_back(std::move(work));
     if (impl_->busy) return;
@@ -121,6 +130,15 @@ const BackgroundQueue& BackgroundQueue::shared() {
     return queue;
 }
 
-void BackgroundQueue::async(Work work) const { boost::asio::post(pool(), std::move(work)); }
+void BackgroundQueue::async(Work work) const {
+    inFlight.fetch_add(1);
+    boost::asio::post(pool(), [work = std::move(work)]() mutable {
+        work();
+        work = nullptr;
+        inFlight.fetch_sub(1);
+    });
+}
+
+std::size_t backgroundWorkInFlight() { return inFlight.load(); }
 
 } // namespace platform

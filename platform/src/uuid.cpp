@@ -21,6 +21,8 @@ std::mt19937_64& generator() {
 
 } // namespace
 
+void seedUuids(std::uint64_t seed) { generator().seed(seed); }
+
 std::string uuidString() {
     std::array<std::uint8_t, 16> bytes{};
     auto& engine = generator();

@@ -97,7 +97,8 @@ std::optional<dastrel::CRVComment> TicketDesk::addAgentComment(const std::string
 
 void TicketDesk::setAutoReply(std::int64_t agentId, AutoReply reply) {
     std::lock_guard lock(mutex_);
-    autoReplies_[agentId] = std::move(reply);
+    if (!reply) autoReplies_.erase(agentId);
+    else autoReplies_[agentId] = std::move(reply);
 }
 
 void TicketDesk::setStatus(const std::string& requestId, std::string status) {

@@ -313,6 +313,151 @@ TEST_F(ConversationScreenTest, ALocalTicketThatFailsIsListedOnceAndCanBeDeletedW
     EXPECT_EQ(deletedFromList, std::vector<std::string>{localId});
 }
 
+TEST_F(ConversationScreenTest, AScreenThatAnotherTicketsScreenCoveredGetsItsConversationBackAndSendsToItsTicket) {
+    const auto first = ticketWithHistory(1);
+    host->tickets().createRequest({.requestDescription = "Second ticket"}, [](auto, auto) {});
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
+    const auto second = host->tickets().requests().back().requestId;
+    open(first);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 2; }));
+    const auto firstScreen = screen;
+
+    // A push opens the other ticket over it; the user reads it and goes back.
+    auto other = RequestController::make(RequestUiConfiguration{}, second, nullptr, nullptr, true, 1 << 20);
+    navigation->pushViewController(other, false);
+    window->layoutTree();
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == second; }));
+    EXPECT_FALSE(firstScreen->ownsConversation());
+    const auto rowsBefore = firstScreen->requestTable()->state().tableData.size();
+    EXPECT_EQ(rowsBefore, 2u) << "a covered screen keeps its own rows";
+    navigation->popViewController(false);
+    window->layoutTree();
+    EXPECT_TRUE(firstScreen->ownsConversation());
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == first && state().tableData.size() == 2; }));
+
+    typeAndSend("For the first ticket");
+    ASSERT_TRUE(settled([&] { return statusOf("For the first ticket") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().comments(first).back().body, "For the first ticket");
+    EXPECT_EQ(host->tickets().comments(second).size(), 1u);
+}
+
+TEST_F(ConversationScreenTest, AScreenOnViewKeepsItsTicketWhenAnotherStartsOutOfSight) {
+    const auto first = ticketWithHistory(1);
+    host->tickets().createRequest({.requestDescription = "Second ticket"}, [](auto, auto) {});
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
+    const auto second = host->tickets().requests().back().requestId;
+    open(first);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 2; }));
+
+    // The host starts the other ticket's screen under what the user sees, as a push handler may.
+    auto other = RequestController::make(RequestUiConfiguration{}, second, nullptr, nullptr, true, 1 << 20);
+    other->loadViewIfNeeded();
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == second; }));
+    window->layoutTree();
+    EXPECT_EQ(screen->requestTable()->state().remoteId, first) << "the screen on view shows its own ticket";
+
+    typeAndSend("Still about the printer");
+    EXPECT_TRUE(screen->ownsConversation());
+    ASSERT_TRUE(settled([&] { return statusOf("Still about the printer") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().comments(first).back().body, "Still about the printer");
+    EXPECT_EQ(host->tickets().comments(second).size(), 1u);
+    EXPECT_FALSE(other->ownsConversation());
+}
+
+TEST_F(ConversationScreenTest, ASendWhoseScreenClosedBeforeTheAnswerIsKeptAsFailedAndListed) {
+    open(std::nullopt);
+    host->tickets().setLatency(platform::milliseconds(300));
+    host->tickets().setOffline(true);
+    typeAndSend("Gone before the answer");
+    ASSERT_EQ(state().tableData.size(), 1u);
+    const auto localId = id(state().tableData[0]);  // a new ticket is kept under its first message's id
+    const auto cache = screen->ticketsCache();
+    window->setRootViewController(nullptr);
+    screen.reset();
+    navigation.reset();
+    queue_testing::pass(time, platform::seconds(2));
+
+    std::optional<MessageList> kept;
+    ASSERT_TRUE(settled([&] {
+        kept = decodeMessageList(cache->read(localId).value_or(""));
+        return kept.has_value();
+    }));
+    ASSERT_EQ(kept->messages.size(), 1u);
+    EXPECT_EQ(*bodyOf(kept->messages[0]), "Gone before the answer");
+    EXPECT_EQ(status(kept->messages[0]), DeliveryStatus::failed);
+    EXPECT_EQ(listErrors, 1) << "the failed ticket is listed, where its retry is";
+}
+
+TEST_F(ConversationScreenTest, AScreenMadeEarlierKeepsTheTicketMapsOtherScreensSavedSince) {
+    const auto other = ticketWithHistory(1);
+    // Made before the new ticket exists, as a screen under another one is.
+    auto earlier = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    open(std::nullopt);
+    typeAndSend("A brand new ticket");
+    ASSERT_TRUE(settled([&] { return statusOf("A brand new ticket") == DeliveryStatus::lastDelivered; }));
+    const auto created = state().remoteId.value();
+    const auto localId = state().localId.value();
+    ASSERT_EQ(LocalIDStore{}.remoteToLocal.at(created), localId);
+
+    earlier->loadViewIfNeeded();
+    ASSERT_TRUE(settled([&] { return state().remoteId == other && state().finishedLoading; }));
+    queue_testing::pass(time, platform::milliseconds(500));
+    const LocalIDStore stored;
+    ASSERT_TRUE(stored.remoteToLocal.contains(created)) << "the earlier screen's save dropped the new ticket's key";
+    EXPECT_EQ(stored.remoteToLocal.at(created), localId);
+}
+
+TEST_F(ConversationScreenTest, ATicketWhoseCommentsNeverLoadedStaysThatTicketThroughAFailedSendAndItsDeletion) {
+    const auto id = ticketWithHistory(1);
+    host->tickets().setOffline(true);
+    open(id);
+    queue_testing::pass(time, platform::seconds(1));
+    typeAndSend("Lost in the void");
+    ASSERT_TRUE(settled([&] { return statusOf("Lost in the void") == DeliveryStatus::failed; }));
+
+    // Opened again, the ticket is still the help desk's, not one of the device's own.
+    window->setRootViewController(nullptr);
+    screen.reset();
+    navigation.reset();
+    open(id);
+    queue_testing::pass(time, platform::seconds(1));
+    ASSERT_EQ(statusOf("Lost in the void"), DeliveryStatus::failed);
+    auto* retry = find("CRVretryButton");
+    ASSERT_TRUE(retry && uikit::tap(*retry));
+    auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+    ASSERT_TRUE(sheet);
+    auto* remove = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedDelete));
+    ASSERT_TRUE(remove && uikit::tap(*remove));
+    queue_testing::pass(time, platform::seconds(1));
+    EXPECT_TRUE(deletedFromList.empty()) << "deleting a failed comment takes no ticket off the list";
+
+    host->tickets().setOffline(false);
+    typeAndSend("Second attempt");
+    ASSERT_TRUE(settled([&] { return statusOf("Second attempt") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().requests().size(), 1u) << "no new ticket";
+    EXPECT_EQ(host->tickets().comments(id).back().body, "Second attempt");
+}
+
+TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesTakesItsNextMessage) {
+    const auto other = ticketWithHistory(1);
+    open(std::nullopt);
+    host->tickets().setLatency(platform::milliseconds(500));
+    typeAndSend("The very first words");
+    // Another ticket's screen starts before the help desk answers, and goes again.
+    auto covering = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    covering->loadViewIfNeeded();
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
+    queue_testing::pass(time, platform::seconds(2));
+    covering.reset();
+    const auto created = host->tickets().requests().back().requestId;
+
+    typeAndSend("And what followed");
+    ASSERT_TRUE(settled([&] { return statusOf("And what followed") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().requests().size(), 2u) << "no third ticket";
+    EXPECT_EQ(host->tickets().comments(created).back().body, "And what followed");
+    EXPECT_EQ(screen->requestId(), created);
+}
+
 TEST_F(ConversationScreenTest, AnOversizedAttachmentShowsTheToastAndStaysOut) {
     open(std::nullopt, 1000);
     Actions::AttachmentAdded added;

@@ -146,7 +146,7 @@ TEST_F(RequestTableReducerTest, FetchedCommentsMergeAsMessagesAndAFailedFetchKee
     EXPECT_EQ(rowIds(failed.cellItems), rowIds(state.cellItems));
 }
 
-TEST_F(RequestTableReducerTest, LoadedMessagesNameOnlyAnEmptyTable) {
+TEST_F(RequestTableReducerTest, LoadedMessagesNameOnlyATableWithoutAName) {
     Actions::MessagesLoadedFromDisk disk;
     disk.messages = {text("d1", t0)};
     disk.mapLocalToRemote = {{"d1", "10"}};
@@ -158,6 +158,10 @@ TEST_F(RequestTableReducerTest, LoadedMessagesNameOnlyAnEmptyTable) {
     EXPECT_EQ(merged.localId, "table-id");
     EXPECT_EQ(merged.mapLocalToRemote, disk.mapLocalToRemote);
     EXPECT_EQ(ids(merged.tableData), (Strings{"d1", "t1"}));
+    // A send made before the disk answered, on a table not yet named: it is kept under the disk's key.
+    const auto sentFirst = reduce(withMessages({text("t2", t0 + 6)}), disk);
+    EXPECT_EQ(sentFirst.localId, "disk-id");
+    EXPECT_EQ(ids(sentFirst.tableData), (Strings{"d1", "t2"}));
 
     Actions::MessagesLoadedFromNetwork network;
     network.requestId = "42";

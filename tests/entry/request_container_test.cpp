@@ -118,6 +118,26 @@ TEST_F(RequestContainerTest, PicksTheScreenFromSettingsAndIdentityWithItsLogLine
     }
 }
 
+TEST_F(RequestContainerTest, AnEmptyIdOpensANewTicketAndAnIdThatNamesNoConversationLeaves) {
+    startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
+    auto fresh = container("");
+    push(fresh);
+    ASSERT_EQ(conversations.size(), 1u);
+    EXPECT_EQ(conversations[0].requestId, std::nullopt);
+    navigation->popToRootViewController(false);
+    run(0.5);
+
+    // Its messages could be kept nowhere on the device: the screen goes rather than lose them.
+    for (const std::string id : {"../Tickets", ".", "12/13"}) {
+        SCOPED_TRACE(id);
+        auto screen = container(id);
+        push(screen);
+        EXPECT_EQ(navigation->topViewController(), root.get());
+        EXPECT_TRUE(logged(LogLevel::error, "Not a request id: " + id + ". Dismissing Request creation"));
+    }
+    EXPECT_EQ(conversations.size(), 1u);
+}
+
 TEST_F(RequestContainerTest, HandsTheChildrenTheSettingsConfigurationAndSharedViews) {
     startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
     desk->settings()->setAttachments(true, 1234);
@@ -286,6 +306,43 @@ TEST_F(RequestContainerTest, A401ResetsTheTicketSlicesKeepsTheListAndLeaves) {
     EXPECT_TRUE(store->state().valueOfType<RequestTableState>()->tableData.empty());
     EXPECT_EQ(*store->state().valueOfType<RequestContainerState>(), RequestContainerState{});
     EXPECT_EQ(store->state().valueOfType<RequestListState>()->referrerUrl, "https://example.com/kept");
+}
+
+TEST_F(RequestContainerTest, AContainerKeepsItsTicketWhileAnotherStartsAndWhenItShowsAgain) {
+    startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
+    for (const char* description : {"First ticket", "Second ticket"})
+        desk->tickets()->createRequest({.requestDescription = description}, [](auto, auto) {});
+    run(0.5);
+    const auto tickets = desk->tickets()->requests();
+    ASSERT_EQ(tickets.size(), 2u);
+    const auto ticketOf = [](const RequestContainerController& screen) -> std::optional<std::string> {
+        const auto* conversation = dynamic_cast<const RequestController*>(screen.activeController().get());
+        return conversation ? conversation->requestId() : std::nullopt;
+    };
+
+    auto first = RequestUi::buildRequestUi(tickets[0].requestId);
+    push(first);
+    run(1);
+    ASSERT_EQ(ticketOf(*first), tickets[0].requestId);
+    const auto* shownFirst = first->activeController().get();
+
+    // The other ticket starts out of sight, as a host's push handler may start it, then on top.
+    auto hidden = RequestUi::buildRequestUi(tickets[1].requestId);
+    run(1);
+    EXPECT_EQ(first->activeController().get(), shownFirst) << "the container on show is not rebuilt for another ticket";
+    hidden.reset();
+    auto second = RequestUi::buildRequestUi(tickets[1].requestId);
+    push(second);
+    run(1);
+    ASSERT_EQ(ticketOf(*second), tickets[1].requestId);
+    EXPECT_EQ(first->activeController().get(), shownFirst);
+
+    navigation->popViewController(false);
+    run(1);
+    EXPECT_EQ(first->activeController().get(), shownFirst);
+    EXPECT_EQ(ticketOf(*first), tickets[0].requestId);
+    EXPECT_EQ(first->state.requestId, tickets[0].requestId);
+    EXPECT_EQ(sharedStore()->state().valueOfType<RequestContainerState>()->requestId, tickets[0].requestId);
 }
 
 TEST_F(RequestContainerTest, APresentedContainerThatEndsIsDismissed) {

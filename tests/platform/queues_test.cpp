@@ -123,6 +123,29 @@ TEST(SerialQueue, SyncRunsOnTheCallersThreadAfterQueuedWorkAndHoldsTheQueue) {
     EXPECT_TRUE(after);
 }
 
+TEST(BackgroundWork, CountsEachItemUntilItHasRunAndItsPostToTheMainQueueIsOut) {
+    ASSERT_EQ(backgroundWorkInFlight(), 0u) << "another test left work behind";
+    SerialQueue queue("Tickets");
+    std::mutex gate;
+    std::unique_lock hold(gate);
+    std::atomic<int> posted = 0;
+    for (int i = 0; i < 3; ++i)
+        queue.async([&] {
+            std::lock_guard wait(gate);
+            MainQueue::shared().async([&] { ++posted; });
+        });
+    BackgroundQueue::shared().async([&] {
+        std::lock_guard wait(gate);
+        MainQueue::shared().async([&] { ++posted; });
+    });
+    EXPECT_EQ(backgroundWorkInFlight(), 4u);
+    hold.unlock();
+    // Once nothing is in flight, every post back is on the main queue.
+    ASSERT_TRUE(pumpMainQueueUntil([] { return backgroundWorkInFlight() == 0; }));
+    MainQueue::shared().runPending();
+    EXPECT_EQ(posted, 4);
+}
+
 TEST(DispatchGroup, NotifiesOnceEveryMemberLeftAndAtOnceWhenEmpty) {
     DispatchGroup group;
     std::atomic<int> done = 0;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <random>
 #include <set>
 
 using namespace platform;
@@ -34,6 +35,15 @@ TEST(Uuid, UpperCaseTextFormAndFreshEachTime) {
         seen.insert(id);
     }
     EXPECT_EQ(seen.size(), 100u);
+
+    // Seeded, a thread repeats its ids: a replayed run names its messages as before.
+    seedUuids(7);
+    const std::vector<std::string> first{uuidString(), uuidString()};
+    seedUuids(7);
+    EXPECT_EQ((std::vector<std::string>{uuidString(), uuidString()}), first);
+    EXPECT_NE(first[0], first[1]);
+    EXPECT_TRUE(wellFormed->matchesWhole(first[0])) << first[0];
+    seedUuids(std::random_device{}());
 }
 
 TEST(Files, AtomicWriteReplacesWholeFileLeavesNoTemporariesAndFailsWithoutThrowing) {

@@ -296,6 +296,27 @@ TEST_P(QueueConversationsTest, ANewTicketLeftDuringItsCreationKeepsItsWaitingCom
     EXPECT_EQ(LocalIDStore{}.remoteToLocal.at(created), first);
 }
 
+// A new conversation's ticket waits behind another ticket's work: the messages typed meanwhile
+// still follow it as comments, rather than each opening a ticket of its own.
+TEST_P(QueueConversationsTest, MessagesOfANewTicketQueuedBehindAnotherTicketsWorkJoinIt) {
+    auto& desk = host_.tickets();
+    const auto t1 = ticket("First ticket");
+    Screen screen;
+    screen.open("L1", t1);
+    desk.setLatency(platform::milliseconds(200));
+    screen.send("For T1");
+    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    screen.send("Opening words");
+    screen.send("And one more thing");
+    ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+
+    const auto requests = desk.requests();
+    ASSERT_EQ(requests.size(), 2u) << "one new ticket";
+    EXPECT_EQ(userBodies(desk, t1), (std::vector<std::string>{"First ticket", "For T1"}));
+    EXPECT_EQ(userBodies(desk, requests[1].requestId), (std::vector<std::string>{"Opening words", "And one more thing"}));
+}
+
 // Random sends and moves between three tickets, under failures, latencies that let answers
 // overtake each other, and agents who reply. Every message ends delivered or failed exactly once,
 // in its own conversation only; each ticket holds exactly its delivered messages, in send order.

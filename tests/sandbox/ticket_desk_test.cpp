@@ -107,6 +107,14 @@ TEST_F(TicketDeskTest, CommentsSinceADateAndTheAgentWhoRepliesOnItsOwn) {
     EXPECT_EQ(all->requests[0].status, "open");
     EXPECT_EQ(all->requests[0].commentingAgentsIds, std::vector<std::int64_t>{agent.userId});
     EXPECT_EQ(all->commentingAgents, std::vector<dastrel::CRVSupportUser>{agent});
+
+    // An empty reply function silences the agent instead of failing the next comment.
+    desk->setAutoReply(agent.userId, nullptr);
+    provider_->addComment("Third", id, {}, [](auto comment, auto error) { EXPECT_TRUE(comment && !error); });
+    platform::MainQueue::shared().runPending();
+    time.advance(platform::seconds(60));
+    platform::MainQueue::shared().runPending();
+    EXPECT_EQ(desk->comments(id).back().body, "Third");
 }
 
 TEST_F(TicketDeskTest, SwitchesGiveOfflineUnauthorizedAndServerErrors) {

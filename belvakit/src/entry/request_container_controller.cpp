@@ -1,5 +1,6 @@
 #include "belvakit/entry/request_container_controller.hpp"
 
+#include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/entry/Coordinator/dismiss_util.hpp"
 #include "belvakit/entry/localized_strings.hpp"
@@ -19,6 +20,17 @@
 #include <variant>
 
 namespace belvakit {
+
+namespace {
+
+// Ids are server numbers or the device's own UUIDs; an id that could not name a file of the
+// tickets cache names no conversation.
+bool namesConversation(const std::string& requestId) {
+    return !requestId.empty() && requestId != "." && requestId != ".." && requestId.find('/') == std::string::npos &&
+           requestId.find('\0') == std::string::npos;
+}
+
+} // namespace
 
 RequestLoadingController::RequestLoadingController(std::shared_ptr<ProgressBar> bar) : progressBar(std::move(bar)) {}
 
@@ -60,22 +72,34 @@ std::shared_ptr<RequestContainerController> RequestContainerController::make(
     std::optional<corvane::StoreModule> storeModule, std::shared_ptr<Cache> ticketsCache, bool ticketClosed) {
     if (!ticketsCache && storeModule)
         ticketsCache = ConcreteCache::make(&*storeModule, ConcreteCache::ticketsDirectory, true);
+    // An empty id names no ticket: the screen is for a new one.
+    if (requestId && requestId->empty()) requestId.reset();
     mirrowset::Configurations configs(std::move(configurations));
     configs.addDefaultConfigIfNeeded<RequestUiConfiguration>();
     auto controller = std::make_shared<RequestContainerController>(Tag{}, requestId, configs, std::move(ticketsCache),
                                                                    ticketClosed);
     controller->subscribe();
-
-    RequestContainerActions::Initalize initialize;
-    initialize.requestId = std::move(requestId);
-    initialize.configs = std::move(configs);
-    initialize.ticketClosed = ticketClosed;
+    controller->initialize(std::move(requestId), true);
     const auto store = sharedStore();
-    store->dispatch(initialize);
     // The slice may have held this very start already, which the listener's filter keeps quiet.
     if (!controller->rendered_)
         if (const auto* current = store->state().valueOfType<RequestContainerState>()) controller->render(*current);
     return controller;
+}
+
+void RequestContainerController::initialize(std::optional<std::string> requestId, bool drawn) {
+    RequestContainerActions::Initalize initialize;
+    initialize.requestId = std::move(requestId);
+    initialize.configs = configs_;
+    initialize.ticketClosed = ticketClosed_;
+    const auto kept = state;
+    initializing_ = true;
+    ownsState_ = drawn;
+    sharedStore()->dispatch(initialize);
+    // Taken back: the slice is this screen's again as it was left, and the child on show stays.
+    if (!drawn) sharedStore()->reset(kept);
+    initializing_ = false;
+    ownsState_ = true;
 }
 
 void RequestContainerController::subscribe() {
@@ -85,7 +109,8 @@ void RequestContainerController::subscribe() {
     store
         ->addListener<RequestContainerState>(std::nullopt, tivra::EqualsFilter,
                                              [weak](const RequestContainerState& newState) {
-                                                 if (auto self = weak.lock()) self->render(newState);
+                                                 if (auto self = weak.lock(); self && self->ownsState_)
+                                                     self->render(newState);
                                              })
         .linkLifeCycleTo(*this);
     store
@@ -96,8 +121,12 @@ void RequestContainerController::subscribe() {
         .linkLifeCycleTo(*this);
     store
         ->addActionListener([weak](const tivra::Action& action) {
-            if (!tivra::actionAs<RequestContainerActions::SettingsFetchFailed>(action)) return;
-            if (auto self = weak.lock()) self->settingsFetchFailed();
+            const auto self = weak.lock();
+            if (!self) return;
+            // Another container starts: its states are not this screen's.
+            if (tivra::actionAs<RequestContainerActions::Initalize>(action) && !self->initializing_) self->ownsState_ = false;
+            if (tivra::actionAs<RequestContainerActions::SettingsFetchFailed>(action) && self->ownsState_)
+                self->settingsFetchFailed();
         })
         .linkLifeCycleTo(*this);
     unauthorizedObserver_ = platform::NotificationCenter::defaultCenter().addObserver(
@@ -117,6 +146,8 @@ void RequestContainerController::viewWillAppear(bool animated) {
     if (!discardEditsController) discardEditsController = DiscardEditsController::make(shared_from_this());
     discardEditsController->editSource = std::dynamic_pointer_cast<DiscardEditsControllerEditSource>(activeController());
     discardEditsController->prepare();
+    // Back from under another container.
+    if (!ownsState_) initialize(requestId_, false);
     // Settings are read at every appearance; an unchanged answer redraws nothing.
     sharedStore()->dispatch(RequestContainerActions::GetSettings{});
 }
@@ -136,6 +167,12 @@ void RequestContainerController::render(const RequestContainerState& newState) {
 }
 
 void RequestContainerController::showConversation() {
+    if (state.requestId && !namesConversation(*state.requestId)) {
+        // Its conversation could be kept nowhere on the device, and what the user wrote would be lost.
+        corvane::CoreLogger::error("Not a request id: " + *state.requestId + ". Dismissing Request creation");
+        leave();
+        return;
+    }
     const auto configuration = state.configs ? state.configs->configuration<RequestUiConfiguration>() : nullptr;
     uikit::ViewController::Ptr child;
     // Without its configuration the conversation itself says what is missing.
@@ -220,6 +257,9 @@ std::vector<AgentAvatarInfo> RequestContainerController::agentsOf(const RequestT
 
 void RequestContainerController::showAgents(const RequestTableState& table) {
     if (!avatarTitle || state.requestScreenType != RequestScreenType::conversation()) return;
+    // Another conversation's table while the child's is taken over.
+    if (const auto* child = dynamic_cast<const RequestController*>(activeController().get()); child && !child->ownsConversation())
+        return;
     avatarTitle->setAgents(agentsOf(table));
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/queue.hpp"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -23,6 +24,11 @@ private:
     struct Impl;
     std::shared_ptr<Impl> impl_;
 };
+
+// How many items given to serial and background queues with `async` have not finished running:
+// zero means no other thread still holds work that may come back to the main queue. For tests and
+// tools that wait for the process to go quiet.
+std::size_t backgroundWorkInFlight();
 
 // Concurrent background work, like a global queue.
 class BackgroundQueue final : public Queue {

@@ -46,6 +46,7 @@ public:
                                                        std::string body,
                                                        std::optional<std::string> htmlBody = std::nullopt,
                                                        std::vector<dastrel::CRVAttachment> attachments = {});
+    // An empty function stops the agent's replies.
     void setAutoReply(std::int64_t agentId, AutoReply reply);
     void setStatus(const std::string& requestId, std::string status);
 

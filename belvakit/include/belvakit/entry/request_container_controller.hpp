@@ -135,11 +135,17 @@ private:
     void showAgents(const RequestTableState& table);
     void settingsFetchFailed();
     void leave();
+    // Starts the container afresh in the shared slice, or, not `drawn`, takes the slice back as it was.
+    void initialize(std::optional<std::string> requestId, bool drawn);
 
     std::optional<std::string> requestId_;
     mirrowset::Configurations configs_;
     bool ticketClosed_ = false;
     bool rendered_ = false;
+    // Whether the shared container slice holds this screen's start. Another container that starts
+    // takes it; this one ignores that container's states and takes the slice back as it shows again.
+    bool ownsState_ = false;
+    bool initializing_ = false;
     platform::ObservationToken unauthorizedObserver_;
 };
 

@@ -168,7 +168,13 @@ RequestController::RequestController(Tag, const RequestUiConfiguration& configur
     setTitle(localized(LocalizedKey::requestsCreateRequestTitle));
 }
 
-RequestController::~RequestController() { unregisterRefreshHandler(); }
+RequestController::~RequestController() {
+    unregisterRefreshHandler();
+    // The send queue keeps the conversation's sends still on their way, and records their
+    // outcomes on the device, once the table is another's: without a screen nothing else would.
+    if (ownsConversation_ && platform::MainQueue::shared().isMainThread())
+        store_->dispatch(Actions::InitializeRequestControllerState{});
+}
 
 std::shared_ptr<RequestController> RequestController::self() {
     return std::static_pointer_cast<RequestController>(shared_from_this());
@@ -184,7 +190,14 @@ void RequestController::viewDidLoad() {
     view()->setBackgroundColor(theme->primaryBackgroundColor);
     std::weak_ptr<RequestController> weak = self();
     auto dispatch = [weak](const tivra::Action& action) {
-        if (auto screen = weak.lock()) screen->store_->dispatch(action);
+        if (auto screen = weak.lock(); screen && screen->ownsConversation_) screen->store_->dispatch(action);
+    };
+    // What the user does on this screen makes its conversation the one in the shared slices.
+    auto act = [weak](const tivra::Action& action) {
+        if (auto screen = weak.lock()) {
+            screen->reclaimConversation();
+            screen->store_->dispatch(action);
+        }
     };
 
     auto tableView = uikit::make<uikit::TableView>();
@@ -193,16 +206,16 @@ void RequestController::viewDidLoad() {
     auto fetcher = std::make_shared<AttachmentFetcher>(FileFetcher{provider, attachmentsCache_},
                                                        ImageFetcher{provider, attachmentsCache_});
     requestTable_ = RequestTable::make(tableView, std::move(fetcher));
-    requestTable_->didTapCell = [dispatch](const Message& message) {
+    requestTable_->didTapCell = [act](const Message& message) {
         Actions::CellTapped tapped;
         tapped.message = message;
-        dispatch(tapped);
+        act(tapped);
     };
     requestTable_->didTapOnErrorButton = [weak](const Message& message) {
         if (auto screen = weak.lock()) screen->showActions(message);
     };
-    requestTable_->openHCArticleID = [dispatch](std::shared_ptr<corvane::ActionHandler> handler, const platform::URL& url) {
-        dispatch(Actions::OpenHelpCenter(std::move(handler), url));
+    requestTable_->openHCArticleID = [act](std::shared_ptr<corvane::ActionHandler> handler, const platform::URL& url) {
+        act(Actions::OpenHelpCenter(std::move(handler), url));
     };
     requestTable_->attachmentFetched = [dispatch](const Message& message) {
         Actions::AttachmentFetched fetched;
@@ -214,35 +227,36 @@ void RequestController::viewDidLoad() {
     inputField_->sendButtonTapped = [weak](const std::string& text, const std::vector<InputAttachmentViewStatePtr>& attachments) {
         if (auto screen = weak.lock()) screen->sendButtonTapped(text, attachments);
     };
-    inputField_->textChanged = [weak, dispatch](const std::string& text) {
+    inputField_->textChanged = [weak, act](const std::string& text) {
         Actions::PlaceHolderTextViewTextChanged changed;
         changed.text = text;
-        dispatch(changed);
+        act(changed);
         // The field grows with its text.
         if (auto screen = weak.lock()) screen->view()->setNeedsLayout();
     };
-    inputField_->editingBegan = [dispatch](const std::string& text) {
+    inputField_->editingBegan = [act](const std::string& text) {
         Actions::PlaceHolderTextViewEditingBegan began;
         began.text = text;
-        dispatch(began);
+        act(began);
     };
     inputField_->editingEnded = [dispatch](const std::string& text) {
         Actions::PlaceHolderTextViewEditingEnded ended;
         ended.text = text;
         dispatch(ended);
     };
-    inputField_->attachButtonTapped = [weak, dispatch] {
+    inputField_->attachButtonTapped = [weak, act] {
         auto screen = weak.lock();
         if (!screen) return;
+        screen->reclaimConversation();
         Actions::AttachmentButtonStateChanged changed;
         changed.isSelected = screen->inputField_->state().attachmentState != AttachmentButtonState::selected;
-        dispatch(changed);
+        act(changed);
     };
-    inputField_->attachmentRemoveTapped = [dispatch](int index, const std::string& identifier) {
+    inputField_->attachmentRemoveTapped = [act](int index, const std::string& identifier) {
         Actions::AttachmentRemoved removed;
         removed.index = index;
         removed.identifier = identifier;
-        dispatch(removed);
+        act(removed);
     };
 
     contentView()->addSubview(tableView);
@@ -258,28 +272,13 @@ void RequestController::viewDidLoad() {
 void RequestController::start() {
     if (started_) return;
     started_ = true;
-    auto& store = *store_;
-    // The container's settings reached the slices before this screen reset them.
-    const auto* before = tableState();
-    const auto systemMessage = before ? before->systemMessage : std::nullopt;
-    store.dispatch(Actions::InitializeRequestControllerState{});
-    if (const auto* table = tableState()) {
-        RequestTableState settled = *table;
-        settled.maxAttachmentSize = maxFileAttachmentSize_;
-        settled.systemMessage = systemMessage;
-        store.reset(std::move(settled));
-    }
     InputFieldState input = initialInputFieldState();
     if (!attachmentsAllowed_) input.attachmentState = AttachmentButtonState::hidden;
-    store.reset(input);
-    store.dispatch(RequestQueueActions::ResetQueue{});
-    RequestQueueActions::SetConfig config;
-    config.config = *configuration_;
-    store.dispatch(config);
+    claimConversation(input);
 
     subscribe();
     inputField_->render(input);
-    if (ticketClosed) store.dispatch(Actions::TicketClosed{});
+    if (ticketClosed) store_->dispatch(Actions::TicketClosed{});
 
     if (!configuration_->fileAttachments.empty()) {
         if (!attachmentsAllowed_) {
@@ -288,10 +287,41 @@ void RequestController::start() {
             Actions::InitialFileAttachmentsAdded initial;
             initial.fileAttachments = configuration_->fileAttachments;
             initial.maxFileAttachmentSize = maxFileAttachmentSize_;
-            store.dispatch(initial);
+            store_->dispatch(initial);
         }
     }
+    if (requestId_) sendRequestViewed(*requestId_);
     openConversation();
+}
+
+void RequestController::claimConversation(const InputFieldState& input) {
+    auto& store = *store_;
+    // The container's settings reached the slices before this screen reset them.
+    const auto* before = tableState();
+    const auto systemMessage = before ? before->systemMessage : std::nullopt;
+    claiming_ = true;
+    store.dispatch(Actions::InitializeRequestControllerState{});
+    claiming_ = false;
+    ownsConversation_ = true;
+    if (const auto* table = tableState()) {
+        RequestTableState settled = *table;
+        settled.maxAttachmentSize = maxFileAttachmentSize_;
+        settled.systemMessage = systemMessage;
+        store.reset(std::move(settled));
+    }
+    store.reset(input);
+    store.dispatch(RequestQueueActions::ResetQueue{});
+    RequestQueueActions::SetConfig config;
+    config.config = *configuration_;
+    store.dispatch(config);
+}
+
+bool RequestController::reclaimConversation() {
+    if (ownsConversation_ || !started_) return false;
+    // What the user has in the field stays there.
+    claimConversation(inputField_->state());
+    openConversation();
+    return true;
 }
 
 void RequestController::subscribe() {
@@ -301,7 +331,7 @@ void RequestController::subscribe() {
              if (auto screen = weak.lock()) screen->stateChanged();
          }).linkLifeCycleTo(lifetime_);
     store.addListener<InputFieldState>(std::nullopt, tivra::EqualsFilter, [weak](const InputFieldState& state) {
-             if (auto screen = weak.lock()) {
+             if (auto screen = weak.lock(); screen && screen->ownsConversation_) {
                  screen->inputField_->render(state);
                  screen->view()->setNeedsLayout();
              }
@@ -312,15 +342,31 @@ void RequestController::subscribe() {
 }
 
 void RequestController::openConversation() {
-    if (!requestId_) return;
-    const std::string id = *requestId_;
-    sendRequestViewed(id);
-    const auto mapped = idStore_.remoteToLocal.find(id);
-    const std::string key = mapped != idStore_.remoteToLocal.end() ? mapped->second : id;
-    const bool mappedTo = std::any_of(idStore_.remoteToLocal.begin(), idStore_.remoteToLocal.end(),
-                                      [&](const auto& entry) { return entry.second == id; });
-    const bool localOnly = mapped == idStore_.remoteToLocal.end() && !mappedTo &&
-                           std::find(idStore_.localIdList.begin(), idStore_.localIdList.end(), id) != idStore_.localIdList.end();
+    std::string id;
+    std::string key;
+    bool localOnly = false;
+    if (!requestId_ && conversationKey_) {
+        // A new ticket's creation answered while another screen held the slices: the id store knows.
+        idStore_.reload();
+        for (const auto& [remote, local] : idStore_.remoteToLocal)
+            if (local == *conversationKey_) requestId_ = remote;
+    }
+    if (requestId_) {
+        id = *requestId_;
+        idStore_.reload();
+        const auto mapped = idStore_.remoteToLocal.find(id);
+        key = mapped != idStore_.remoteToLocal.end() ? mapped->second : id;
+        const bool mappedTo = std::any_of(idStore_.remoteToLocal.begin(), idStore_.remoteToLocal.end(),
+                                          [&](const auto& entry) { return entry.second == id; });
+        localOnly = mapped == idStore_.remoteToLocal.end() && !mappedTo &&
+                    std::find(idStore_.localIdList.begin(), idStore_.localIdList.end(), id) != idStore_.localIdList.end();
+    } else if (conversationKey_) {
+        // A new ticket with messages but no id at the help desk yet: they are on the device alone.
+        id = key = *conversationKey_;
+        localOnly = true;
+    } else {
+        return;
+    }
     if (!localOnly) {
         RequestQueueActions::SetRequestId known;
         known.id = id;
@@ -333,6 +379,8 @@ void RequestController::openConversation() {
                                                                  std::optional<std::string>, bool closed) {
         auto screen = weak.lock();
         if (!screen) return;
+        // Another screen took the conversation meanwhile: it gets it back, and reads it again, when shown.
+        if (!screen->ownsConversation_) return screen->progressBar_->stateMachine()->queueCompleted();
         Actions::MessagesLoadedFromDisk loaded;
         loaded.messages = std::move(messages);
         loaded.mapLocalToRemote = std::move(map);
@@ -341,6 +389,13 @@ void RequestController::openConversation() {
         screen->skipNextPersist_ = table && table->tableData.empty();
         screen->store_->dispatch(loaded);
         screen->skipNextPersist_ = false;
+        if (!localOnly) {
+            // The help desk's ticket, known as such before any of its comments arrive: a failed send
+            // on it is kept under the ticket, not taken for a ticket of the device's own.
+            Actions::SetRemoteId remote;
+            remote.remoteRequestID = id;
+            screen->store_->dispatch(remote);
+        }
         if (closed) screen->store_->dispatch(Actions::TicketClosed{});
         if (localOnly) {
             Actions::LoadedFailedRequest failed;
@@ -360,7 +415,9 @@ void RequestController::fetchComments(const std::string& requestId) {
         platform::MainQueue::shared().async([weak, requestId, comments = std::move(comments)] {
             auto screen = weak.lock();
             if (!screen) return;
-            if (!comments) {
+            if (!screen->ownsConversation_) {
+                // The table shows another ticket now; this one is read again when its screen shows.
+            } else if (!comments) {
                 screen->store_->dispatch(Actions::InitalFetchCommentsError{});
             } else {
                 Actions::MessagesLoadedFromNetwork loaded;
@@ -376,11 +433,18 @@ void RequestController::fetchComments(const std::string& requestId) {
 }
 
 void RequestController::stateChanged() {
+    // Another ticket screen's conversation: neither shown, nor kept, nor taken for this one's.
+    if (!ownsConversation_) return;
     const tivra::State state = store_->state();
     const auto* table = state.value<RequestTableState>(tivra::stateKeyOf<RequestTableState>());
     if (!table) return;
+    if (table->localId)
+        conversationKey_ = table->localId;
+    else if (!requestId_ && !conversationKey_ && !table->tableData.empty())
+        conversationKey_ = id(table->tableData.front());  // a new ticket is kept under its first message's id
     if (requestTable_) requestTable_->update(state);
     const auto store = store_;
+    idStore_.reload();
     recordConversation(*table, idStore_, failedRemoteIdStore_, skipNextPersist_ ? nullptr : ticketsCache_,
                        [store](const tivra::Action& action) { store->dispatch(action); });
     skipNextPersist_ = false;
@@ -401,6 +465,12 @@ void RequestController::stateChanged() {
 }
 
 void RequestController::actionSeen(const tivra::Action& action) {
+    if (actionAs<Actions::InitializeRequestControllerState>(action)) {
+        // Another screen begins a conversation in the shared slices.
+        if (!claiming_) ownsConversation_ = false;
+        return;
+    }
+    if (!ownsConversation_) return;
     if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
         queueWorking_ = false;
         progressBar_->stateMachine()->queueCompleted();
@@ -415,6 +485,7 @@ void RequestController::actionSeen(const tivra::Action& action) {
                                                  localized(LocalizedKey::helpCenterToastRetryButton), [weak] {
                                                      auto screen = weak.lock();
                                                      if (!screen || !screen->requestId_) return;
+                                                     if (screen->reclaimConversation()) return;
                                                      screen->progressBar_->stateMachine()->begin(sharedProgressSteps());
                                                      screen->fetchComments(*screen->requestId_);
                                                  });
@@ -432,6 +503,7 @@ void RequestController::actionSeen(const tivra::Action& action) {
 }
 
 void RequestController::refresh() {
+    if (!ownsConversation_) return;  // the screen that holds the slices refreshes its own
     const auto* table = tableState();
     if (!table || !table->remoteId) return;
     RequestQueueActions::DispatchOperations operations;
@@ -441,6 +513,7 @@ void RequestController::refresh() {
 
 void RequestController::sendButtonTapped(const std::string& text,
                                          const std::vector<InputAttachmentViewStatePtr>& attachments) {
+    reclaimConversation();
     progressBar_->stateMachine()->begin(sharedProgressSteps());
     const UserMessage message = makeUserMessage(text);
     const auto messages = makeLocalMessages(message, attachments);
@@ -482,16 +555,19 @@ std::vector<Message> RequestController::messagesOfSend(const Message& message) c
 }
 
 void RequestController::showActions(const Message& failed) {
+    if (reclaimConversation()) return;  // the row was another screen's; this one's rows come back
     const auto messages = messagesOfSend(failed);
     std::weak_ptr<RequestController> weak = self();
     auto sheet = uikit::AlertController::alertController("", "", uikit::AlertControllerStyle::actionSheet);
     sheet->addAction({localized(LocalizedKey::requestsCreateRequestFailedDelete), uikit::AlertActionStyle::destructive,
                       [weak, messages](const uikit::AlertAction&) {
-                          if (auto screen = weak.lock()) screen->deleteMessages(messages);
+                          if (auto screen = weak.lock(); screen && !screen->reclaimConversation())
+                              screen->deleteMessages(messages);
                       }});
     sheet->addAction({localized(LocalizedKey::requestsCreateRequestFailedRetry), uikit::AlertActionStyle::defaultStyle,
                       [weak, messages](const uikit::AlertAction&) {
-                          if (auto screen = weak.lock()) screen->retry(messages);
+                          if (auto screen = weak.lock(); screen && !screen->reclaimConversation())
+                              screen->retry(messages);
                       }});
     sheet->addAction({localized(LocalizedKey::requestsLeftBarButtonTitleCancel), uikit::AlertActionStyle::cancel, {}});
     presentViewController(sheet, true);
@@ -500,12 +576,14 @@ void RequestController::showActions(const Message& failed) {
 void RequestController::deleteMessages(const std::vector<Message>& messages) {
     const auto* table = tableState();
     if (!table) return;
-    const bool whole = messages.size() == table->tableData.size();
+    // Only a ticket of the device's own goes whole: the help desk's stays, with its other comments.
+    const bool whole = messages.size() == table->tableData.size() && !table->remoteId;
     const auto localId = table->localId;
     Actions::DeleteMessages removed;
     removed.messages = messages;
     removed.isDeletingWholeTicket = whole;
     store_->dispatch(removed);
+    idStore_.reload();
     if (whole && localId && idStore_.removeLocalId(*localId)) {
         platform::MainQueue::shared().async([store = store_, ticket = *localId] {
             Actions::DeleteRequestFromList gone;
@@ -660,6 +738,7 @@ void RequestController::unregisterRefreshHandler() {
 
 void RequestController::viewWillAppear(bool animated) {
     CRVUIViewController::viewWillAppear(animated);
+    reclaimConversation();
     registerForKeyboardNotifications();
     registerRefreshHandler();
 }

@@ -360,7 +360,9 @@ std::optional<RequestTableState> RequestTableReducer::reduce(const RequestTableS
             return withSetMessages(loaded, disk->messages);
         }
         // The table already holds messages of this screen: the disk fills in, it doesn't rename,
-        // and what the table learnt of its sends since stays known.
+        // and what the table learnt of its sends since stays known. A table with no name yet takes
+        // the disk's, or its sends would be kept nowhere.
+        if (!loaded.localId) loaded.localId = disk->localId;
         for (const auto& [localId, remoteId] : state.mapLocalToRemote) loaded.mapLocalToRemote[localId] = remoteId;
         return merged(loaded, state.tableData, disk->messages);
     }

@@ -94,6 +94,12 @@ bool LocalIDStore::removeLocalId(const std::string& id) {
     return true;
 }
 
+void LocalIDStore::reload() {
+    remoteToLocal.clear();
+    localIdList.clear();
+    load();
+}
+
 void LocalIDStore::save() {
     if (!store) return;
     boost::json::object map;

@@ -200,13 +200,17 @@ void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::Dis
         seen.hasTicket = ticketInfo(shown_->state).has_value();
         seen.requesting = shown_->state.isRequesting();
     });
+    // The ticket's creation may also wait behind another conversation's work.
+    bool creationQueued = false;
+    for (std::size_t i = 0; i < requestOperations_.size() && !creationQueued; ++i)
+        creationQueued = owners_[i] == shown_ && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get());
     if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
         enqueue(std::make_shared<FetchNewCommentsOperation>());
         enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
-    } else if (seen.requesting) {
-        // Whatever is in flight for this conversation is its ticket's creation; this message will
-        // find the ticket.
+    } else if (seen.requesting || creationQueued) {
+        // Whatever is in flight or waiting for this conversation is its ticket's creation; this
+        // message will find the ticket.
         enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
     } else {
         enqueue(std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_));

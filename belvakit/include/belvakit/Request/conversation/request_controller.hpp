@@ -92,6 +92,10 @@ public:
     std::vector<Message> messagesOfSend(const Message& message) const;
     // Fetches what was written on the ticket since the latest known comment.
     void refresh();
+    // Whether the shared conversation slices and the send queue hold this screen's conversation.
+    // Another ticket screen that starts takes them over; this one takes them back as it shows
+    // again or as the user acts on it, so its messages never join another ticket.
+    bool ownsConversation() const { return ownsConversation_; }
 
     void viewDidLoad() override;
     void viewWillAppear(bool animated) override;
@@ -111,6 +115,11 @@ public:
 private:
     std::shared_ptr<RequestController> self();
     void start();
+    // Resets the shared slices and the queue for this screen's conversation; `input` is what the
+    // input field holds.
+    void claimConversation(const InputFieldState& input);
+    // Takes the conversation back from the ticket screen that took it over; false when it was held.
+    bool reclaimConversation();
     void subscribe();
     void openConversation();
     void fetchComments(const std::string& requestId);
@@ -150,6 +159,11 @@ private:
     // The send queue has work of this screen's: it, not the first load, ends the progress bar.
     bool queueWorking_ = false;
     bool started_ = false;
+    bool ownsConversation_ = false;
+    // Set while this screen resets the slices itself.
+    bool claiming_ = false;
+    // The conversation's key in the tickets cache, once it has one.
+    std::optional<std::string> conversationKey_;
 };
 
 } // namespace belvakit

@@ -28,6 +28,9 @@ public:
     // False, and no save, when the id wasn't known.
     bool removeLocalId(const std::string& id);
     void save();
+    // Reads the backing store again, for what other holders saved since: each change is made to
+    // what is stored now, so no holder's save drops another's.
+    void reload();
 
     // A request made from each local conversation in `cache`, in list order.
     void fetchLocalRequests(std::shared_ptr<Cache> cache,
