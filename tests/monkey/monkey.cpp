@@ -7,6 +7,7 @@
 #include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_controller.hpp"
+#include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/requestlist/request_list_refresh_action_handler.hpp"
 #include "belvakit/Request/requestlist/request_list_view_controller.hpp"
 #include "belvakit/attachments/cache.hpp"
@@ -848,6 +849,11 @@ private:
             for (const auto& message : table->tableData)
                 if (const auto* text = std::get_if<UserMessage>(&message); text && markerOf(text->body) == options_.watch)
                     where += " table(" + table->localId.value_or("-") + "):" + statusName(text->status);
+        {
+            const LocalIDStore ids;
+            where += " | ids:";
+            for (const auto& [remote, local] : ids.remoteToLocal) where += " " + remote + "->" + local.substr(0, 8);
+        }
         if (where == watched_) return;
         watched_ = where;
         std::cout << "#" << step_ << " " << markerText(options_.watch) << " kept at:" << (where.empty() ? " nowhere" : where) << std::endl;

@@ -317,6 +317,31 @@ TEST_P(QueueConversationsTest, MessagesOfANewTicketQueuedBehindAnotherTicketsWor
     EXPECT_EQ(userBodies(desk, requests[1].requestId), (std::vector<std::string>{"Opening words", "And one more thing"}));
 }
 
+// A new conversation left while its ticket is created and shown again (by its first message's id)
+// before the help desk answers: once the answer is in, its next message is a comment on that ticket.
+TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationKeepsTheTicketForItsNextMessage) {
+    auto& desk = host_.tickets();
+    const auto t2 = ticket("Other ticket");
+    Screen screen;
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    desk.setLatency(platform::milliseconds(300));
+    const auto first = screen.send("Opening words");
+    screen.open("L2", t2);
+
+    // Shown again as a screen does for a ticket of its own: by its key, no ticket id yet.
+    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    Actions::MessagesLoadedFromDisk key;
+    key.localId = first;
+    sharedStore()->dispatch(key);
+    ASSERT_TRUE(settle(time_, [&] { return Screen::shown().remoteId.has_value(); })) << "the answer reaches the table shown";
+    screen.send("And one more thing");
+    ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+    const auto requests = desk.requests();
+    ASSERT_EQ(requests.size(), 2u) << "no ticket of its own for the second message";
+    EXPECT_EQ(userBodies(desk, requests.back().requestId), (std::vector<std::string>{"Opening words", "And one more thing"}));
+}
+
 // Random sends and moves between three tickets, under failures, latencies that let answers
 // overtake each other, and agents who reply. Every message ends delivered or failed exactly once,
 // in its own conversation only; each ticket holds exactly its delivered messages, in send order.

@@ -318,6 +318,7 @@ void RequestController::claimConversation(const InputFieldState& input) {
 
 bool RequestController::reclaimConversation() {
     if (ownsConversation_ || !started_) return false;
+    CoreLogger::debug("Taking the conversation back: " + requestId_.value_or(conversationKey_.value_or("new")));
     // What the user has in the field stays there.
     claimConversation(inputField_->state());
     openConversation();

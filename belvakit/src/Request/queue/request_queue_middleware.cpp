@@ -269,6 +269,12 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
     if (auto next = RequestTableReducer().reduce(table, result)) table = std::move(*next);
     const auto shown = shownTable(getState_);
     if (shown && sameConversation(*shown, table)) {
+        // The ticket this work made is the shown conversation's, which may not know it yet.
+        requestDispatchQueue().sync([this, &conversation] {
+            if (ticketInfo(shown_->state) || hasWork(*shown_)) return;
+            if (const auto ticket = ticketInfo(conversation.state))
+                shown_->state = RequestQueueState::ticketCreated(ticket->first, ticket->second);
+        });
         // Opened again meanwhile: the table on screen takes the outcome, with the messages it
         // concerns if the screen never saw them.
         auto missing = missingMessagesOfSend(table, *shown, result);
