@@ -208,13 +208,16 @@ TEST_F(RequestContainerTest, AClosedTicketIsClosedInTheConversationFromItsStart)
 TEST_F(RequestContainerTest, AConversationWithoutItsConfigurationSaysSoAndIsNotMade) {
     const auto core = startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
     auto screen = RequestContainerController::make("12", {}, core->storeModule());
-    // Another start of the slice that carries no request configuration.
-    RequestContainerActions::Initalize bare;
+    ConversationScreenInput bare;
     bare.requestId = "12";
-    bare.configs = mirrowset::Configurations();
-    sharedStore()->dispatch(bare);
-    push(screen);
+    EXPECT_EQ(RequestContainerController::defaultConversationScreenBuilder()(bare, *screen), nullptr);
     EXPECT_TRUE(logged(LogLevel::debug, "No configuration found, please use RequestUi to present"));
+
+    // A conversation that cannot be made leaves the container loading, with the error.
+    screen->conversationScreenBuilder = [](const ConversationScreenInput&, RequestContainerController&) {
+        return uikit::ViewController::Ptr();
+    };
+    push(screen);
     EXPECT_TRUE(logged(LogLevel::error, "Failed to create conversations controller"));
     EXPECT_EQ(shownChild(*screen), "loading");
 }
