@@ -73,6 +73,25 @@ TEST_F(RequestTableReducerTest, CommentCreatedLabelsOnlyTheLastAttachmentOfTheNe
     EXPECT_EQ(state.localId, "T");
     EXPECT_EQ(state.remoteId, "42");
     EXPECT_EQ(statusOf(state.tableData, "T"), DeliveryStatus::lastDelivered);
+
+    // A ticket whose first message failed and that a later one makes keeps the conversation's id,
+    // under which the device already keeps it.
+    auto failedFirst = reduce(withMessages({text("F", t0, queued)}), [] {
+        Actions::TicketCreationError error;
+        error.id = "F";
+        return error;
+    }());
+    ASSERT_EQ(failedFirst.localId, "F");
+    failedFirst.tableData.push_back(text("T", t0 + 1, queued));
+    state = reduce(failedFirst, ticket);
+    EXPECT_EQ(state.localId, "F");
+    EXPECT_EQ(state.remoteId, "42");
+    EXPECT_EQ(reduce(state, [] {
+                  Actions::TicketCreationError error;
+                  error.id = "T";
+                  return error;
+              }()).localId,
+              "F");
 }
 
 TEST_F(RequestTableReducerTest, FailuresMarkTheTextAndItsAttachments) {

@@ -259,7 +259,8 @@ std::optional<RequestTableState> RequestTabelCreationSubReducer::reduce(const Re
         next.tableData = state.tableData;
         const std::string& localId = ticket ? ticket->localId : comment->localId;
         if (ticket) {
-            next.localId = ticket->localId;
+            // A conversation keeps the id it has: a later message may make the ticket its first failed to.
+            if (!next.localId) next.localId = ticket->localId;
             next.remoteId = ticket->remoteRequestId;
         }
         next.lastActionType = ticket ? ActionTypes::remoteTicketCreated : ActionTypes::remoteCommentCreated;
@@ -301,7 +302,7 @@ std::optional<RequestTableState> RequestTabelCreationSubReducer::reduce(const Re
     RequestTableState next = withoutMessages(state);
     next.tableData = state.tableData;
     next.lastActionType = ActionTypes::noAction;
-    if (ticketLocalId) next.localId = ticketLocalId;
+    if (ticketLocalId && !next.localId) next.localId = ticketLocalId;
     for (auto& message : next.tableData)
         if (id(message) == *failedId || isChildOf(message, *failedId)) setStatus(message, DeliveryStatus::failed);
     recompute(next);
