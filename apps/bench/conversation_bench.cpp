@@ -4,6 +4,7 @@
 // parsing it with Boost.JSON. `conversation_persist`: encode and write it atomically through the
 // "Tickets" cache, against serialising the same JSON document with Boost.JSON and writing it
 // atomically. Facts: the file size and the heap that the loaded messages hold.
+#include "conversation_fixture.hpp"
 #include "harness.hpp"
 
 #include "belvakit/Request/conversation/message_list.hpp"
@@ -235,6 +236,18 @@ std::vector<bench::Fact> facts() {
 }
 
 } // namespace
+
+const bench::SavedConversation& bench::savedConversation() {
+    static const SavedConversation saved{fixture().cache, "CONVERSATION", fixture().file, fixture().bytes.size()};
+    return saved;
+}
+
+std::size_t bench::loadSavedConversation() {
+    std::size_t count = 0;
+    const auto data = platform::readFile(fixture().file);
+    loadConversation(*data, MessageList::currentVersion, [&](auto messages, auto, auto, bool) { count = messages.size(); });
+    return count;
+}
 
 std::vector<bench::Metric> bench::conversationMetrics() {
     return {

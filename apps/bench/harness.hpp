@@ -23,6 +23,10 @@ struct Metric {
     std::function<void(benchmark::State&)> measured;
     std::function<void(benchmark::State&)> baseline;
     std::function<std::vector<Fact>()> facts;  // optional
+    // The functions report their own figure per iteration (bytes, say) as manual time in
+    // seconds, read back in `unit`, for metrics that are not times.
+    bool manualTime = false;
+    std::string unit = "ns";
 };
 
 // Each subsystem's file gives its metrics; main.cpp lists the functions.
@@ -36,5 +40,6 @@ std::vector<Metric> uiMetrics();
 std::vector<Metric> renderMetrics();
 std::vector<Metric> helpCenterSearchMetrics();
 std::vector<Metric> helpCenterMetrics();
+std::vector<Metric> conversationScreenMetrics();
 
 } // namespace bench

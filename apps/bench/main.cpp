@@ -17,7 +17,8 @@ std::vector<bench::Metric> allMetrics() {
     std::vector<bench::Metric> all;
     for (auto&& group : {bench::storeMetrics(), bench::conversationMetrics(), bench::richtextMetrics(),
                          bench::tableMetrics(), bench::queueMetrics(), bench::requestListMetrics(), bench::uiMetrics(),
-                         bench::renderMetrics(), bench::helpCenterMetrics(), bench::helpCenterSearchMetrics()})
+                         bench::renderMetrics(), bench::helpCenterMetrics(), bench::helpCenterSearchMetrics(),
+                         bench::conversationScreenMetrics()})
         for (auto& metric : group) all.push_back(metric);
     return all;
 }
@@ -64,12 +65,16 @@ int main(int argc, char** argv) {
 
     const auto metrics = allMetrics();
     for (const auto& metric : metrics) {
-        benchmark::RegisterBenchmark((metric.name + "/baseline").c_str(), metric.baseline)
-            ->Unit(benchmark::kNanosecond)
-            ->Repetitions(repetitions);
-        benchmark::RegisterBenchmark(metric.name.c_str(), metric.measured)
-            ->Unit(benchmark::kNanosecond)
-            ->Repetitions(repetitions);
+        auto* baseline = benchmark::RegisterBenchmark((metric.name + "/baseline").c_str(), metric.baseline)
+                             ->Unit(benchmark::kNanosecond)
+                             ->Repetitions(repetitions);
+        auto* measured = benchmark::RegisterBenchmark(metric.name.c_str(), metric.measured)
+                             ->Unit(benchmark::kNanosecond)
+                             ->Repetitions(repetitions);
+        if (metric.manualTime) {
+            baseline->UseManualTime();
+            measured->UseManualTime();
+        }
     }
     Collector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
@@ -88,7 +93,7 @@ int main(int argc, char** argv) {
         if (json) {
             out.push_back({{"name", metric.name},
                            {"value", *value},
-                           {"unit", "ns"},
+                           {"unit", metric.unit},
                            {"baseline", *baseline},
                            {"ratio", ratio},
                            {"target", metric.target}});
@@ -96,7 +101,8 @@ int main(int argc, char** argv) {
             std::cout << std::left << std::setw(24) << metric.name << std::right << std::fixed
                       << std::setprecision(1) << std::setw(14) << *value << std::setw(14)
                       << *baseline << std::setprecision(2) << std::setw(9) << ratio << std::setw(9)
-                      << metric.target << (ratio <= metric.target ? "" : "  over target") << "\n";
+                      << metric.target << (ratio <= metric.target ? "" : "  over target")
+                      << (metric.unit == "ns" ? "" : "  (values in " + metric.unit + ")") << "\n";
         }
     }
     if (json) std::cout << boost::json::serialize(out) << "\n";

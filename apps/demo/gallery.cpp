@@ -2,6 +2,7 @@
 
 #include "shots_article.hpp"
 #include "shots_container.hpp"
+#include "shots_conversation.hpp"
 #include "shots_create_request.hpp"
 #include "shots_help_center.hpp"
 #include "shots_request_list.hpp"
@@ -241,7 +242,7 @@ std::vector<GalleryShot> galleryShots() {
                          return inNavigation(screen);
                      }});
     shots.push_back({"themed-table", "A themed table", 1.0, [] { return inNavigation(std::make_shared<TableScreen>()); }});
-    for (auto&& more : {containerShots(), createRequestShots(), requestListShots(), helpCenterShots(), articleShots(), searchShots()})
+    for (auto&& more : {containerShots(), conversationShots(), createRequestShots(), requestListShots(), helpCenterShots(), articleShots(), searchShots()})
         shots.insert(shots.end(), more.begin(), more.end());
     return shots;
 }

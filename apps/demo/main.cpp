@@ -1,25 +1,12 @@
-// belva-demo: a host application on the embedded help desk. It opens a ticket with an attachment,
-// adds a comment, lets the simulated agent answer, and prints what the send queue did and what the
-// help desk holds.
-#include "belvakit/Request/conversation/actions.hpp"
-#include "belvakit/Request/conversation/local_messages.hpp"
-#include "belvakit/Request/conversation/request_table_state.hpp"
-#include "belvakit/Request/conversation/request_table_reducer.hpp"
-#include "belvakit/Request/requestlist/request_list_cell_data.hpp"
-#include "belvakit/Request/queue/local_id_store.hpp"
-#include "belvakit/Request/queue/request_fetcher.hpp"
-#include "belvakit/Request/queue/request_queue_actions.hpp"
+// belva-demo: a host application on the embedded help desk. In a window where a display exists;
+// otherwise, or with --tour, a scripted walk through every screen that writes a picture per step.
 #include "engine_dialog.hpp"
 #include "gallery_runner.hpp"
-#include "belvakit/entry/shared_store.hpp"
-#include "platform/calendar.hpp"
-#include "belvakit/entry/support_ui.hpp"
-#include "belvakit/entry/version.hpp"
-#include "platform/main_queue.hpp"
-#include "platform/uuid.hpp"
-#include "sandbox/help_desk.hpp"
+#include "host_window.hpp"
+#include "queue_walk.hpp"
+#include "tour.hpp"
 
-#include <filesystem>
+#include <cstdlib>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -27,174 +14,39 @@
 
 namespace {
 
-using namespace belvakit;
-
-// Prints the outcome of every send as the shared store sees it.
-void printQueueAction(const tivra::Action& action) {
-    if (const auto* ticket = tivra::actionAs<Actions::TicketCreated>(action)) {
-        std::cout << "  ticket created: local " << ticket->localId << " -> request " << ticket->remoteRequestId
-                  << ", first comment " << ticket->remoteCommentId << ", " << ticket->attachments.size()
-                  << " attachment(s)\n";
-    } else if (const auto* comment = tivra::actionAs<Actions::CommentCreated>(action)) {
-        std::cout << "  comment created: local " << comment->localId << " -> comment " << comment->remoteCommentId
-                  << "\n";
-    } else if (const auto* fetched = tivra::actionAs<Actions::NewCommentsFetched>(action)) {
-        std::cout << "  fetched " << fetched->comments.size() << " new comment(s)\n";
-    } else if (const auto* failed = tivra::actionAs<Actions::TicketCreationError>(action)) {
-        std::cout << "  ticket creation failed: " << failed->id << "\n";
-    } else if (const auto* commentFailed = tivra::actionAs<Actions::CommentCreationError>(action)) {
-        std::cout << "  comment failed: " << commentFailed->id << "\n";
-    } else if (const auto* uploadFailed = tivra::actionAs<Actions::AttachmentsUploadError>(action)) {
-        std::cout << "  upload failed: " << uploadFailed->id << "\n";
-    } else if (tivra::actionAs<RequestQueueActions::QueueCompleted>(action)) {
-        std::cout << "  queue completed\n";
-    }
+void usage() {
+    std::cout << "usage: belva-demo [--window [--snapshot PNG] | --tour [DIR] | --shots DIR | --gallery | --engine | --queue]\n"
+                 "  (none)       the host app in a window when a display exists, else the tour into ./belva-tour\n"
+                 "  --window     the host app in a window, beside the help desk's switches and the log\n"
+                 "               (--snapshot PNG draws that window to a picture and quits; no display needed)\n"
+                 "  --tour DIR   a scripted walk through every screen, a picture per step in DIR\n"
+                 "  --shots DIR  the gallery of single screens, drawn to DIR\n"
+                 "  --gallery    the gallery in a window\n"
+                 "  --engine     the support engine's dialog, printed\n"
+                 "  --queue      the send queue without screens, printed\n";
 }
 
-std::string_view statusText(DeliveryStatus status) {
-    switch (status) {
-    case DeliveryStatus::notDelivered: return "queued";
-    case DeliveryStatus::delivered: return "delivered";
-    case DeliveryStatus::lastDelivered: return "delivered (last)";
-    case DeliveryStatus::failed: return "failed";
-    }
-    return "";
-}
-
-// One row of the conversation table, as text.
-std::string describeRow(const CellItem& row) {
-    if (const auto* date = std::get_if<DateItem>(&row)) return "--- " + platform::dateDescription(date->date) + " ---";
-    if (const auto* notice = std::get_if<SystemMessage>(&row)) return "(" + notice->message + ")";
-    return std::visit(
-        [](const auto& message) -> std::string {
-            using T = std::decay_t<decltype(message)>;
-            std::string text = std::string(rawValue(T::type)) + ": ";
-            if constexpr (TextMessage<T>) text += message.body;
-            else text += message.filename;
-            if constexpr (IdentifiableUserMessage<T>) text += "  — " + message.name;
-            if constexpr (DeliverableEvent<T>) text += "  [" + std::string(statusText(message.status)) + "]";
-            if (message.isEndOfGroup) text += "  |end of group";
-            return text;
-        },
-        std::get<Message>(row));
-}
-
-// Sends one message through the queue and runs the main loop until the queue is dry.
-bool send(const std::string& id, const std::string& body, std::vector<Upload::Attachment> attachments,
-          int& completed) {
-    std::cout << "send \"" << body << "\"" << (attachments.empty() ? "" : " with ")
-              << (attachments.empty() ? "" : std::to_string(attachments.size()) + " attachment(s)") << "\n";
-    RequestQueueActions::DispatchDetails details;
-    details.id = id;
-    details.body = body;
-    details.attachments = std::move(attachments);
-    // The conversation shows the message and its files at once, queued, before the queue sends them.
-    Actions::NewMessages shown;
-    const UserMessage text = makeUserMessage(body, id);
-    shown.messages.push_back(text);
-    for (const auto& attachment : details.attachments) {
-        UserFile file;
-        file.id = attachment.id;
-        file.parentId = id;
-        file.filename = attachment.filename.value_or(interpolatedFilename(attachment));
-        file.size = static_cast<std::int64_t>(attachment.data.size());
-        file.fileType = attachment.fileType;
-        file.createdAt = text.createdAt;
-        file.downloaded = true;
-        shown.messages.push_back(file);
-    }
-    sharedStore()->dispatch(shown);
-    const int before = completed;
-    sharedStore()->dispatch(details);
-    return platform::MainQueue::shared().runUntil([&] { return completed > before; });
-}
+bool hasDisplay() { return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY"); }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc > 1 && std::string_view(argv[1]) == "--engine") return belvademo::runEngineDialog();
-    if (argc > 2 && std::string_view(argv[1]) == "--shots") {
-        const std::string directory = argv[2];
-        return belvademo::renderGalleryShots(argc, argv, directory);
+    const std::string_view mode = argc > 1 ? argv[1] : "";
+    if (mode == "--engine") return belvademo::runEngineDialog();
+    if (mode == "--queue") return belvademo::runQueueWalk();
+    if (mode == "--shots" && argc > 2) return belvademo::renderGalleryShots(argc, argv, argv[2]);
+    if (mode == "--gallery") return belvademo::runGalleryWindow(argc, argv);
+    if (mode == "--tour") return belvademo::runTour(argc, argv, argc > 2 ? argv[2] : "belva-tour");
+    if (mode == "--window") {
+        std::optional<std::string> snapshot;
+        if (argc > 3 && std::string_view(argv[2]) == "--snapshot") snapshot = argv[3];
+        return belvademo::runHostWindow(argc, argv, snapshot);
     }
-    if (argc > 1 && std::string_view(argv[1]) == "--window") return belvademo::runGalleryWindow(argc, argv);
-    const auto storage = std::filesystem::temp_directory_path() / "belva-demo";
-    std::filesystem::remove_all(storage);
-    auto helpDesk = sandbox::HelpDesk::make({.storageDirectory = storage});
-    auto core = helpDesk->initializeCorvane(corvane::Identity::createAnonymous("Demo User", "demo@example.com"));
-    SupportUI::initialize(core);
-    std::cout << "BelvaKit " << libraryVersion() << " on the embedded help desk at "
-              << core->accountDetails().accountUrl << "\n";
-
-    // The simulated agent answers every comment of the user after a short while.
-    auto& desk = *helpDesk->tickets();
-    const auto agent = desk.addAgent("Sam from Support");
-    desk.setAutoReply(agent.userId, [](const dastrel::CRVRequest&, const dastrel::CRVComment& comment) {
-        return std::optional<sandbox::TicketDesk::Reply>(sandbox::TicketDesk::Reply{
-            "Thanks, I am looking into \"" + comment.body + "\".", "<p>Thanks, I am looking into it.</p>",
-            platform::milliseconds(200)});
-    });
-
-    int completed = 0;
-    auto subscription = sharedStore()->addActionListener([&](const tivra::Action& action) {
-        if (tivra::actionAs<RequestQueueActions::QueueCompleted>(action)) ++completed;
-        printQueueAction(action);
-    });
-
-    const auto ticketLocalId = platform::uuidString();
-    const Upload::Attachment receipt{"Order 1234, paid 2023-11-14", platform::uuidString(), FileType::txt,
-                                     "receipt.txt"};
-    bool ok = send(ticketLocalId, "My order never arrived.", {receipt}, completed);
-    ok = ok && send(platform::uuidString(), "It was order 1234.", {}, completed);
-
-    const auto requests = desk.requests();
-    if (!ok || requests.empty()) {
-        std::cout << "the help desk has no ticket; giving up\n";
-        subscription.removeListener();
-        return 1;
+    if (mode.empty()) {
+        if (hasDisplay()) return belvademo::runHostWindow(argc, argv);
+        std::cout << "No display: touring the app offscreen instead.\n";
+        return belvademo::runTour(argc, argv, "belva-tour");
     }
-    const auto requestId = requests.front().requestId;
-    auto agentAnswered = [&] {
-        for (const auto& comment : desk.comments(requestId))
-            if (comment.authorId == agent.userId) return true;
-        return false;
-    };
-    platform::MainQueue::shared().runUntil(agentAnswered);
-
-    // The id map that lets the device find this conversation again after a restart.
-    LocalIDStore ids;
-    ids.remoteToLocal[requestId] = ticketLocalId;
-    ids.addLocalId(ticketLocalId);
-
-    std::optional<std::vector<Request::Comment>> conversation;
-    RequestFetcher().fetchComments(requestId, [&](auto comments) { conversation = std::move(comments); });
-    platform::MainQueue::shared().runUntil([&] { return conversation.has_value(); });
-
-    std::cout << "\nrequest " << requestId << " (" << desk.requests().front().status << ")\n";
-    for (const auto& comment : conversation.value_or(std::vector<Request::Comment>{})) {
-        std::cout << "  [" << comment.id << "] " << comment.name << (comment.isAgent ? " (agent)" : "") << ": "
-                  << comment.body << "\n";
-        for (const auto& file : comment.attachments)
-            std::cout << "      attachment " << file.fileName << ", " << file.fileSize << " bytes, " << file.fileUrl
-                      << "\n";
-    }
-
-    // What the agent wrote joins the conversation the way a fetch of new comments brings it.
-    Actions::NewCommentsFetched fetched;
-    fetched.comments = conversation.value_or(std::vector<Request::Comment>{});
-    sharedStore()->dispatch(fetched);
-    std::cout << "\nconversation rows:\n";
-    if (const auto* table = sharedStore()->state().valueOfType<RequestTableState>())
-        for (const auto& row : table->cellItems) std::cout << "  " << describeRow(row) << "\n";
-
-    const auto request = desk.requests().front();
-    const auto cell = RequestListCellData::fromRequest(request, {agent}, false);
-    std::cout << "\nlist cell: " << cell.requestTitle << " | " << rawValue(cell.requestStatus) << " | "
-              << cell.displayTimestamp << " | " << cell.commentCount << " comments | last: "
-              << cell.requestLastComment.value_or("") << " | agent: "
-              << (cell.agentAvatarInfo ? cell.agentAvatarInfo->agentName : std::string("none")) << "\n";
-
-    std::cout << "\nid map: request " << requestId << " -> local " << ids.remoteToLocal.at(requestId) << "\n";
-    subscription.removeListener();
-    return 0;
+    usage();
+    return mode == "--help" || mode == "-h" ? 0 : 2;
 }

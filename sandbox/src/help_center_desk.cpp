@@ -144,6 +144,15 @@ private:
     std::shared_ptr<HelpCenterDesk> desk_;
 };
 
+// The call of a provider's callback with an answer or its error.
+template <class T>
+std::function<void()> delivery(dastrel::CRVCallback<T> callback, std::optional<dastrel::ProviderError> error, T value) {
+    return [callback = std::move(callback), error = std::move(error), value = std::move(value)]() mutable {
+        if (error) return callback(std::nullopt, error);
+        callback(std::move(value), std::nullopt);
+    };
+}
+
 } // namespace
 
 HelpCenterDesk::HelpCenterDesk(HelpCenterContent content, std::shared_ptr<AttachmentStore> files,
@@ -318,13 +327,7 @@ void HelpCenterDesk::getOverview(const dastrel::CRVHelpCenterOverviewContentMode
             }
         }
     }
-    const bool failed = error.has_value();
-    answer(
-        [callback = std::move(callback), error, categories = std::move(categories)]() mutable {
-            if (error) return callback(std::nullopt, error);
-            callback(std::move(categories), std::nullopt);
-        },
-        failed);
+    answer(delivery(std::move(callback), error, std::move(categories)), error.has_value());
 }
 
 void HelpCenterDesk::getArticlesWithSectionId(std::int64_t sectionId,
@@ -341,13 +344,7 @@ void HelpCenterDesk::getArticlesWithSectionId(std::int64_t sectionId,
                 if (article.record.section_id == sectionId && hasAnyLabel(article.record, labels))
                     articles.push_back(article.record);
     }
-    const bool failed = error.has_value();
-    answer(
-        [callback = std::move(callback), error, articles = std::move(articles)]() mutable {
-            if (error) return callback(std::nullopt, error);
-            callback(std::move(articles), std::nullopt);
-        },
-        failed);
+    answer(delivery(std::move(callback), error, std::move(articles)), error.has_value());
 }
 
 void HelpCenterDesk::getArticleWithId(const std::string& articleId,
@@ -363,13 +360,7 @@ void HelpCenterDesk::getArticleWithId(const std::string& articleId,
         if (!error && !article) error = notFoundError();
         if (article) articles.push_back(article->record);
     }
-    const bool failed = error.has_value();
-    answer(
-        [callback = std::move(callback), error, articles = std::move(articles)]() mutable {
-            if (error) return callback(std::nullopt, error);
-            callback(std::move(articles), std::nullopt);
-        },
-        failed);
+    answer(delivery(std::move(callback), error, std::move(articles)), error.has_value());
 }
 
 void HelpCenterDesk::getAttachments(const std::string& articleId,
@@ -470,13 +461,7 @@ void HelpCenterDesk::vote(const std::string& articleId, int value,
             answerList.push_back(vote);
         }
     }
-    const bool failed = error.has_value();
-    answer(
-        [callback = std::move(callback), error, answerList = std::move(answerList)]() mutable {
-            if (error) return callback(std::nullopt, error);
-            callback(std::move(answerList), std::nullopt);
-        },
-        failed);
+    answer(delivery(std::move(callback), error, std::move(answerList)), error.has_value());
 }
 
 void HelpCenterDesk::removeVote(const std::string& voteId, dastrel::CRVCallback<dastrel::CRVHelpCenterArticleVote> callback) {

@@ -122,8 +122,7 @@ protected:
         agent = desk.addAgent("Grace").userId;
         desk.createRequest({std::nullopt, "My printer prints blank pages", {}, {}, std::nullopt, {}},
                            [](auto, auto) {});
-        settled([&] { return !desk.requests().empty(); });
-        const auto id = desk.requests().front().requestId;
+        const auto id = desk.requests().back().requestId;
         for (int i = 0; i < agentComments; ++i) {
             time.advance(platform::seconds(60));
             desk.addAgentComment(id, agent, "Step " + std::to_string(i) + ": please try turning it off and on again.");
@@ -226,12 +225,10 @@ TEST_F(ConversationScreenTest, AnAgentsAnswerArrivesAsABatchInsertWhileTheUserRe
     queue_testing::pass(time, platform::seconds(31));
     ASSERT_EQ(host->tickets().comments(id).size(), 33u);
 
-    // The help desk's push reaches the screen through its refresh action.
-    auto handler = corvane::Corvane::instance()->actionHandlerRegistry().handler(
-        RequestDetailRefreshActionHandler::actionName(id));
-    ASSERT_TRUE(handler);
+    // The host hears of the answer by a push and asks for a refresh of the ticket.
+    ASSERT_TRUE(corvane::Corvane::instance()->actionHandlerRegistry().handler(RequestDetailRefreshActionHandler::actionName(id)));
     table().clearAppliedUpdates();
-    handler->handle({{"request_id", id}});
+    ASSERT_TRUE(dastrel::Support::instance()->refreshRequest(id));
     ASSERT_TRUE(settled([&] { return state().tableData.size() == 33; }));
     window->layoutTree();
 
@@ -258,13 +255,21 @@ TEST_F(ConversationScreenTest, ASendWhileOfflineFailsOffersRetryAndSucceedsOnceO
     ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
 
     host->tickets().setOffline(true);
-    typeAndSend("Hello?");
+    auto* field = find<uikit::TextInput>("CRVmessageBodyField");
+    ASSERT_TRUE(field);
+    uikit::typeText(*field, "  \n");
+    EXPECT_FALSE(screen->hasUnsavedEdits()) << "only space is no reply";
+    for (int i = 0; i < 3; ++i) field->deleteBackward();
+    uikit::typeText(*field, "Hello?");
+    EXPECT_TRUE(screen->hasUnsavedEdits()) << "leaving now would drop the reply";
+    ASSERT_TRUE(uikit::tap(*find("CRVsendButton")));
     ASSERT_TRUE(settled([&] { return statusOf("Hello?") == DeliveryStatus::failed; }));
     auto* error = find("CRVerrorStatusView");
     ASSERT_TRUE(error && uikit::isShown(*error));
     EXPECT_EQ(dynamic_cast<uikit::Label*>(error)->text(), localized(LocalizedKey::requestsCreateRequestCellError));
     auto* retry = find("CRVretryButton");
     ASSERT_TRUE(retry && uikit::isShown(*retry));
+    EXPECT_FALSE(screen->hasUnsavedEdits()) << "a sent reply is no longer an edit";
 
     host->tickets().setOffline(false);
     ASSERT_TRUE(uikit::tap(*retry));
@@ -514,6 +519,105 @@ TEST_F(ConversationScreenTest, AnOpenTicketComesFromTheDiskFirstAndAFailedFetchO
     auto* retry = find("CRVtoastRetryButton");
     ASSERT_TRUE(retry && uikit::tap(*retry));
     ASSERT_TRUE(settled([&] { return state().tableData.size() == 5; }));
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, TheNextConversationShowsOnlyItsOwnMessages) {
+    const auto first = ticketWithHistory(2);
+    open(first);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    host->tickets().setOffline(true);
+    typeAndSend("Are you there?");
+    ASSERT_TRUE(settled([&] { return statusOf("Are you there?") == DeliveryStatus::failed; }));
+    window->setRootViewController(nullptr);
+    std::weak_ptr<RequestController> gone = screen;
+    screen.reset();
+    navigation.reset();
+    queue_testing::pass(time, platform::seconds(1));
+    EXPECT_TRUE(gone.expired()) << "the screen outlives its window";
+
+    host->tickets().setOffline(false);
+    const auto second = ticketWithHistory(1);
+    open(second);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    std::string shown;
+    for (const auto& message : state().tableData) shown += id(message) + ":" + (bodyOf(message) ? *bodyOf(message) : "") + " | ";
+    EXPECT_EQ(state().tableData.size(), 2u) << shown << " localId " << state().localId.value_or("-");
+    EXPECT_FALSE(statusOf("Are you there?").has_value());
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, ASendDuringTheFirstLoadKeepsTheProgressBarUntilItsQueueIsDone) {
+    const auto id = ticketWithHistory(1);
+    host->tickets().setLatency(platform::seconds(2));
+    open(id);
+    // The disk answers on its own thread, in real time: the send goes while the fetch of the
+    // comments is under way.
+    ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return state().localId.has_value(); }));
+    screen->sendButtonTapped("Quick question", {});
+    const auto& progress = *screen->progressBar()->stateMachine();
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    EXPECT_NE(statusOf("Quick question"), DeliveryStatus::lastDelivered);
+    EXPECT_TRUE(progress.state() == ProgressState::running || progress.state() == ProgressState::waiting)
+        << toString(progress.state());
+    ASSERT_TRUE(settled([&] { return statusOf("Quick question") == DeliveryStatus::lastDelivered; }));
+    ASSERT_TRUE(settled([&] { return progress.state() == ProgressState::idle; }));
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, TheKeyboardKeepsAReaderAtTheEndAtTheEnd) {
+    const auto id = ticketWithHistory(20);
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 21; }));
+    const int last = table().numberOfRowsInSection(0) - 1;
+    const auto lastRowShows = [&] {
+        window->layoutTree();
+        const auto rows = table().indexPathsForVisibleRows();
+        return std::find(rows.begin(), rows.end(), uikit::IndexPath{0, last}) != rows.end() &&
+               table().rectForRow({0, last}).maxY() <= table().contentOffset().y + table().frame().height() + 0.5;
+    };
+    ASSERT_TRUE(lastRowShows());
+    const double before = table().frame().height();
+    auto* field = find<uikit::TextInput>("CRVmessageBodyField");
+    ASSERT_TRUE(field && field->becomeFirstResponder());
+    window->showKeyboard(260);
+    queue_testing::pass(time, platform::seconds(1));
+    EXPECT_LT(table().frame().height(), before - 200);
+    EXPECT_TRUE(lastRowShows());
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversationScreenTest, AHelpCenterLinkInAnAgentsCommentOpensTheArticle) {
+    const auto id = ticketWithHistory(1);
+    host->tickets().addAgentComment(id, agent, "See our guide.",
+                                    std::string("<p>See our <a href=\"https://belva.example.com/hc/en-us/articles/360001-installing-orbit-planner\">"
+                                                "guide</a>.</p>"));
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 3; }));
+    EXPECT_EQ(host->helpDesk->telemetry()->count("requestViewed"), 1u);
+
+    window->layoutTree();
+    const auto texts = uikit::findAll(root(), [](const uikit::View& view) {
+        const auto* text = dynamic_cast<const MessageTextView*>(&view);
+        return text && !text->links().empty() && uikit::isShown(view);
+    });
+    ASSERT_EQ(texts.size(), 1u);
+    ASSERT_TRUE(uikit::tap(*texts.front()));
+    queue_testing::pass(time, platform::seconds(1));
+    ASSERT_EQ(navigation->viewControllers().size(), 2u);
+    EXPECT_EQ(navigation->viewControllers().back()->className(), "CRVArticleViewController");
 }
 
 } // namespace

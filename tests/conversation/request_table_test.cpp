@@ -414,6 +414,12 @@ TEST_F(RequestTableTest, AtTheBottomNewRowsComeIntoView) {
     tableView->layoutIfNeeded();
     EXPECT_EQ(shownIds().rbegin()->second, "answer");
 
+    // Older comments merged in above keep a reader at the end there.
+    items.insert(items.begin(), Message(agentText("older")));
+    table->update(RequestTableState{.cellItems = items});
+    tableView->layoutIfNeeded();
+    EXPECT_EQ(shownIds().rbegin()->second, "answer");
+
     // The user's own message scrolls into view from anywhere.
     tableView->setContentOffset({0, 0});
     items.emplace_back(Message(userText("mine", DeliveryStatus::notDelivered)));

@@ -1,5 +1,6 @@
 #include "../queue/host_fixture.hpp"
 #include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/local_messages.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_middleware.hpp"
 #include "belvakit/Request/createrequest/create_request_state.hpp"
@@ -8,6 +9,10 @@
 #include "tivra/state_key.hpp"
 
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 
 using namespace belvakit;
 using queue_testing::settle;
@@ -147,4 +152,29 @@ TEST(PrepareDispatchDetails, AnEmptyListOrOneWithoutATextDispatchesNothing) {
     prepareDispatchDetails({agent}, {}, [&](const RequestQueueActions::DispatchDetails&) { ++calls; });
     queue_testing::pass(time, platform::milliseconds(200));
     EXPECT_EQ(calls, 0);
+}
+
+TEST(PrepareDispatchDetails, EverySendIsPreparedOffTheMainThreadInTheOrderOfTheCalls) {
+    testing_support::VirtualTime time;
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::vector<std::string> order;
+    bool onMain = false;
+    constexpr int sends = 60;
+    for (int i = 0; i < sends; ++i) {
+        const UserMessage text = makeUserMessage("send " + std::to_string(i));
+        // Files on every third send: they take longer to prepare than a text alone.
+        std::vector<InputAttachmentViewStatePtr> files;
+        if (i % 3 == 0) files.push_back(file("big", std::string(200000, 'x')));
+        prepareDispatchDetails(makeLocalMessages(text, files), files, [&](const RequestQueueActions::DispatchDetails& details) {
+            std::lock_guard lock(mutex);
+            onMain = onMain || platform::MainQueue::shared().isMainThread();
+            order.push_back(details.body);
+            arrived.notify_all();
+        });
+    }
+    std::unique_lock lock(mutex);
+    ASSERT_TRUE(arrived.wait_for(lock, std::chrono::seconds(10), [&] { return order.size() == sends; }));
+    EXPECT_FALSE(onMain);
+    for (int i = 0; i < sends; ++i) EXPECT_EQ(order[static_cast<std::size_t>(i)], "send " + std::to_string(i)) << i;
 }

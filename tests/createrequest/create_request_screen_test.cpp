@@ -1,5 +1,7 @@
 #include "../queue/host_fixture.hpp"
 #include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/input_field_actions.hpp"
+#include "belvakit/Request/conversation/input_field_state.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_controller.hpp"
@@ -148,6 +150,13 @@ protected:
         std::vector<std::string> ids;
         for (const auto& attachment : form->attachmentCollectionView()->state().attachments)
             ids.push_back(attachment->identifier());
+        return ids;
+    }
+
+    std::vector<std::string> storeAttachmentIds() const {
+        std::vector<std::string> ids;
+        if (const auto* input = sharedStore()->state().valueOfType<InputFieldState>())
+            for (const auto& attachment : input->attachments()) ids.push_back(attachment->identifier());
         return ids;
     }
 
@@ -330,13 +339,94 @@ TEST_F(CreateRequestScreenTest, AFailedSendShowsTheErrorKeepsEverythingAndTheRet
     EXPECT_EQ(navigation->topViewController(), rootScreen.get());
 }
 
-TEST_F(CreateRequestScreenTest, AttachmentsWithinTheLimitJoinTheStripLargerOnesAreRefusedWithTheTooBigText) {
+TEST_F(CreateRequestScreenTest, EachChangeOfTheSliceRedrawsTheRowOfTheSendStateAndStartsNothingTwice) {
+    ASSERT_TRUE(open({.maxAttachmentSize = 100}));
+    const auto tooBig = localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig);
+    const auto error = localized(LocalizedKey::requestsCreateRequestErrorRequest);
+    // Unsent: the next change of the form takes the strip away.
+    picker->pick(textFile("over", 101));
+    EXPECT_EQ(status(), tooBig);
+    type("CRVmessageBodyField", "T");
+    queue_testing::pass(time, platform::milliseconds(400));
+    EXPECT_EQ(status(), "");
+
+    // Failed: the error comes back over a later note, while the fields and the send button follow the edits.
+    fillValid();
+    host.tickets().failNext(1);
+    tapSend();
+    ASSERT_TRUE(settled([&] { return form->state().sending == Sending::failure; }));
+    picker->pick(textFile("over", 101));
+    EXPECT_EQ(status(), tooBig);
+    type("CRVmessageBodyField", "!");
+    EXPECT_EQ(status(), error);
+    EXPECT_EQ(window->firstResponder(), &input("CRVmessageBodyField"));
+    EXPECT_TRUE(sendEnabled());
+    auto& description = input("CRVmessageBodyField");
+    while (!description.text().empty()) description.deleteBackward();
+    EXPECT_FALSE(sendEnabled());
+    EXPECT_EQ(status(), error);
+    type("CRVmessageBodyField", "Again");
+    EXPECT_TRUE(sendEnabled());
+
+    // Sending: changes on the way neither restart the bar nor bring the strip in again.
+    host.tickets().setLatency(platform::milliseconds(500));
+    tapSend();
+    ASSERT_EQ(form->state().sending, Sending::sending);
+    queue_testing::pass(time, platform::milliseconds(200));
+    const double filled = form->progressBar()->progressView()->frame().width();
+    const auto barState = form->progressBar()->stateMachine()->state();
+    ASSERT_NE(barState, ProgressState::idle);
+    const auto statusFrame = form->toastView()->frame();
+    Actions::AttachmentButtonStateChanged closed;
+    closed.isSelected = false;
+    sharedStore()->dispatch(closed);
+    sharedStore()->dispatch(closed);
+    EXPECT_EQ(form->progressBar()->stateMachine()->state(), barState);
+    EXPECT_GE(form->progressBar()->progressView()->frame().width(), filled);
+    EXPECT_EQ(form->toastView()->frame(), statusFrame);
+    EXPECT_EQ(status(), localized(LocalizedKey::requestsCreateRequestSending));
+    EXPECT_TRUE(shown("CRVloadingView"));
+    ASSERT_TRUE(settled([&] { return form->state().sending == Sending::sent; }));
+    queue_testing::pass(time, platform::milliseconds(400));
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(CreateRequestScreenTest, AQueueThatDrainsWithoutASendEndsTheEditingOnceAndIsNoFailure) {
+    ASSERT_TRUE(open({.requiresName = false, .requiresEmail = false}));
+    type("CRVmessageBodyField", "Half a");
+    ASSERT_EQ(window->firstResponder(), &input("CRVmessageBodyField"));
+    // Work left over from another screen completes: the form counts as sent.
+    sharedStore()->dispatch(RequestQueueActions::QueueCompleted{});
+    ASSERT_EQ(form->state().sending, Sending::sent);
+    EXPECT_EQ(window->firstResponder(), nullptr);
+    EXPECT_EQ(status(), "");
+    EXPECT_FALSE(shown("CRVloadingView"));
+    EXPECT_TRUE(sendEnabled());
+    // Typing on goes on: the keyboard stays as the edits change the slice.
+    type("CRVmessageBodyField", " thought");
+    EXPECT_EQ(window->firstResponder(), &input("CRVmessageBodyField"));
+    EXPECT_EQ(input("CRVmessageBodyField").text(), "Half a thought");
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(CreateRequestScreenTest, AttachmentsLiveInTheInputFieldsSliceAndTheAccountsLimitThereRefusesLargerOnes) {
     ASSERT_TRUE(open({.maxAttachmentSize = 100,
                       .preAttached = {RequestAttachment("fits.txt", std::string(100, 'a'), FileType::txt),
                                       RequestAttachment("big.txt", std::string(101, 'a'), FileType::txt)}}));
-    // Pre-attached files pass the same limit; one of exactly the limit is kept.
+    // Pre-attached files reach the input field's slice with the limit; one of exactly the limit is kept.
     ASSERT_EQ(form->attachmentCollectionView()->state().attachments.size(), 1u);
     const std::string preAttachedId = attachmentIds()[0];
+    EXPECT_EQ(storeAttachmentIds(), attachmentIds());
+
+    std::vector<std::int64_t> tooBig;
+    std::vector<std::string> removedInStore;
+    auto actions = sharedStore()->addActionListener([&](const tivra::Action& action) {
+        if (const auto* big = tivra::actionAs<Actions::AttachmentTooBig>(action)) tooBig.push_back(big->maxSize);
+        if (const auto* removed = tivra::actionAs<Actions::AttachmentRemoved>(action))
+            removedInStore.push_back(removed->identifier);
+    });
+    std::vector<std::string> removed;
+    form->imageRemoved = [&](const std::string& identifier) { removed.push_back(identifier); };
 
     type("CRVmessageBodyField", "See attached");
     // The attach button opens the picker and lights up while it is open.
@@ -348,6 +438,10 @@ TEST_F(CreateRequestScreenTest, AttachmentsWithinTheLimitJoinTheStripLargerOnesA
     picker->pick(textFile("exact", 100));
     picker->pick(textFile("over", 101));
     EXPECT_EQ(attachmentIds(), (std::vector<std::string>{preAttachedId, "exact-id"}));
+    EXPECT_EQ(storeAttachmentIds(), attachmentIds());
+    // Refused by the store's middleware, which the picker hears of through `imageRemoved`.
+    EXPECT_EQ(tooBig, std::vector<std::int64_t>{100});
+    EXPECT_EQ(removed, std::vector<std::string>{"over-id"});
     EXPECT_EQ(status(), localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig));
     const auto debug = log.messages(platform::LogLevel::debug);
     EXPECT_NE(std::find(debug.begin(), debug.end(), "Attachment too large"), debug.end());
@@ -355,31 +449,74 @@ TEST_F(CreateRequestScreenTest, AttachmentsWithinTheLimitJoinTheStripLargerOnesA
     queue_testing::pass(time, platform::seconds(3.5));
     EXPECT_FALSE(shown("CRVcreateRequestStatusView"));
 
+    // The limit is the account's, as the store holds it, not the one the form was made with.
+    Actions::SettingsFetched smaller;
+    smaller.isAttachmentsEnabled = true;
+    smaller.maxAttachmentSize = 50;
+    sharedStore()->dispatch(smaller);
+    picker->pick(textFile("sixty", 60));
+    EXPECT_EQ(tooBig, (std::vector<std::int64_t>{100, 50}));
+    EXPECT_EQ(attachmentIds(), (std::vector<std::string>{preAttachedId, "exact-id"}));
+
+    // What others add to the slice shows in the strip as well.
+    Actions::AttachmentAdded added;
+    added.viewModel = textFile("pasted", 10);
+    sharedStore()->dispatch(added);
+    EXPECT_EQ(attachmentIds(), (std::vector<std::string>{preAttachedId, "exact-id", "pasted-id"}));
+
     // A second tap closes the picker and gives the keyboard back to the description.
     uikit::tap(*form->attachButton());
     EXPECT_FALSE(picker->shown);
     EXPECT_EQ(form->state().attachmentButtonState, AttachmentButtonState::normal);
     EXPECT_EQ(window->firstResponder(), &input("CRVmessageBodyField"));
 
-    // Removing a chip tells whoever listens.
-    std::vector<std::string> removed;
-    form->imageRemoved = [&](const std::string& identifier) { removed.push_back(identifier); };
+    // Removing a chip goes through the store, which tells whoever listens.
+    removed.clear();
+    removedInStore.clear();
     auto* chip = uikit::findByIdentifier(*window, "CRVattachment_exact-id");
     ASSERT_NE(chip, nullptr);
     uikit::tap(*uikit::findByIdentifier(*chip, "CRVremoveAttachmentButton"));
+    EXPECT_EQ(removedInStore, std::vector<std::string>{"exact-id"});
     EXPECT_EQ(removed, std::vector<std::string>{"exact-id"});
-    EXPECT_EQ(attachmentIds(), std::vector<std::string>{preAttachedId});
+    EXPECT_EQ(attachmentIds(), (std::vector<std::string>{preAttachedId, "pasted-id"}));
+    EXPECT_EQ(storeAttachmentIds(), attachmentIds());
     EXPECT_EQ(uikit::findByIdentifier(*window, "CRVattachment_exact-id"), nullptr);
+    actions.removeListener();
+}
+
+TEST_F(CreateRequestScreenTest, TheStoresBecomeFirstResponderGivesTheKeyboardBackToTheFieldThatHadIt) {
+    ASSERT_TRUE(open());
+    type("CRVemailField", "ann@");
+    ASSERT_EQ(window->firstResponder(), &input("CRVemailField"));
+    uikit::tap(*form->attachButton());
+    ASSERT_TRUE(picker->shown);
+    input("CRVemailField").resignFirstResponder();
+    ASSERT_EQ(window->firstResponder(), nullptr);
+    sharedStore()->dispatch(Actions::BecomeFirstResponder{});
+    EXPECT_EQ(window->firstResponder(), &input("CRVemailField"));
 }
 
 TEST_F(CreateRequestScreenTest, AttachmentsOffAtTheAccountDropPreAttachedFilesWithTheErrorLog) {
+    const std::string disabled = "File attachments are disabled at account level, unabled to pre-attach files to request";
     ASSERT_TRUE(open({.attachmentsEnabled = false, .preAttached = {RequestAttachment("a.txt", "a", FileType::txt)}}));
     EXPECT_TRUE(form->attachmentCollectionView()->state().attachments.empty());
+    EXPECT_TRUE(storeAttachmentIds().empty());
     EXPECT_FALSE(shown("CRVattachButton"));
-    const auto errors = log.messages(platform::LogLevel::error);
-    EXPECT_NE(std::find(errors.begin(), errors.end(),
-                        "File attachments are disabled at account level, unabled to pre-attach files to request"),
-              errors.end());
+    auto errors = log.messages(platform::LogLevel::error);
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), disabled), 1);
+
+    // Off at the account, the form says so even with nothing to pre-attach.
+    window->setRootViewController(nullptr);
+    navigation = std::make_shared<uikit::NavigationController>(rootScreen = std::make_shared<uikit::ViewController>());
+    ASSERT_TRUE(open({.attachmentsEnabled = false}));
+    errors = log.messages(platform::LogLevel::error);
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), disabled), 2);
+    // On, it is quiet.
+    window->setRootViewController(nullptr);
+    navigation = std::make_shared<uikit::NavigationController>(rootScreen = std::make_shared<uikit::ViewController>());
+    ASSERT_TRUE(open());
+    errors = log.messages(platform::LogLevel::error);
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), disabled), 2);
 }
 
 TEST_F(CreateRequestScreenTest, LeavingWithUnsavedEditsAsksFirstAndWithoutEditsLeavesAtOnce) {

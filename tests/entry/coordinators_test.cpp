@@ -30,9 +30,9 @@ class HeldCoordinator final : public CRVCoordinator {
 public:
     void start(Present present, const uikit::ViewController::Ptr&) override {
         ++starts;
-        held = std::move(present);
+        held.push_back(std::move(present));
     }
-    Present held;
+    std::vector<Present> held;
     int starts = 0;
 };
 
@@ -78,34 +78,53 @@ TEST_F(ContainerTest, SwappingTheActiveChildTwiceLeavesOneChildThatHeardItsAppea
     EXPECT_EQ(waiting->appeared, 1);
 }
 
-TEST_F(ContainerTest, ALateCoordinatorStillReplacesTheSpinnerAndLendsItsTitle) {
+TEST_F(ContainerTest, EachAppearanceAsksTheCoordinatorAndItsLatestAnswerIsTheOneChild) {
     auto coordinator = std::make_shared<HeldCoordinator>();
     auto coordinating = std::make_shared<CoordinatingViewController>(coordinator);
     push(coordinating);
     EXPECT_TRUE(coordinating->spinner->isAnimating());
     EXPECT_EQ(coordinator->starts, 1);
+    const auto comeBack = [&] {
+        push(std::make_shared<uikit::ViewController>());
+        navigation->popViewController(false);
+        run(0.1);
+    };
 
-    // Leaving and coming back while the coordinator works asks it nothing new.
-    push(std::make_shared<uikit::ViewController>());
-    navigation->popViewController(false);
-    run(5);
-    EXPECT_EQ(coordinator->starts, 1);
-    ASSERT_TRUE(coordinator->held);
-
-    auto list = standIn("My requests");
-    list->navigationItem().rightBarButtonItem = std::make_shared<uikit::BarButtonItem>();
-    coordinator->held(list);
-    EXPECT_FALSE(coordinating->spinner->isAnimating());
-    EXPECT_EQ(coordinating->activeController(), list);
+    // Leaving and coming back while the coordinator works asks it again.
+    comeBack();
+    ASSERT_EQ(coordinator->starts, 2);
+    // The first answer, late, still replaces the spinner; the spinner turns on for the second.
+    auto first = standIn("My requests");
+    first->navigationItem().rightBarButtonItem = std::make_shared<uikit::BarButtonItem>();
+    coordinator->held[0](first);
+    EXPECT_EQ(coordinating->activeController(), first);
     EXPECT_EQ(coordinating->title(), "My requests");
-    EXPECT_EQ(coordinating->navigationItem().rightBarButtonItem, list->navigationItem().rightBarButtonItem);
+    EXPECT_EQ(coordinating->navigationItem().rightBarButtonItem, first->navigationItem().rightBarButtonItem);
+    EXPECT_TRUE(coordinating->isStarting());
+    auto second = standIn("My requests");
+    coordinator->held[1](second);
+    EXPECT_FALSE(coordinating->spinner->isAnimating());
+    EXPECT_FALSE(coordinating->isStarting());
+    EXPECT_EQ(coordinating->activeController(), second);
+    ASSERT_EQ(coordinating->childViewControllers().size(), 1u);
+    EXPECT_EQ(first->parentViewController(), nullptr);
 
-    // Back on view, the first screen stays.
-    push(std::make_shared<uikit::ViewController>());
-    navigation->popViewController(false);
-    run(0.1);
-    EXPECT_EQ(coordinator->starts, 1);
-    EXPECT_EQ(coordinating->activeController(), list);
+    // Back on view twice: the newer answer stands even when the older one comes after it.
+    comeBack();
+    comeBack();
+    ASSERT_EQ(coordinator->starts, 4);
+    auto newest = standIn("newest");
+    coordinator->held[3](newest);
+    coordinator->held[2](standIn("stale"));
+    EXPECT_EQ(coordinating->activeController(), newest);
+    EXPECT_FALSE(coordinating->spinner->isAnimating());
+
+    // A coordinator that names the same screen again keeps it, once.
+    comeBack();
+    coordinator->held[4](newest);
+    EXPECT_EQ(coordinating->activeController(), newest);
+    ASSERT_EQ(coordinating->childViewControllers().size(), 1u);
+    EXPECT_EQ(newest->view()->superview(), coordinating->view().get());
 }
 
 TEST_F(ContainerTest, TheRequestCoordinatorBuildsTheListAfterTheConversationsSetting) {

@@ -1,8 +1,9 @@
 #include "container_fixture.hpp"
 
 #include "belvakit/Request/conversation/actions.hpp"
-#include "belvakit/attachments/cache.hpp"
+#include "belvakit/Request/conversation/input_field_state.hpp"
 #include "belvakit/Request/conversation/message_list.hpp"
+#include "belvakit/attachments/cache.hpp"
 #include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
@@ -181,6 +182,46 @@ TEST_F(RequestContainerTest, FailedChildrenAreLoggedAndTheLoadingScreenStays) {
     navigation->popViewController(false);
     run(0.1);
     EXPECT_TRUE(logged(LogLevel::error, "Failed to start create request controller"));
+}
+
+TEST_F(RequestContainerTest, AClosedTicketIsClosedInTheConversationFromItsStart) {
+    const auto core = startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
+    const auto openedOn = [&](bool ticketClosed) {
+        auto screen = RequestContainerController::make("12", {}, core->storeModule(), nullptr, ticketClosed);
+        push(screen);
+        run(0.5);
+        auto conversation = std::dynamic_pointer_cast<RequestController>(screen->activeController());
+        EXPECT_NE(conversation, nullptr);
+        if (conversation) {
+            EXPECT_EQ(conversation->ticketClosed, ticketClosed);
+        }
+        const auto* input = sharedStore()->state().valueOfType<InputFieldState>();
+        const auto* table = sharedStore()->state().valueOfType<RequestTableState>();
+        EXPECT_TRUE(input && table);
+        const bool closed = input && table && input->ticketClosed && table->ticketClosed;
+        navigation->popViewController(false);
+        run(0.1);
+        return closed;
+    };
+    EXPECT_TRUE(openedOn(true));
+    EXPECT_FALSE(openedOn(false));
+}
+
+TEST_F(RequestContainerTest, AConversationWithoutItsConfigurationSaysSoAndIsNotMade) {
+    const auto core = startCore(corvane::Identity::createAnonymous("Ann", "ann@example.com"));
+    auto screen = RequestContainerController::make("12", {}, core->storeModule());
+    ConversationScreenInput bare;
+    bare.requestId = "12";
+    EXPECT_EQ(RequestContainerController::defaultConversationScreenBuilder()(bare, *screen), nullptr);
+    EXPECT_TRUE(logged(LogLevel::debug, "No configuration found, please use RequestUi to present"));
+
+    // A conversation that cannot be made leaves the container loading, with the error.
+    screen->conversationScreenBuilder = [](const ConversationScreenInput&, RequestContainerController&) {
+        return uikit::ViewController::Ptr();
+    };
+    push(screen);
+    EXPECT_TRUE(logged(LogLevel::error, "Failed to create conversations controller"));
+    EXPECT_EQ(shownChild(*screen), "loading");
 }
 
 TEST_F(RequestContainerTest, EveryAppearanceFetchesSettingsButOnlyAChangeRedraws) {

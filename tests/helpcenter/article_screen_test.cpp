@@ -1,5 +1,6 @@
 #include "article_fixture.hpp"
 
+#include "corvane/provider_module.hpp"
 #include "belvakit/helpcenter/article_attachments.hpp"
 #include "belvakit/helpcenter/help_center_ui.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
@@ -38,9 +39,52 @@ protected:
     }
 };
 
+// The help desk's provider, except that an article is answered by an empty list and no error.
+class EmptyArticleProvider final : public dastrel::CRVHelpCenterProvider {
+public:
+    explicit EmptyArticleProvider(std::shared_ptr<dastrel::CRVHelpCenterProvider> inner) : inner_(std::move(inner)) {}
+    void getHelpCenterOverviewWithHelpCenterOverviewModel(
+        const dastrel::CRVHelpCenterOverviewContentModel& model,
+        dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterCategoryViewModel>> callback) override {
+        inner_->getHelpCenterOverviewWithHelpCenterOverviewModel(model, std::move(callback));
+    }
+    void getArticlesWithSectionId(std::int64_t id, const std::optional<std::vector<std::string>>& labels,
+                                  dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> callback) override {
+        inner_->getArticlesWithSectionId(id, labels, std::move(callback));
+    }
+    void getArticleWithId(const std::string&, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> callback) override {
+        platform::MainQueue::shared().async([callback = std::move(callback)] { callback(std::vector<dastrel::CRVHelpCenterArticle>{}, std::nullopt); });
+    }
+    void getAttachmentWithArticleId(const std::string& id,
+                                    dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterAttachment>> callback) override {
+        inner_->getAttachmentWithArticleId(id, std::move(callback));
+    }
+    void searchArticles(const dastrel::CRVHelpCenterSearch& search,
+                        dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> callback) override {
+        inner_->searchArticles(search, std::move(callback));
+    }
+    void submitRecordArticleView(const dastrel::CRVHelpCenterArticle& article,
+                                 std::function<void(std::optional<dastrel::ProviderError>)> callback) override {
+        inner_->submitRecordArticleView(article, std::move(callback));
+    }
+    void upVoteArticleWithId(const std::string& id, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticleVote>> callback) override {
+        inner_->upVoteArticleWithId(id, std::move(callback));
+    }
+    void downVoteArticleWithId(const std::string& id,
+                               dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticleVote>> callback) override {
+        inner_->downVoteArticleWithId(id, std::move(callback));
+    }
+    void removeVoteWithId(const std::string& id, dastrel::CRVCallback<dastrel::CRVHelpCenterArticleVote> callback) override {
+        inner_->removeVoteWithId(id, std::move(callback));
+    }
+
+private:
+    std::shared_ptr<dastrel::CRVHelpCenterProvider> inner_;
+};
+
 } // namespace
 
-TEST(ArticlePage, FillsTheTemplateByteForByteWithEachValueOnceAndTextEscaped) {
+TEST(ArticlePage, FillsTheTemplateByteForByteWithEachValueOnceAsGiven) {
     platform::Calendar::setCurrent(platform::Calendar("en_US", "UTC"));
     const auto page = articlePageHTML("body{color:red}", handMade("Install", "<p>Step <b>one</b></p>", "Mira Okafor"));
     EXPECT_EQ(page,
@@ -49,21 +93,16 @@ TEST(ArticlePage, FillsTheTemplateByteForByteWithEachValueOnceAndTextEscaped) {
               "<body><h1>Install</h1><p>Step <b>one</b></p><footer><p><span>Mira Okafor</span> \u2022 "
               "<span dir=auto>14 March 2023</span></p></footer></body></html>");
 
-    // A value holding the placeholder is not filled in itself, and markup in the text fields is text.
+    // A value holding the placeholder is not filled in itself; the text fields go in unchanged.
     const auto tricky = articlePageHTML("%@", handMade("50% <off> & %@", "%@<i>%@</i>", "%@"));
     EXPECT_NE(tricky.find("<style>%@</style>"), std::string::npos);
-    EXPECT_NE(tricky.find("<h1>50% &lt;off&gt; &amp; %@</h1>%@<i>%@</i><footer>"), std::string::npos);
+    EXPECT_NE(tricky.find("<h1>50% <off> & %@</h1>%@<i>%@</i><footer>"), std::string::npos);
     EXPECT_NE(tricky.find("<span>%@</span> \u2022 <span dir=auto>14 March 2023</span>"), std::string::npos);
 }
 
 TEST(ArticlePage, EveryGeneratedArticleKeepsTheTemplateAroundItsValues) {
     platform::Calendar::setCurrent(platform::Calendar("en_US", "UTC"));
     const std::string pieces[] = {"%@", "%", "@", "<", ">", "&", "a", "\u05e9", " ", "</h1>", "\u2022", "%%@", "&amp;"};
-    const auto escape = [](const std::string& text) {
-        std::string out;
-        for (const char c : text) out += c == '<' ? "&lt;" : c == '>' ? "&gt;" : c == '&' ? "&amp;" : std::string(1, c);
-        return out;
-    };
     for (unsigned seed = 1; seed <= 2000; ++seed) {
         std::mt19937 random(seed);
         const auto text = [&] {
@@ -78,7 +117,7 @@ TEST(ArticlePage, EveryGeneratedArticleKeepsTheTemplateAroundItsValues) {
         const std::string expected =
             "<html dir=auto><head><header><meta name='viewport' content='width=device-width, initial-scale=1.0, "
             "maximum-scale=1.0, minimum-scale=1.0, user-scalable=no'></header><style>" + css + "</style></head><body><h1>" +
-            escape(title) + "</h1>" + body + "<footer><p><span>" + escape(author) + "</span> \u2022 <span dir=auto>" + date +
+            title + "</h1>" + body + "<footer><p><span>" + author + "</span> \u2022 <span dir=auto>" + date +
             "</span></p></footer></body></html>";
         ASSERT_EQ(articlePageHTML(css, article), expected) << "seed " << seed;
     }
@@ -264,13 +303,41 @@ TEST_F(ArticleScreenTest, AnArticleThatCannotBeFetchedEndsTheScreenWithALogLine)
     EXPECT_FALSE(root->presentedViewController());
 }
 
-TEST_F(ArticleScreenTest, AFailedDeepLinkStopsTheSpinnerAndPushesNothingWhileTheRequestErrorToastOffersRetry) {
+TEST_F(ArticleScreenTest, AFailedDeepLinkStopsTheSpinnerAndPushesAScreenWithNoArticle) {
     const auto screen = openById("360001");
     desk->failNext(1);
     page(*screen).activateLink(std::string(account) + "/hc/en-us/articles/360002-creating-your-account");
     settle();
-    EXPECT_EQ(navigation->viewControllers().size(), 2u);
     EXPECT_FALSE(uikit::findByIdentifier(*screen->view(), "CRVdeeplinkingSpinner"));
+    ASSERT_EQ(navigation->viewControllers().size(), 3u);
+    auto* blank = dynamic_cast<CRVArticleViewController*>(navigation->topViewController());
+    ASSERT_TRUE(blank);
+    EXPECT_EQ(blank->title(), "");
+    EXPECT_EQ(blank->articleView->articleId, "0");
+    EXPECT_EQ(blank->configs.size(), screen->configs.size());
+}
+
+TEST_F(ArticleScreenTest, AnEmptyAnswerIsNoErrorSoOnlyAnErrorEndsTheScreen) {
+    core->providerModule().setProvider<dastrel::CRVHelpCenterProvider>(
+        std::make_shared<EmptyArticleProvider>(dastrel::CRVHelpCenterProvider::make()));
+    const auto screen = openById("360001");
+    EXPECT_FALSE(logged(platform::LogLevel::error, "The article could not be fetched. Will dismiss the ViewController"));
+    ASSERT_EQ(navigation->topViewController(), screen.get());
+    EXPECT_EQ(screen->articleView->articleId, "0");
+    EXPECT_FALSE(screen->articleView->webViewLoading);
+
+    // A deep link answered the same way pushes a screen with no article.
+    page(*screen).activateLink(std::string(account) + "/hc/en-us/articles/360002-creating-your-account");
+    settle();
+    ASSERT_EQ(navigation->viewControllers().size(), 3u);
+    auto* blank = dynamic_cast<CRVArticleViewController*>(navigation->topViewController());
+    ASSERT_TRUE(blank);
+    EXPECT_EQ(blank->articleView->articleId, "0");
+}
+
+TEST_F(ArticleScreenTest, AFailedRequestOffersARetryToast) {
+    desk->failNext(2);  // both fetches of the attachments: when made, and when loaded
+    const auto screen = push(CRVHelpCenterUi::buildHelpCenterArticle(desk->content().articles.front().record));
     ASSERT_TRUE(screen->toastView);
     EXPECT_EQ(screen->toastView->text()->text(), "Attachments could not be loaded.");
     EXPECT_GT(screen->toastHeight(), 0);
@@ -282,6 +349,7 @@ TEST_F(ArticleScreenTest, AFailedDeepLinkStopsTheSpinnerAndPushesNothingWhileThe
     settle();
     EXPECT_EQ(desk->callCount(), calls + 1);
     EXPECT_EQ(screen->toastHeight(), 0);
+    EXPECT_EQ(attachmentTitles(*screen), std::vector<std::string>{"quick-start.txt"});
 }
 
 TEST_F(ArticleScreenTest, FailedAttachmentsLeaveAnEmptyListAndNoToastWhileOffline) {
@@ -308,7 +376,7 @@ TEST_F(ArticleScreenTest, BadContentGivesAPageWithItsTitleNeverACrash) {
     const auto screen = push(CRVHelpCenterUi::buildHelpCenterArticle(broken));
     auto& web = page(*screen);
     EXPECT_FALSE(screen->articleView->webViewLoading);
-    EXPECT_NE(web.html().find("<h1>&lt;script&gt;alert(1)&lt;/script&gt;Broken</h1><p><b>unclosed"), std::string::npos);
+    EXPECT_NE(web.html().find("<h1><script>alert(1)</script>Broken</h1><p><b>unclosed"), std::string::npos);
     EXPECT_GT(web.scrollView()->contentSize().height, 0);
     EXPECT_TRUE(uikit::isShown(*screen->articleView->articleBackground));
 

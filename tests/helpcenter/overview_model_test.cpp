@@ -1,3 +1,4 @@
+#include "belvakit/helpcenter/help_center_data_source.hpp"
 #include "belvakit/helpcenter/help_center_error_handler_utils.hpp"
 #include "belvakit/helpcenter/help_center_overview_table_handler.hpp"
 #include "belvakit/helpcenter/help_center_table_view_model.hpp"
@@ -198,4 +199,25 @@ TEST(HelpCenterOverviewModel, TheLookupWrittenInPlaceEqualsMergingEachSectionsOw
                 ASSERT_EQ(lookup.entry(path), kind) << "seed " << seed << " round " << round << " " << path.description();
         }
     }
+}
+
+TEST(HelpCenterDataSource, TheBaseKeepsWhatItsCallbackIsGivenAndMakesNoCells) {
+    const auto source = belvakit::CRVHelpCenterDataSource::create<belvakit::CRVHelpCenterDataSource>();
+    source->callback(std::vector<std::any>{std::string("a"), std::string("b")}, std::nullopt);
+    EXPECT_TRUE(source->hasItems);
+    EXPECT_EQ(source->itemCount(), 2u);
+    EXPECT_EQ(std::any_cast<std::string>(source->itemAtIndexPath({0, 1})), "b");
+    EXPECT_FALSE(source->itemAtIndexPath({0, 2}).has_value());
+    EXPECT_EQ(source->cellIdentifierForDataSource(), "CRVSupportTableViewCell");
+
+    const auto table = uikit::make<uikit::TableView>();
+    EXPECT_EQ(source->numberOfRowsInSection(*table, 0), 2);
+    EXPECT_EQ(source->cellForRowAt(*table, {0, 0}), nullptr);
+
+    // A failure keeps the list; an empty one clears it.
+    source->callback(std::nullopt, std::nullopt);
+    EXPECT_EQ(source->itemCount(), 2u);
+    source->callback(std::vector<std::any>{}, std::nullopt);
+    EXPECT_FALSE(source->hasItems);
+    EXPECT_EQ(source->itemCount(), 0u);
 }

@@ -1,3 +1,7 @@
+#include "belvakit/helpcenter/article_view_controller.hpp"
+#include "belvakit/helpcenter/article_attachments.hpp"
+#include "belvakit/helpcenter/format_fill.hpp"
+#include "belvakit/toolkit/ui_util.hpp"
 #include "belvakit/helpcenter/help_center_overview_controller.hpp"
 #include "belvakit/helpcenter/help_center_ui.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
@@ -381,6 +385,9 @@ TEST_F(OverviewScreenTest, TheFactoryPutsTheOverviewBehindItsCoordinatorAndTheRo
     ASSERT_EQ(container->childViewControllers().size(), 1u);
     auto overview = std::dynamic_pointer_cast<CRVHelpCenterOverviewController>(container->childViewControllers()[0]);
     ASSERT_TRUE(overview);
+    const auto coordinator = std::dynamic_pointer_cast<CRVHelpCenterCoordinator>(container->coordinator);
+    ASSERT_TRUE(coordinator);
+    EXPECT_EQ(coordinator->helpCenterController, overview);
     EXPECT_EQ(overview->tableView->numberOfSections(), 4);
     // Title, search and the contact button are on the container's bar.
     EXPECT_EQ(container->navigationItem().title, "Help Center");
@@ -413,4 +420,64 @@ TEST_F(OverviewScreenTest, APresentedOverviewHasACancelButtonThatDismissesIt) {
     navigation_->pushViewController(screen_, false);
     settle();
     EXPECT_FALSE(screen_->navigationItem().leftBarButtonItem);
+}
+
+TEST_F(OverviewScreenTest, AnOverviewMadeDirectlyOpensTheArticleScreenItself) {
+    CRVHelpCenterOverviewRoutes::shared().articleWithId = nullptr;
+    screen_ = std::make_shared<CRVHelpCenterOverviewController>(mirrowset::ConfigurationList{});
+    navigation_ = std::make_shared<uikit::NavigationController>(screen_);
+    window_->setRootViewController(navigation_);
+    window_->layoutTree();
+    settle();
+    ASSERT_TRUE(tapRow({0, 1}));
+    settle();
+    ASSERT_EQ(navigation_->viewControllers().size(), 2u);
+    auto* article = dynamic_cast<CRVArticleViewController*>(navigation_->topViewController());
+    ASSERT_TRUE(article);
+    EXPECT_EQ(article->title(), "Installing Orbit Planner");
+
+    // A host's route still wins.
+    navigation_->popViewController(false);
+    settle();
+    CRVHelpCenterOverviewRoutes::shared().articleWithId = [this](std::int64_t id, const auto&, const auto&) {
+        openedArticles_.push_back(id);
+        return std::make_shared<uikit::ViewController>();
+    };
+    ASSERT_TRUE(tapRow({0, 1}));
+    settle();
+    EXPECT_EQ(openedArticles_, std::vector<std::int64_t>{360001});
+    EXPECT_FALSE(dynamic_cast<CRVArticleViewController*>(navigation_->topViewController()));
+}
+
+TEST_F(OverviewScreenTest, RowsAreLabelledByTheirFormatsAndSectionsDrawAOnePixelSeparator) {
+    show();
+    settle();
+    const auto headerView = table().delegate()->viewForHeader(table(), 1);
+    ASSERT_TRUE(headerView);
+    EXPECT_EQ(headerView->accessibilityLabel(), "Category: Account and billing");
+
+    // The first section of a category has no line above it; a later one has a hairline.
+    int sections = 0;
+    for (int row = 0; row < table().numberOfRowsInSection(0); ++row) {
+        const uikit::IndexPath path{0, row};
+        table().scrollToRow(path, uikit::TableViewScrollPosition::middle, false);
+        window_->layoutTree();
+        const auto cell = table().cellForRow(path);
+        if (auto* section = dynamic_cast<CRVHelpCenterOverviewSectionTableViewCell*>(cell.get())) {
+            ++sections;
+            EXPECT_EQ(section->accessibilityLabel(), "Section: " + section->title->text());
+            EXPECT_EQ(section->separatorView->isHidden(), row == 0) << row;
+            EXPECT_DOUBLE_EQ(section->separatorHeight, CRVUIUtil::separatorHeightForScreenScale());
+            EXPECT_DOUBLE_EQ(section->separatorView->frame().height(), section->separatorHeight);
+        } else if (auto* article = dynamic_cast<CRVHelpCenterOverviewArticleTableViewCell*>(cell.get())) {
+            EXPECT_EQ(article->accessibilityLabel(), "Article: " + article->title->text());
+        }
+    }
+    EXPECT_GE(sections, 2);
+
+    // A name holding the place marker is not filled again.
+    EXPECT_EQ(fillFormat("Article: %@", {"50% %@ off"}), "Article: 50% %@ off");
+    EXPECT_EQ(fillFormat("Attachment", {"a.txt"}), "Attachment");
+    EXPECT_EQ(fillFormat("%@ and %@", {"one"}), "one and ");
+    EXPECT_EQ(attachmentAccessibilityLabel("%@.txt", "2 KB"), "Article attachment: %@.txt. 2 KB");
 }

@@ -1,5 +1,6 @@
 #include "../queue/host_fixture.hpp"
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "belvakit/Request/requestlist/request_list_async_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_table_view_cell.hpp"
 #include "belvakit/Request/requestlist/request_list_view_controller.hpp"
 #include "belvakit/engine/support_engine.hpp"
@@ -96,26 +97,28 @@ protected:
         navigation_->pushViewController(list, false);
         window_->layoutTree();
     }
-    // A visit: the kept rows first, then the desk's answer unless none was asked for.
-    void visit(const std::shared_ptr<RequestListViewController>& list, bool asksTheDesk = true) {
+    // A visit: a screen new on view loads as its view loads and again as it appears; each load
+    // ends with a pass over the kept rows and one that asks the desk, or fails for want of settings.
+    void visit(const std::shared_ptr<RequestListViewController>& list) {
         const Passes before = passes();
         show(list);
-        awaitVisit(before, asksTheDesk);
+        awaitVisit(before);
     }
     struct Passes {
         int cached;
         int network;
     };
     Passes passes() const { return {passes_.cached, passes_.network}; }
-    void awaitVisit(Passes before, bool asksTheDesk = true) {
-        ASSERT_TRUE(keptRowsCame(before.cached));
-        if (asksTheDesk) {
-            ASSERT_TRUE(settled([&] { return passes_.network > before.network; }));
-        }
+    // The kept rows need no time to pass, only the threads of the cache: waiting for them leaves
+    // the desk's answers and the toasts' timers where they were.
+    void awaitVisit(Passes before, int loads = 2) {
+        ASSERT_TRUE(keptRowsCame(before.cached, loads));
+        ASSERT_TRUE(settled([&] { return passes_.network >= before.network + loads; }));
         window_->layoutTree();
     }
-    bool keptRowsCame(int before) {
-        return platform::MainQueue::shared().runUntil([&] { return passes_.cached > before; }, platform::seconds(10));
+    bool keptRowsCame(int before, int passes = 1) {
+        return platform::MainQueue::shared().runUntil([&] { return passes_.cached >= before + passes; },
+                                                      platform::seconds(10));
     }
     void pull() {
         const int network = passes_.network;
@@ -209,15 +212,28 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
     EXPECT_TRUE(uikit::isShown(*list_->requestListTableView));
     EXPECT_NE(list_->progressBar->stateMachine()->state(), ProgressState::running);
     // Newest change first; an agent's picture, an agent without one, and the user alone.
+    // A closed ticket says so before its latest comment; every row's time is its display timestamp.
     EXPECT_THAT(rows(), ElementsAre("Ada, Me | Broken zip | We are on it [unread] [avatar]",
-                                    "bob, Me | Refund please | Done, closing [unread] [letter B]",
+                                    "bob, Me | Refund please | " + text(LocalizedKey::requestsRequestListCellClosed) +
+                                        " \u00B7 Done, closing [unread] [letter B]",
                                     "Me | Late order | -"));
-    EXPECT_THAT(cell(1)->updatedAtTimestamp->text(), testing::StartsWith(text(LocalizedKey::requestsRequestListCellClosed)));
-    EXPECT_EQ(cell(2)->updatedAtTimestamp->text(), slice().requests[2].displayTimestamp);
+    for (int row = 0; row < 3; ++row)
+        EXPECT_EQ(cell(row)->updatedAtTimestamp->text(), slice().requests[static_cast<std::size_t>(row)].displayTimestamp);
+    EXPECT_FALSE(slice().requests[1].displayTimestamp.empty());
+    const Passes beforeSecond = passes();
     EXPECT_EQ(cell(0)->unreadIndicator->accessibilityLabel(), text(LocalizedKey::requestsRequestListUnreadAccessibility));
     // The texts start after an avatar, and at the margin without one.
     EXPECT_GT(cell(0)->requestSubjectLabel->frame().minX(), cell(0)->agentAvatarView->frame().maxX());
     EXPECT_EQ(cell(2)->requestSubjectLabel->frame().minX(), RequestListTableViewCell::margin);
+
+    // A new screen draws the rows the slice holds at once, with no spinner, until its own loads come.
+    navigation_->popViewController(false);
+    list_ = makeList();
+    show(list_);
+    EXPECT_EQ(list_->requestListTableView->numberOfRowsInSection(0), 3);
+    EXPECT_FALSE(list_->loadingSpinner->isAnimating());
+    EXPECT_FALSE(uikit::isShown(*list_->inboxView));
+    awaitVisit(beforeSecond);
 
     // Hidden by the settings, a closed ticket leaves the list at the next visit.
     auto settings = settings_.settings();
@@ -227,7 +243,7 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
     list_ = makeList();
     visit(list_);
     EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip"), HasSubstr("Late order")));
-    EXPECT_EQ(host_.helpDesk->telemetry()->count("requestListViewed"), 2u);
+    EXPECT_EQ(host_.helpDesk->telemetry()->count("requestListViewed"), 3u);  // one for each screen
 
     // A ticket whose sending failed comes first, marked.
     Actions::RequestCreationOrUpdateError failed;
@@ -270,17 +286,20 @@ TEST_F(RequestListScreenTest, AnEmptyAccountShowsTheEmptyViewWhoseButtonAndCompo
     EXPECT_NE(dynamic_cast<TicketScreen*>(presented->topViewController()), nullptr);
 }
 
-TEST_F(RequestListScreenTest, AFailedFetchShowsTheErrorToastKeepsTheRowsAndWithoutRowsSaysSo) {
+TEST_F(RequestListScreenTest, AFailedFetchShowsTheErrorToastKeepsTheRowsAndWithoutRowsOffersANewTicket) {
     const auto error = text(LocalizedKey::requestsRequestListError);
-    host_.tickets().failNext(1);
+    // Both loads of the visit fail.
+    host_.tickets().failNext(2);
     visit(list_);
     EXPECT_EQ(list_->state.stateType, RequestListStateType::ErroredFromNetwork);
-    // Nothing was ever fetched: the empty view says the list could not be loaded, and the toast too.
+    // Nothing was ever fetched: the toast says the list could not be loaded; the empty view
+    // keeps its own words and its button.
     EXPECT_TRUE(uikit::isShown(*list_->inboxView));
-    EXPECT_EQ(list_->conversationsLabel->text(), error);
+    EXPECT_EQ(list_->conversationsLabel->text(), text(LocalizedKey::requestsRequestListEmptySubtitle));
+    EXPECT_TRUE(showsText(text(LocalizedKey::requestsRequestListEmptyButton)));
     EXPECT_TRUE(list_->toastWrapper->isShowingError);
     const auto texts = shownTexts();
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), error), 2);
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), error), 1);
     EXPECT_EQ(list_->progressBar->stateMachine()->state(), ProgressState::finishing);
     queue_testing::pass(time_, platform::seconds(4));
     EXPECT_FALSE(list_->toastWrapper->isShowingError);
@@ -301,7 +320,7 @@ TEST_F(RequestListScreenTest, AFailedFetchShowsTheErrorToastKeepsTheRowsAndWitho
     EXPECT_GT(list_->toastWrapper->contentHeight, 0);
 }
 
-TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderTheConnectivityToastAloneAndKeepClearOfTheSides) {
+TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderBothToastsAndKeepClearOfTheSides) {
     createTicket("Broken zip");
     createTicket("Late order");
     visit(list_);
@@ -311,13 +330,24 @@ TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderTheConnectivityToastA
     // The account's settings can't be had offline either.
     settings_.setFailing(true);
     list_ = makeList();
-    visit(list_, false);
+    visit(list_);
     EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
     EXPECT_FALSE(list_->isLoading());
     EXPECT_FALSE(uikit::isShown(*list_->inboxView));
-    // The connectivity toast says why; no error toast over it.
+    // The connectivity toast says why, the error toast what failed: one under the other.
     EXPECT_TRUE(showsText(text(LocalizedKey::requestsConnectionError)));
+    EXPECT_TRUE(showsText(text(LocalizedKey::requestsRequestListError)));
+    EXPECT_TRUE(list_->toastWrapper->isShowingError);
+    ASSERT_TRUE(list_->toastView);
+    const auto connectivity = list_->toastView->toast()->convert(list_->toastView->toast()->bounds(), nullptr);
+    const auto error = list_->toastWrapper->convert(list_->toastWrapper->bounds(), nullptr);
+    EXPECT_GT(connectivity.height(), 0);
+    EXPECT_GT(error.height(), 0);
+    EXPECT_GE(error.minY(), connectivity.maxY());
+    EXPECT_GE(list_->requestListTableView->frame().minY(), list_->toastWrapper->contentHeight);
+    queue_testing::pass(time_, platform::seconds(4));
     EXPECT_FALSE(list_->toastWrapper->isShowingError);
+    window_->layoutTree();
     EXPECT_EQ(list_->requestListTableView->frame().minY(), 0);
 
     // Refreshing offline fails and keeps them.
@@ -407,8 +437,66 @@ TEST_F(RequestListScreenTest, ConversationsOffDisableComposeAndDismissTheScreen)
     show(list_);
     ASSERT_TRUE(settled([&] { return navigation_->topViewController() == home_.get(); }));
     EXPECT_FALSE(list_->navigationItem().rightBarButtonItem->enabled);
-    EXPECT_THAT(log.messages(platform::LogLevel::error),
-                ElementsAre("Conversations disabled, request list screen not available. Dismissing screen."));
+    // Each of the two loads of the new screen hears the settings.
+    const std::string disabled = "Conversations disabled, request list screen not available. Dismissing screen.";
+    ASSERT_TRUE(settled([&] { return settings_.requestCount() == 2 && log.messages(platform::LogLevel::error).size() == 2; }));
+    EXPECT_THAT(log.messages(platform::LogLevel::error), ElementsAre(disabled, disabled));
+}
+
+TEST_F(RequestListScreenTest, EachLoadAsksForTheKeptRowsAtOnceWhateverTheSettingsAndReportsTheVisitOncePerScreen) {
+    createTicket("Broken zip");
+    // A first visit keeps the rows on the device; the slice is then emptied.
+    visit(list_);
+    navigation_->popViewController(false);
+    const auto kept = list_->cache;
+    ASSERT_TRUE(platform::MainQueue::shared().runUntil(
+        [&] { return kept->read("request-list-offline-cache").has_value(); }, platform::seconds(10)));
+    sharedStore()->dispatch(Actions::ClearRequestList{});
+    list_ = makeList();
+    const Passes before = passes();
+
+    int cachedAsked = 0;
+    int settingsAnswered = 0;
+    auto actions = sharedStore()->addActionListener([&](const tivra::Action& action) {
+        if (tivra::actionAs<Actions::FetchCachedRequests>(action)) ++cachedAsked;
+        if (tivra::actionAs<Actions::FetchRequestListSettingsSuccess>(action)) ++settingsAnswered;
+    });
+    auto& telemetry = *host_.helpDesk->telemetry();
+    settings_.setLatency(platform::milliseconds(500));
+
+    // As the view loads and as it appears: the settings asked, the kept rows asked at once.
+    const auto asked = settings_.requestCount();
+    show(list_);
+    EXPECT_EQ(settings_.requestCount(), asked + 2);
+    EXPECT_EQ(cachedAsked, 2);
+    EXPECT_EQ(settingsAnswered, 0);
+    EXPECT_EQ(telemetry.count("requestListViewed"), 2u);
+    // The kept rows come before the slow settings, and stay when the settings empty the slice.
+    ASSERT_TRUE(platform::MainQueue::shared().runUntil(
+        [&] { return list_->requestListTableView->numberOfRowsInSection(0) > 0; }, platform::seconds(10)));
+    EXPECT_EQ(settingsAnswered, 0);
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip")));
+    ASSERT_TRUE(settled([&] { return settingsAnswered == 2; }));
+    EXPECT_EQ(slice().stateType, RequestListStateType::Loading);
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip")));
+    awaitVisit(before);
+
+    // Back on view: one more load, and no second report of the visit.
+    navigation_->pushViewController(std::make_shared<uikit::ViewController>(), false);
+    navigation_->popViewController(false);
+    EXPECT_EQ(settings_.requestCount(), asked + 3);
+    EXPECT_EQ(cachedAsked, 3);
+    EXPECT_EQ(telemetry.count("requestListViewed"), 2u);
+    ASSERT_TRUE(settled([&] { return settingsAnswered == 3; }));
+
+    // With the settings failing, the kept rows are asked for all the same.
+    settings_.setFailing(true);
+    navigation_->pushViewController(std::make_shared<uikit::ViewController>(), false);
+    navigation_->popViewController(false);
+    EXPECT_EQ(cachedAsked, 4);
+    ASSERT_TRUE(settled([&] { return list_->state.stateType == RequestListStateType::ErroredFromNetwork; }));
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip")));
+    actions.removeListener();
 }
 
 TEST_F(RequestListScreenTest, TappingARowOpensThatTicketAndMarksItRead) {
@@ -492,6 +580,25 @@ TEST_F(RequestListScreenTest, TheHostsRequestListIsThisScreenUnderTheCoordinator
     // The list's title and compose button stand on the bar of the screen that holds it.
     EXPECT_EQ(navigation_->navigationBar()->titleLabel()->text(), text(LocalizedKey::requestsRequestListTitle));
     ASSERT_NE(uikit::findByIdentifier(*window_, "CRVcomposeButton"), nullptr);
+
+    // Back on view the coordinator names a new list, which takes the old one's place and shows
+    // the held rows at once.
+    navigation_->pushViewController(std::make_shared<uikit::ViewController>(), false);
+    const Passes again = passes();
+    navigation_->popViewController(false);
+    ASSERT_TRUE(settled([&] { return flow->activeController() != shown; }));
+    auto renewed = std::dynamic_pointer_cast<RequestListViewController>(flow->activeController());
+    ASSERT_TRUE(renewed);
+    EXPECT_EQ(flow->childViewControllers().size(), 1u);
+    EXPECT_EQ(shown->parentViewController(), nullptr);
+    // Nothing else holds the old list: it goes.
+    const std::weak_ptr<RequestListViewController> old = shown;
+    shown.reset();
+    EXPECT_TRUE(old.expired());
+    EXPECT_EQ(renewed->requestListTableView->numberOfRowsInSection(0), 1);
+    // The old list's load as the flow came back, then the new one's two.
+    awaitVisit(again, 3);
+    EXPECT_EQ(renewed->requestListTableView->numberOfRowsInSection(0), 1);
 
     // Leaving takes the holding screen off the stack.
     sharedStore()->dispatch(Actions::RequestsFetchedFailedWIthAuthError{});

@@ -95,15 +95,19 @@ TEST_F(AlertControllerTest, TextFieldsBelongToAlertsAndDisabledActionsWait) {
     EXPECT_EQ(log.messages(platform::LogLevel::error).size(), 1u);
 }
 
-TEST_F(AlertControllerTest, AnActionSheetSitsAtTheBottom) {
-    auto sheet = AlertController::alertController("", "Choose", AlertControllerStyle::actionSheet);
-    sheet->addAction({"Camera", AlertActionStyle::defaultStyle, {}, true});
-    sheet->addAction({"Cancel", AlertActionStyle::cancel, {}, true});
-    screen->presentViewController(sheet, false);
-    window->layoutTree();
-    EXPECT_EQ(titlesOf(*sheet), (std::vector<std::string>{"Camera", "Cancel"}));
-    const Rect cancel = sheet->buttons()[1]->convert(sheet->buttons()[1]->bounds(), nullptr);
-    EXPECT_EQ(cancel.maxY(), 667 - 8);
+TEST_F(AlertControllerTest, AnActionSheetSitsAtTheBottomAlsoAfterSlidingIn) {
+    for (const bool animated : {false, true}) {
+        auto sheet = AlertController::alertController("", "Choose", AlertControllerStyle::actionSheet);
+        sheet->addAction({"Camera", AlertActionStyle::defaultStyle, {}, true});
+        sheet->addAction({"Cancel", AlertActionStyle::cancel, {}, true});
+        screen->presentViewController(sheet, animated);
+        time.advance(platform::seconds(0.5));
+        window->layoutTree();
+        EXPECT_EQ(titlesOf(*sheet), (std::vector<std::string>{"Camera", "Cancel"}));
+        const Rect cancel = sheet->buttons()[1]->convert(sheet->buttons()[1]->bounds(), nullptr);
+        EXPECT_EQ(cancel.maxY(), 667 - 8) << (animated ? "animated" : "at once");
+        screen->dismissViewController(false);
+    }
 }
 
 } // namespace

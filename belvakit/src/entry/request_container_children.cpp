@@ -1,14 +1,21 @@
 #include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/createrequest/create_request_controller.hpp"
 #include "belvakit/entry/request_container_controller.hpp"
+#include "corvane/core_logger.hpp"
 
 namespace belvakit {
 
 RequestContainerController::ConversationScreenBuilder RequestContainerController::defaultConversationScreenBuilder() {
     return [](const ConversationScreenInput& input, RequestContainerController&) -> uikit::ViewController::Ptr {
-        if (!input.configuration) return nullptr;
-        return RequestController::make(*input.configuration, input.requestId, input.progressBar, input.toastWrapper,
-                                       input.attachmentsEnabled, input.maxAttachmentSize, input.ticketsCache);
+        if (!input.configuration) {
+            corvane::CoreLogger::debug("No configuration found, please use RequestUi to present");
+            return nullptr;
+        }
+        auto conversation = RequestController::make(*input.configuration, input.requestId, input.progressBar,
+                                                    input.toastWrapper, input.attachmentsEnabled,
+                                                    input.maxAttachmentSize, input.ticketsCache);
+        conversation->ticketClosed = input.ticketClosed;
+        return conversation;
     };
 }
 

@@ -176,7 +176,8 @@ void RequestContainerController::showConversation() {
     }
     const auto configuration = state.configs ? state.configs->configuration<RequestUiConfiguration>() : nullptr;
     uikit::ViewController::Ptr child;
-    if (configuration && ticketsCache && conversationScreenBuilder) {
+    // Without its configuration the conversation itself says what is missing.
+    if (state.configs && ticketsCache && conversationScreenBuilder) {
         ConversationScreenInput input;
         input.requestId = state.requestId;
         input.configs = *state.configs;

@@ -1,4 +1,5 @@
 #include "belvakit/helpcenter/article_attachments.hpp"
+#include "belvakit/helpcenter/format_fill.hpp"
 
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/toolkit/theme.hpp"
@@ -92,12 +93,8 @@ void CRVSupportAttachmentCell::layoutSubviews() {
 }
 
 std::string attachmentAccessibilityLabel(const std::string& fileName, const std::string& fileSize) {
-    const std::string& format = localized(LocalizedKey::helpCenterArticleAttachmentAccessibility);
-    const std::string filled = fileName + ". " + fileSize;
-    const auto placeholder = format.find("%@");
-    // A table text without a place for the details reads as their prefix.
-    if (placeholder == std::string::npos) return format.empty() ? filled : format + ": " + filled;
-    return format.substr(0, placeholder) + filled + format.substr(placeholder + 2);
+    return fillFormat(localized(LocalizedKey::helpCenterArticleAttachmentAccessibility),
+                      {fillFormat("%@. %@", {fileName, fileSize})});
 }
 
 std::shared_ptr<CRVHelpCenterAttachmentsDataSource> CRVHelpCenterAttachmentsDataSource::initWithArticleId(

@@ -96,14 +96,14 @@ void CRVArticleViewController::commonViewModelInit(const std::string& articleId,
                                             std::optional<dastrel::ProviderError> error) {
                     const auto screen = weak.lock();
                     if (!screen) return;
-                    // An empty answer names no article either.
-                    if (error || !articles || articles->empty()) {
+                    if (error) {
                         platform::log::write(platform::LogLevel::error,
                                              "The article could not be fetched. Will dismiss the ViewController");
                         screen->decideDismiss();
                         return;
                     }
-                    const auto& article = articles->front();
+                    // Only an error ends the screen: an empty answer shows an empty article.
+                    const auto article = articles && !articles->empty() ? articles->front() : dastrel::CRVHelpCenterArticle{};
                     screen->showArticle(article, settings);
                     screen->dataSource =
                         CRVHelpCenterAttachmentsDataSource::initWithArticleId(std::to_string(article.identifier));
@@ -231,9 +231,9 @@ void CRVArticleViewController::openLinkToNewArticle(const std::string& articleId
         const auto strong = weak.lock();
         if (!strong) return;
         strong->stopScreenLoading();
-        // No article, no page: the reader stays here, and a failed request has its toast.
-        if (!articles || articles->empty()) return;
-        auto next = initWithArticle(articles->front(), strong->configs);
+        // A failed or empty answer is not told apart: the new screen starts from no article.
+        auto next = initWithArticle(articles && !articles->empty() ? articles->front() : dastrel::CRVHelpCenterArticle{},
+                                    strong->configs);
         next->uiDelegate = strong->uiDelegate;
         if (auto* navigation = strong->navigationController())
             navigation->pushViewController(next, true);

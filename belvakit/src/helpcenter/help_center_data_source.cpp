@@ -8,7 +8,7 @@ std::any CRVHelpCenterDataSource::itemAtIndexPath(const uikit::IndexPath& indexP
 }
 
 std::shared_ptr<uikit::TableViewCell> CRVHelpCenterDataSource::cellForRowAt(uikit::TableView&, const uikit::IndexPath&) {
-    return std::make_shared<uikit::TableViewCell>();
+    return nullptr;
 }
 
 void CRVHelpCenterDataSource::setUpCallback() {

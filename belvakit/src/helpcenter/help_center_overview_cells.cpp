@@ -1,4 +1,5 @@
 #include "belvakit/helpcenter/help_center_overview_cells.hpp"
+#include "belvakit/helpcenter/format_fill.hpp"
 
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/resources/image_resources.hpp"
@@ -40,7 +41,7 @@ CRVHelpCenterOverviewHeaderView::CRVHelpCenterOverviewHeaderView()
 
 void CRVHelpCenterOverviewHeaderView::prepareWithCategory(const dastrel::CRVHelpCenterCategoryViewModel& category) {
     title->setText(category.name);
-    setAccessibilityLabel(category.name + ", " + localized(LocalizedKey::helpCenterCategoryAccessibility));
+    setAccessibilityLabel(fillFormat(localized(LocalizedKey::helpCenterCategoryAccessibility), {category.name}));
 }
 
 double CRVHelpCenterOverviewHeaderView::heightForHeaderWidth(double width) {
@@ -68,9 +69,9 @@ void CRVHelpCenterOverviewHeaderView::layoutSubviews() {
 CRVHelpCenterOverviewSectionTableViewCell::CRVHelpCenterOverviewSectionTableViewCell(uikit::TableViewCellStyle style,
                                                                                      std::string identifier)
     : uikit::TableViewCell(style, std::move(identifier)), title(multilineLabel("CRVsectionTitle")),
-      lineView(uikit::make<uikit::View>()) {
+      separatorView(uikit::make<uikit::View>()), separatorHeight(hairline()) {
     contentView()->addSubview(title);
-    contentView()->addSubview(lineView);
+    contentView()->addSubview(separatorView);
     selectionStyle = uikit::TableViewCellSelectionStyle::none;
     applyTheme(*CRVLegacyTheme::currentAppliedTheme());
 }
@@ -78,8 +79,8 @@ CRVHelpCenterOverviewSectionTableViewCell::CRVHelpCenterOverviewSectionTableView
 void CRVHelpCenterOverviewSectionTableViewCell::prepareWithModel(const dastrel::CRVHelpCenterSectionViewModel& section,
                                                                  const uikit::IndexPath& indexPath) {
     title->setText(section.name);
-    setAccessibilityLabel(section.name + ", " + localized(LocalizedKey::helpCenterSectionAccessibility));
-    lineView->setHidden(indexPath.row == 0);
+    setAccessibilityLabel(fillFormat(localized(LocalizedKey::helpCenterSectionAccessibility), {section.name}));
+    separatorView->setHidden(indexPath.row == 0);
 }
 
 double CRVHelpCenterOverviewSectionTableViewCell::heightOfCellForWidth(double width) {
@@ -91,14 +92,14 @@ void CRVHelpCenterOverviewSectionTableViewCell::applyTheme(const CRVLegacyTheme&
     contentView()->setBackgroundColor(current.primaryBackgroundColor);
     title->setTextColor(current.primaryTextColor);
     title->setFont(current.boldSubHeaderFont);
-    lineView->setBackgroundColor(current.separatorColor);
+    separatorView->setBackgroundColor(current.separatorColor);
 }
 
 void CRVHelpCenterOverviewSectionTableViewCell::layoutSubviews() {
     uikit::TableViewCell::layoutSubviews();
     const auto size = contentView()->frame().size;
     title->setFrame({sidePadding, 16.0, size.width - 2 * sidePadding, fittedHeight(*title, size.width - 2 * sidePadding)});
-    lineView->setFrame({sidePadding, 0, size.width - sidePadding, hairline()});
+    separatorView->setFrame({sidePadding, 0, size.width - sidePadding, separatorHeight});
 }
 
 CRVHelpCenterOverviewArticleTableViewCell::CRVHelpCenterOverviewArticleTableViewCell(uikit::TableViewCellStyle style,
@@ -110,7 +111,7 @@ CRVHelpCenterOverviewArticleTableViewCell::CRVHelpCenterOverviewArticleTableView
 
 void CRVHelpCenterOverviewArticleTableViewCell::prepareWithModel(const dastrel::CRVHelpCenterArticleViewModel& article) {
     title->setText(article.name);
-    setAccessibilityLabel(article.name + ", " + localized(LocalizedKey::helpCenterArticleAccessibility));
+    setAccessibilityLabel(fillFormat(localized(LocalizedKey::helpCenterArticleAccessibility), {article.name}));
 }
 
 double CRVHelpCenterOverviewArticleTableViewCell::heightOfCellForWidth(double width) {

@@ -3,6 +3,7 @@
 #include "belvakit/entry/Coordinator/dismiss_util.hpp"
 #include "belvakit/entry/Coordinator/help_center_contact_us_router.hpp"
 #include "belvakit/entry/localized_strings.hpp"
+#include "belvakit/helpcenter/article_view_controller.hpp"
 #include "belvakit/helpcenter/help_center_error_handler_utils.hpp"
 #include "belvakit/helpcenter/help_center_search_result_view_controller.hpp"
 #include "belvakit/toolkit/appearance_applicator.hpp"
@@ -266,7 +267,10 @@ void CRVHelpCenterOverviewController::tableHandlerDidSelectArticle(CRVHelpCenter
                                                                    const dastrel::CRVHelpCenterArticleViewModel& article,
                                                                    const uikit::IndexPath&) {
     const auto& route = CRVHelpCenterOverviewRoutes::shared().articleWithId;
-    if (route) pushOrIgnore(route(article.id, uiConfigs, uiDelegate.lock()));
+    if (route) return pushOrIgnore(route(article.id, uiConfigs, uiDelegate.lock()));
+    auto screen = CRVArticleViewController::initWithArticleId(std::to_string(article.id), uiConfigs);
+    screen->uiDelegate = uiDelegate;
+    pushOrIgnore(screen);
 }
 
 void CRVHelpCenterOverviewController::tableHandlerDidSelectSeeAllInSection(
@@ -293,8 +297,13 @@ void CRVHelpCenterOverviewController::tableHandlerDidSelectSeeAllInSection(
 void CRVHelpCenterOverviewController::searchResultControllerDidSelectArticle(uikit::ViewController&,
                                                                              const dastrel::CRVHelpCenterArticle& article) {
     const auto& route = CRVHelpCenterOverviewRoutes::shared().articleWithArticle;
-    if (!route) return;
-    pushOrIgnore(route(article, uiConfigs, uiDelegate.lock()));
+    if (route) {
+        pushOrIgnore(route(article, uiConfigs, uiDelegate.lock()));
+    } else {
+        auto screen = CRVArticleViewController::initWithArticle(article, uiConfigs);
+        screen->uiDelegate = uiDelegate;
+        pushOrIgnore(screen);
+    }
     if (auto* navigation = navigationController()) navigation->setNavigationBarHidden(false, true);
 }
 

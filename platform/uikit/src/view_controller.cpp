@@ -101,10 +101,12 @@ void ViewController::presentViewController(const Ptr& controller, bool animated,
     const bool sheet = controller->modalPresentationStyle_ == 2 && window->environment().idiom == UserInterfaceIdiom::pad;
     const Rect target = sheet ? Rect(full.midX() - 270, full.midY() - 310, 540, 620) : full;
     const auto& shown = controller->view();
-    shown->setFrame(animated ? target.offsetBy(0, full.height()) : target);
+    // Laid out where it comes to rest: below the window every inset would read as covered.
+    shown->setFrame(target);
     controller->beginAppearanceTransition(true, animated);
     window->addSubview(shown);
     window->layoutIfNeeded();
+    if (animated) shown->setFrame(target.offsetBy(0, full.height()));
     auto finish = [controller, completion = std::move(completion)](bool) {
         controller->endAppearanceTransition();
         if (completion) completion();

@@ -38,7 +38,7 @@ public:
     virtual std::string cellIdentifierForDataSource() const { return "CRVSupportTableViewCell"; }
 
     int numberOfRowsInSection(uikit::TableView&, int) override { return static_cast<int>(items.size()); }
-    // The base class has no cells of its own: a plain one.
+    // The base class has no cells of its own: none (the table stands in a blank one).
     std::shared_ptr<uikit::TableViewCell> cellForRowAt(uikit::TableView&, const uikit::IndexPath&) override;
 
 private:

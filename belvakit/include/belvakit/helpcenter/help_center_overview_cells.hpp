@@ -40,7 +40,9 @@ public:
 
     const std::shared_ptr<uikit::Label> title;
     // The line above the title; hidden on the first row of a category.
-    const std::shared_ptr<uikit::View> lineView;
+    const std::shared_ptr<uikit::View> separatorView;
+    // One device pixel.
+    double separatorHeight;
 };
 
 class CRVHelpCenterOverviewArticleTableViewCell final : public uikit::TableViewCell {

@@ -48,9 +48,9 @@ public:
     virtual bool shouldShowContactOptions() const = 0;
 };
 
-// The screens and routes the overview opens, which other parts of the library install: the article
-// screen (by id, or for a finished article), the contact-us route and the search results screen.
-// Until an article or search route is installed its action does nothing.
+// Overrides of the screens and routes the overview opens: the article screen (by id, or for a
+// finished article), the contact-us route and the search results screen. Without an article route
+// the overview opens its own article screen; until a search route is installed search does nothing.
 struct CRVHelpCenterOverviewRoutes {
     std::function<uikit::ViewController::Ptr(std::int64_t articleId, const mirrowset::ConfigurationList& configs,
                                              const std::shared_ptr<CRVHelpCenterConversationsUIDelegate>& uiDelegate)>

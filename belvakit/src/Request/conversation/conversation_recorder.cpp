@@ -22,14 +22,18 @@ void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
         idStore.addLocalId(*state.localId);
     }
     if (state.localId) {
-        for (const auto& message : state.tableData) {
+        // One list row per conversation: only the first failure of a local id reports it. Every
+        // later failed text would find the id known, so one look at the store does for all.
+        const auto failedText = std::find_if(state.tableData.begin(), state.tableData.end(), [](const Message& message) {
             const auto* text = std::get_if<UserMessage>(&message);
-            // One list row per conversation: only the first failure of a local id reports it.
-            if (!text || text->status != DeliveryStatus::failed || !idStore.addLocalId(*state.localId)) continue;
+            return text && text->status == DeliveryStatus::failed;
+        });
+        if (failedText != state.tableData.end() && idStore.addLocalId(*state.localId)) {
+            const auto& text = std::get<UserMessage>(*failedText);
             Actions::RequestCreationOrUpdateError error;
-            error.id = text->id;
-            error.requestDescription = text->body;
-            error.createdAtDate = text->createdAt;
+            error.id = text.id;
+            error.requestDescription = text.body;
+            error.createdAtDate = text.createdAt;
             if (dispatch) dispatch(error);
         }
     }

@@ -10,12 +10,18 @@
 
 #include <algorithm>
 #include <cctype>
+#include <typeinfo>
 
 namespace belvakit {
 
 namespace {
 
-using tivra::actionAs;
+// The actions are final classes: a type match is an exact one, and every action of the store
+// passes here, so one type lookup decides.
+template <class A>
+const A* exactly(const tivra::Action& action, const std::type_info& type) {
+    return type == typeid(A) ? static_cast<const A*>(&action) : nullptr;
+}
 
 bool blank(const std::string& text) {
     return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c); });
@@ -53,18 +59,19 @@ InputFieldState initialInputFieldState() {
 }
 
 std::optional<InputFieldState> InputFieldReducer::reduce(const InputFieldState& state, const tivra::Action& action) const {
-    if (actionAs<Actions::InitializeRequestControllerState>(action)) return initialState();
-    if (const auto* initial = actionAs<Actions::InitialFileAttachmentsAdded>(action)) {
+    const std::type_info& type = typeid(action);
+    if (exactly<Actions::InitializeRequestControllerState>(action, type)) return initialState();
+    if (const auto* initial = exactly<Actions::InitialFileAttachmentsAdded>(action, type)) {
         InputFieldState next = state;
         for (const auto& file : initial->fileAttachments) append(next, file.inputAttachment(initial->maxFileAttachmentSize));
         return next;
     }
-    if (const auto* changed = actionAs<Actions::PlaceHolderTextViewTextChanged>(action)) {
+    if (const auto* changed = exactly<Actions::PlaceHolderTextViewTextChanged>(action, type)) {
         InputFieldState next = state;
         next.inputTextAndImageViewState.textViewState.text = changed->text;
         return next;
     }
-    if (const auto* removed = actionAs<Actions::AttachmentRemoved>(action)) {
+    if (const auto* removed = exactly<Actions::AttachmentRemoved>(action, type)) {
         InputFieldState next = state;
         auto& attachments = attachmentsOf(next);
         if (removed->index && *removed->index >= 0 && static_cast<std::size_t>(*removed->index) < attachments.size()) {
@@ -77,41 +84,41 @@ std::optional<InputFieldState> InputFieldReducer::reduce(const InputFieldState& 
         }
         return next;
     }
-    if (const auto* added = actionAs<Actions::AttachmentAdded>(action)) {
+    if (const auto* added = exactly<Actions::AttachmentAdded>(action, type)) {
         InputFieldState next = state;
         append(next, added->viewModel);
         return next;
     }
-    if (const auto* button = actionAs<Actions::AttachmentButtonStateChanged>(action)) {
+    if (const auto* button = exactly<Actions::AttachmentButtonStateChanged>(action, type)) {
         InputFieldState next = state;
         if (next.attachmentState != AttachmentButtonState::hidden)
             next.attachmentState = button->isSelected ? AttachmentButtonState::selected : AttachmentButtonState::normal;
         return next;
     }
-    if (actionAs<Actions::MessagesPosted>(action)) {
+    if (exactly<Actions::MessagesPosted>(action, type)) {
         InputFieldState next = state;
         next.inputTextAndImageViewState.textViewState.hasMessages = true;
         return next;
     }
-    if (actionAs<Actions::AgentMessagesPosted>(action)) {
+    if (exactly<Actions::AgentMessagesPosted>(action, type)) {
         InputFieldState next = state;
         next.inputTextAndImageViewState.textViewState.hasMessages = true;
         next.inputTextAndImageViewState.textViewState.hasAgentMessages = true;
         return next;
     }
-    if (actionAs<Actions::SendButtonTapped>(action)) {
+    if (exactly<Actions::SendButtonTapped>(action, type)) {
         InputFieldState next = state;
         next.inputTextAndImageViewState.textViewState.text.clear();
         attachmentsOf(next).clear();
         if (next.attachmentState == AttachmentButtonState::selected) next.attachmentState = AttachmentButtonState::normal;
         return next;
     }
-    if (const auto* pasted = actionAs<Actions::ImagePasted>(action)) {
+    if (const auto* pasted = exactly<Actions::ImagePasted>(action, type)) {
         InputFieldState next = state;
         append(next, pasted->viewModel);
         return next;
     }
-    if (const auto* settings = actionAs<Actions::SettingsFetched>(action)) {
+    if (const auto* settings = exactly<Actions::SettingsFetched>(action, type)) {
         InputFieldState next = state;
         if (!settings->isAttachmentsEnabled) {
             next.attachmentState = AttachmentButtonState::hidden;
@@ -121,7 +128,7 @@ std::optional<InputFieldState> InputFieldReducer::reduce(const InputFieldState& 
         }
         return next;
     }
-    if (actionAs<Actions::TicketClosed>(action)) {
+    if (exactly<Actions::TicketClosed>(action, type)) {
         InputFieldState next = state;
         next.ticketClosed = true;
         return next;
@@ -131,10 +138,11 @@ std::optional<InputFieldState> InputFieldReducer::reduce(const InputFieldState& 
 
 void RequestControllerMiddleware::onAction(const tivra::Action& action, const tivra::GetState& getState,
                                            const tivra::DispatchFunction& dispatch, const tivra::DispatchFunction& next) {
+    const std::type_info& type = typeid(action);
     InputAttachmentViewStatePtr attachment;
-    if (const auto* added = actionAs<Actions::AttachmentAdded>(action))
+    if (const auto* added = exactly<Actions::AttachmentAdded>(action, type))
         attachment = added->viewModel;
-    else if (const auto* pasted = actionAs<Actions::ImagePasted>(action))
+    else if (const auto* pasted = exactly<Actions::ImagePasted>(action, type))
         attachment = pasted->viewModel;
     else
         return next(action);

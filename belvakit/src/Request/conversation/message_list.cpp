@@ -332,11 +332,12 @@ void persistConversation(const std::vector<Message>& messages, const std::option
                          const std::optional<std::string>& remoteRequestId,
                          const std::map<std::string, std::string>& mapLocalToRemote, int version, bool ticketClosed,
                          const std::shared_ptr<Cache>& cache) {
-    if (!key) return;
+    // Encoding a long conversation costs: nothing is encoded that has nowhere to go.
+    if (!key || !cache) return;
     // The send queue owns unsent messages until they succeed or fail.
     const auto sent = [](const Message& message) { return status(message) != DeliveryStatus::notDelivered; };
     auto bytes = encodeConversation(version, platform::now(), messages, mapLocalToRemote, remoteRequestId, ticketClosed, sent);
-    if (!bytes || !cache) return;
+    if (!bytes) return;
     cache->store(*key, std::move(*bytes));
 }
 

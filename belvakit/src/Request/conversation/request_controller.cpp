@@ -11,12 +11,15 @@
 #include "belvakit/attachments/attachment_preview.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "belvakit/attachments/cache_keys.hpp"
+#include "belvakit/deeplinks/help_center_action_handler.hpp"
+#include "belvakit/deeplinks/usage_telemetry.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/toolkit/theme.hpp"
 #include "corvane/core_logger.hpp"
 #include "corvane/corvane.hpp"
 #include "platform/main_queue.hpp"
+#include "platform/trimming.hpp"
 #include "tivra/state_key.hpp"
 #include "uikit/alert_controller.hpp"
 #include "uikit/image_view.hpp"
@@ -128,12 +131,16 @@ bool downloaded(const Message& message) {
 bool RequestDetailRefreshActionHandler::canHandle(const std::string& name) const { return name == actionName(requestId); }
 
 void RequestDetailRefreshActionHandler::handle(const std::map<std::string, std::any>& info) {
-    const auto found = info.find("request_id");
-    if (found == info.end()) return;
-    const auto* id = std::any_cast<std::string>(&found->second);
-    if (!id) return;
     Actions::FetchRequest fetch;
-    fetch.requestId = *id;
+    // Only this handler's own action reaches it, so without a usable "request_id" the ticket is
+    // its own.
+    fetch.requestId = requestId;
+    if (const auto found = info.find("request_id"); found != info.end()) {
+        if (const auto* text = std::any_cast<std::string>(&found->second))
+            fetch.requestId = *text;
+        else if (const auto* number = std::any_cast<std::int64_t>(&found->second))
+            fetch.requestId = std::to_string(*number);
+    }
     sharedStore()->dispatch(fetch);
 }
 
@@ -283,6 +290,7 @@ void RequestController::start() {
 
     subscribe();
     inputField_->render(input);
+    if (ticketClosed) store_->dispatch(Actions::TicketClosed{});
 
     if (!configuration_->fileAttachments.empty()) {
         if (!attachmentsAllowed_) {
@@ -294,6 +302,7 @@ void RequestController::start() {
             store_->dispatch(initial);
         }
     }
+    if (requestId_) sendRequestViewed(*requestId_);
     openConversation();
 }
 
@@ -408,7 +417,7 @@ void RequestController::openConversation() {
             Actions::LoadedFailedRequest failed;
             failed.requestId = id;
             screen->store_->dispatch(failed);
-            screen->progressBar_->stateMachine()->queueCompleted();
+            if (!screen->queueWorking_) screen->progressBar_->stateMachine()->queueCompleted();
             return;
         }
         screen->fetchComments(id);
@@ -433,7 +442,8 @@ void RequestController::fetchComments(const std::string& requestId) {
                     for (auto& message : messagesFromComment(comment)) loaded.messages.push_back(std::move(message));
                 screen->store_->dispatch(loaded);
             }
-            screen->progressBar_->stateMachine()->queueCompleted();
+            // A send under way keeps the bar until its queue is done.
+            if (!screen->queueWorking_) screen->progressBar_->stateMachine()->queueCompleted();
         });
     });
 }
@@ -478,7 +488,11 @@ void RequestController::actionSeen(const tivra::Action& action) {
     }
     if (!ownsConversation_) return;
     if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
+        queueWorking_ = false;
         progressBar_->stateMachine()->queueCompleted();
+    } else if (actionAs<RequestQueueActions::DispatchDetails>(action) ||
+               actionAs<RequestQueueActions::DispatchOperations>(action)) {
+        queueWorking_ = true;
     } else if (actionAs<Actions::AttachmentTooBig>(action)) {
         toastWrapper_->showErrorInViewController(self(), localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig));
     } else if (actionAs<Actions::InitalFetchCommentsError>(action)) {
@@ -613,7 +627,11 @@ void RequestController::retry(const std::vector<Message>& messages) {
             files.push_back(message);
         }
     }
-    if (details.id.empty()) return;
+    if (details.id.empty()) {
+        // Nothing that names the send: nothing goes to the queue, so nothing would end the bar.
+        if (!queueWorking_) progressBar_->stateMachine()->queueCompleted();
+        return;
+    }
     // The bytes were kept when the message was first sent; a picture in memory does as well.
     auto send = [store = store_, details, files](const std::vector<std::optional<std::string>>& kept) mutable {
         for (std::size_t i = 0; i < files.size(); ++i) {
@@ -743,22 +761,40 @@ void RequestController::viewWillAppear(bool animated) {
 
 void RequestController::viewDidAppear(bool animated) {
     CRVUIViewController::viewDidAppear(animated);
+    // Help Center links in agents' comments open articles while the conversation shows; a handler
+    // made anew replaces the one of an earlier visit, as they compare by account.
+    if (const auto core = corvane::Corvane::instance()) {
+        helpCenterHandler_ = HelpCenterActionHandler::forCurrentAccount();
+        if (helpCenterHandler_) core->actionHandlerRegistry().add(helpCenterHandler_);
+    }
     if (viewDidAppearBlock) std::exchange(viewDidAppearBlock, nullptr)();
 }
 
 void RequestController::viewWillDisappear(bool animated) {
     CRVUIViewController::viewWillDisappear(animated);
     unregisterRefreshHandler();
+    if (const auto core = corvane::Corvane::instance(); core && helpCenterHandler_)
+        core->actionHandlerRegistry().remove(*helpCenterHandler_);
 }
 
 void RequestController::viewDidLayoutSubviews() {
     CRVUIViewController::viewDidLayoutSubviews();
     const auto bounds = contentView()->bounds();
     const double inputHeight = std::min(bounds.height(), inputField_->sizeThatFits({bounds.width(), 0}).height);
-    requestTable_->tableView()->setFrame({0, 0, bounds.width(), bounds.height() - inputHeight});
+    auto& table = *requestTable_->tableView();
+    const uikit::Rect frame{0, 0, bounds.width(), bounds.height() - inputHeight};
+    // A reader at the end stays there when the keyboard, the field or a turn of the device resizes the table.
+    const bool follow = table.frame().size != frame.size && requestTable_->isAtBottom();
+    table.setFrame(frame);
+    if (follow) requestTable_->scrollToLast();
     inputField_->setFrame({0, bounds.height() - inputHeight, bounds.width(), inputHeight});
     if (progressBar_->superview() == view().get())
         progressBar_->setFrame({0, topViewOffset(), view()->bounds().width(), ProgressBar::defaultHeight});
+}
+
+bool RequestController::hasUnsavedEdits() const {
+    const auto* input = store_->state().valueOfType<InputFieldState>();
+    return input && (!platform::trimmingWhitespaceAndNewlines(input->text()).empty() || !input->attachments().empty());
 }
 
 } // namespace belvakit

@@ -168,6 +168,17 @@ void RequestTable::apply(const RequestTableState& old, const RequestTableState& 
         reloadAndScrollToLast();
         return;
     }
+    if (old.cellItems.empty()) {
+        // Nothing was on show: the whole conversation arrives, read from its end.
+        lastAction_ = DiffHandler::Action{next.cellItems.empty() ? DiffHandler::Kind::doNothing
+                                                                  : DiffHandler::Kind::reloadTableAndScrollToLast};
+        state_ = &next;
+        if (!next.cellItems.empty()) {
+            CoreLogger::debug("Reloading table and scroll to last");
+            reloadAndScrollToLast();
+        }
+        return;
+    }
     auto diff = DiffHandler::diff(old.cellItems, next.cellItems);
     lastAction_ = DiffHandler::action(diff, next.cellItems);
     CoreLogger::debug("New state " + std::string(DiffHandler::name(lastAction_->kind)) + ": " +
@@ -178,12 +189,6 @@ void RequestTable::apply(const RequestTableState& old, const RequestTableState& 
     if (const auto line = logLine(lastAction_->kind)) CoreLogger::debug(*line);
     if (lastAction_->kind == DiffHandler::Kind::doNothing) {
         state_ = &next;
-        return;
-    }
-    if (old.cellItems.empty()) {
-        // Nothing was on show: the whole conversation arrives, read from its end.
-        state_ = &next;
-        reloadAndScrollToLast();
         return;
     }
     applyBatch(next, diff);
@@ -237,12 +242,11 @@ void RequestTable::applyBatch(const RequestTableState& next, const DiffHandler::
             platform::MainQueue::shared().sync([&] { cell->setMessage(message); });
     }
 
-    const bool grewAtEnd = !diff.lists.inserted.empty() && diff.lists.inserted.back() == static_cast<int>(newRows.size()) - 1;
+    // A reader at the end stays at the end; the user's own message always comes into view.
     const bool ownSend = std::any_of(updates.inserted.begin(), updates.inserted.end(),
                                      [&](int row) { return isOwnFreshText(newRows[static_cast<std::size_t>(row)]); });
-    if (!newRows.empty() && (ownSend || (grewAtEnd && reading.atBottom))) {
-        table.layoutIfNeeded();
-        table.scrollToRow({0, static_cast<int>(newRows.size()) - 1}, uikit::TableViewScrollPosition::bottom, false);
+    if (!newRows.empty() && (ownSend || reading.atBottom)) {
+        scrollToLast();
         return;
     }
     if (!reading.row) return;
@@ -258,8 +262,12 @@ void RequestTable::applyBatch(const RequestTableState& next, const DiffHandler::
 }
 
 void RequestTable::reloadAndScrollToLast() {
+    tableView_->reloadData();
+    scrollToLast();
+}
+
+void RequestTable::scrollToLast() {
     auto& table = *tableView_;
-    table.reloadData();
     table.layoutIfNeeded();
     const int rows = table.numberOfRowsInSection(0);
     if (rows > 0) table.scrollToRow({0, rows - 1}, uikit::TableViewScrollPosition::bottom, false);

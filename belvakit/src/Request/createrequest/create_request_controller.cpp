@@ -1,6 +1,8 @@
 #include "belvakit/Request/createrequest/create_request_controller.hpp"
 
 #include "belvakit/Request/conversation/actions.hpp"
+#include "belvakit/Request/conversation/input_field_actions.hpp"
+#include "belvakit/Request/conversation/input_field_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "belvakit/entry/localized_strings.hpp"
@@ -238,19 +240,32 @@ void CreateRequestController::subscribe() {
     store->addListener<CreateRequestState>([weakSelf](const CreateRequestState& state) {
         if (auto form = weakSelf.lock()) form->stateChanged(state);
     }).linkLifeCycleTo(*this);
+    store->addListener<InputFieldState>([weakSelf](const InputFieldState& state) {
+        if (auto form = weakSelf.lock()) form->setAttachments(state.attachments());
+    }).linkLifeCycleTo(*this);
+    store->addActionListener([weakSelf](const tivra::Action& action) {
+        auto form = weakSelf.lock();
+        if (!form) return;
+        if (const auto* removed = tivra::actionAs<Actions::AttachmentRemoved>(action)) {
+            if (form->imageRemoved) form->imageRemoved(removed->identifier);
+        } else if (tivra::actionAs<Actions::BecomeFirstResponder>(action)) {
+            if (auto responder = form->lastResponder_.lock()) responder->becomeFirstResponder();
+        } else if (tivra::actionAs<Actions::AttachmentTooBig>(action)) {
+            form->showTooBig();
+        }
+    }).linkLifeCycleTo(*this);
 }
 
 void CreateRequestController::preAttach(const RequestUiConfiguration& configuration) {
     if (!attachmentsEnabled_) {
-        if (!configuration.fileAttachments.empty())
-            corvane::CoreLogger::error(
-                "File attachments are disabled at account level, unabled to pre-attach files to request");
+        corvane::CoreLogger::error(
+            "File attachments are disabled at account level, unabled to pre-attach files to request");
         return;
     }
-    std::vector<InputAttachmentViewStatePtr> attachments;
-    for (const auto& file : configuration.fileAttachments)
-        if (auto attachment = file.inputAttachment(maxAttachmentSize_)) attachments.push_back(std::move(attachment));
-    setAttachments(std::move(attachments));
+    Actions::InitialFileAttachmentsAdded initial;
+    initial.fileAttachments = configuration.fileAttachments;
+    initial.maxFileAttachmentSize = maxAttachmentSize_;
+    sharedStore()->dispatch(initial);
 }
 
 void CreateRequestController::setImagePickerPresenter(std::shared_ptr<ImagePickerPresenter> presenter) {
@@ -380,7 +395,6 @@ void CreateRequestController::dispatchSend() {
     action.name = nameField_ ? nameField_->field()->text().value_or("") : std::string();
     for (const auto& attachment : attachmentCollectionView_->state().attachments)
         action.attachments.push_back(std::const_pointer_cast<InputAttachmentViewState>(attachment));
-    sendSucceeded_ = false;
     sharedStore()->dispatch(action);
 }
 
@@ -410,33 +424,37 @@ void CreateRequestController::corvaneButtonPressed() { sharedStore()->dispatch(C
 
 void CreateRequestController::attachmentAdded(InputAttachmentViewStatePtr attachment) {
     if (!attachment) return;
-    if (attachment->size() > maxAttachmentSize_) {
-        corvane::CoreLogger::debug("Attachment too large");
-        showStatus(localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig), failureColor);
-        const auto shown = statusGeneration_;
-        const std::weak_ptr<CreateRequestController> weakSelf = self();
-        platform::MainQueue::shared().asyncAfter(platform::seconds(tooBigDuration), [weakSelf, shown] {
-            auto form = weakSelf.lock();
-            if (form && form->statusGeneration_ == shown) form->hideStatus();
-        });
+    // The store's middleware refuses one over the account's limit, and says so.
+    Actions::AttachmentAdded added;
+    added.viewModel = attachment;
+    const auto& store = sharedStore();
+    store->dispatch(added);
+    const auto* input = store->state().valueOfType<InputFieldState>();
+    if (!input || std::find(input->attachments().begin(), input->attachments().end(), attachment) == input->attachments().end())
         return;
-    }
-    auto attachments = attachmentCollectionView_->state().attachments;
-    attachments.push_back(std::move(attachment));
-    setAttachments(std::move(attachments));
     CreateRequestActions::Edited edited;
     edited.hasEdits = true;
-    sharedStore()->dispatch(edited);
+    store->dispatch(edited);
 }
 
 void CreateRequestController::attachmentRemoved(const std::string& identifier) {
-    auto attachments = attachmentCollectionView_->state().attachments;
-    std::erase_if(attachments, [&](const auto& attachment) { return attachment && attachment->identifier() == identifier; });
-    setAttachments(std::move(attachments));
-    if (imageRemoved) imageRemoved(identifier);
+    Actions::AttachmentRemoved removed;
+    removed.identifier = identifier;
+    sharedStore()->dispatch(removed);
+}
+
+void CreateRequestController::showTooBig() {
+    showStatus(localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig), failureColor);
+    const auto shown = statusGeneration_;
+    platform::MainQueue::shared().asyncAfter(platform::seconds(tooBigDuration),
+                                             [weakSelf = std::weak_ptr<CreateRequestController>(self()), shown] {
+                                                 auto form = weakSelf.lock();
+                                                 if (form && form->statusGeneration_ == shown) form->hideStatus();
+                                             });
 }
 
 void CreateRequestController::setAttachments(std::vector<InputAttachmentViewStatePtr> attachments) {
+    if (attachments == attachmentCollectionView_->state().attachments) return;
     attachmentCollectionView_->setState({std::move(attachments)});
     if (isViewLoaded()) view()->setNeedsLayout();
 }
@@ -471,49 +489,69 @@ void CreateRequestController::inputBegan(uikit::TextInput& input) {
 void CreateRequestController::stateChanged(const CreateRequestState& next) {
     const Sending previous = state_.sending;
     state_ = next;
-    if (next.sending != previous) applySending(next.sending, previous);
-    updateAttachButton();
+    redraw(next.sending != previous ? std::optional(previous) : std::nullopt);
     if (logoView_) logoView_->setHidden(!state_.showCorvaneLogo);
     if (isViewLoaded()) view()->setNeedsLayout();
 }
 
-void CreateRequestController::applySending(Sending sending, Sending previous) {
-    switch (sending) {
+// Any change of the slice redraws the row of the current send state, so every step there is safe
+// to repeat. What must happen once (ending the editing, the bar's start, the scroll, the timer)
+// happens on entering the row: typing on a form that stays in one state keeps its keyboard.
+void CreateRequestController::redraw(std::optional<Sending> enteredFrom) {
+    const bool entered = enteredFrom.has_value();
+    Sending row = state_.sending;
+    if (row == Sending::sent && entered) {
+        // A queue that drains without creating the ticket (its files did not upload) failed it.
+        ticketMissing_ = awaitingTicket_;
+        awaitingTicket_ = false;
+    }
+    if (row == Sending::sent && ticketMissing_) row = Sending::failure;
+    switch (row) {
     case Sending::unsent:
+        if (entered) awaitingTicket_ = ticketMissing_ = false;
         hideStatus();
+        updateAttachButton();
         break;
     case Sending::sending:
+        if (entered) {
+            awaitingTicket_ = true;
+            ticketMissing_ = false;
+        }
         showStatus(localized(LocalizedKey::requestsCreateRequestSending), sendingColor);
-        endEditing();
         showLoading(true);
-        progressBar_->stateMachine()->begin(sharedProgressSteps());
-        scrollToEnd();
+        if (entered) {
+            endEditing();
+            progressBar_->stateMachine()->begin(sharedProgressSteps());
+            scrollToEnd();
+        }
+        updateAttachButton();
         break;
     case Sending::sent:
-        if (previous == Sending::sending && !sendSucceeded_) {
-            // The queue drained without creating the ticket (its files did not upload): a failure.
-            applySending(Sending::failure, previous);
-            return;
-        }
         hideStatus();
-        endEditing();
+        if (entered) endEditing();
+        updateAttachButton();
         break;
     case Sending::success:
-        sendSucceeded_ = true;
+        awaitingTicket_ = false;
         hideStatus();
-        endEditing();
         progressBar_->stateMachine()->queueCompleted();
-        finishTimer_.cancel();
-        finishTimer_ = platform::MainQueue::shared().asyncAfter(
-            platform::seconds(dismissDelay), [weakSelf = std::weak_ptr<CreateRequestController>(self())] {
-                if (auto form = weakSelf.lock()) form->finishAfterSending();
-            });
+        if (entered) {
+            endEditing();
+            finishTimer_.cancel();
+            finishTimer_ = platform::MainQueue::shared().asyncAfter(
+                platform::seconds(dismissDelay), [weakSelf = std::weak_ptr<CreateRequestController>(self())] {
+                    if (auto form = weakSelf.lock()) form->finishAfterSending();
+                });
+        }
         break;
     case Sending::failure:
+        awaitingTicket_ = false;
         showStatus(localized(LocalizedKey::requestsCreateRequestErrorRequest), failureColor);
         showLoading(false);
-        setSendEnabled(true);
+        // On the way in the form is as it was sent; after that its fields decide.
+        setSendEnabled(entered || formValid_);
         progressBar_->stateMachine()->queueCompleted();
+        updateAttachButton();
         break;
     }
 }
@@ -574,6 +612,7 @@ void CreateRequestController::showLoading(bool shown) {
 
 void CreateRequestController::setSendEnabled(bool enabled) {
     enabled = enabled && !loadingShown_;
+    if (sendButtonItem_->enabled == enabled) return;
     sendButtonItem_->enabled = enabled;
     if (auto enabler = navigationItemEnabler.lock()) {
         enabler->setRightBarButtonItemEnabled(enabled);

@@ -4,7 +4,6 @@
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_state.hpp"
 #include "corvane/core_logger.hpp"
-#include "platform/main_queue.hpp"
 #include "platform/serial_queue.hpp"
 #include "platform/trimming.hpp"
 #include "tivra/state.hpp"
@@ -81,21 +80,18 @@ void prepareDispatchDetails(std::vector<Message> messages, std::vector<InputAtta
     RequestQueueActions::DispatchDetails details;
     details.id = text->id;
     details.body = text->body;
-    const bool encodes = !attachments.empty();
-    auto work = [details = std::move(details), attachments = std::move(attachments),
-                 dispatchDetails = std::move(dispatchDetails)]() mutable {
+    // Encoding files takes time, so no send is prepared on the main thread. One serial queue keeps
+    // the sends in the order they were pressed, which is the order the send queue runs them in.
+    static const platform::SerialQueue preparing("CreateRequestPrepareQueue");
+    preparing.async([details = std::move(details), attachments = std::move(attachments),
+                     dispatchDetails = std::move(dispatchDetails)]() mutable {
         for (const auto& attachment : attachments) {
             const auto* attachable = dynamic_cast<const Attachable*>(attachment.get());
             if (!attachable) continue;
             if (auto file = attachable->attachment()) details.attachments.push_back(std::move(*file));
         }
         dispatchDetails(details);
-    };
-    // Encoding files takes time, so it leaves the main thread; a text alone only waits its turn.
-    if (encodes)
-        platform::BackgroundQueue::shared().async(std::move(work));
-    else
-        platform::MainQueue::shared().async(std::move(work));
+    });
 }
 
 } // namespace belvakit

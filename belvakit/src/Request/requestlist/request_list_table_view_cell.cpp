@@ -117,16 +117,14 @@ std::string RequestListTableViewCell::agentNamesText(const RequestListCellData& 
     return text;
 }
 
-std::string RequestListTableViewCell::timestampText(const RequestListCellData& data) {
-    if (data.requestStatus != RequestStatus::closed) return data.displayTimestamp;
-    const std::string& closed = localized(LocalizedKey::requestsRequestListCellClosed);
-    return data.displayTimestamp.empty() ? closed : closed + " \u00B7 " + data.displayTimestamp;
-}
-
 std::string RequestListTableViewCell::lastCommentText(const RequestListCellData& data) {
     if (data.isErrored) return localized(LocalizedKey::requestsRequestListCellFailed);
-    const std::string& comment = data.requestLastComment ? *data.requestLastComment : data.requestDescription;
-    return comment == data.requestTitle ? std::string() : comment;
+    const std::string& last = data.requestLastComment ? *data.requestLastComment : data.requestDescription;
+    const std::string comment = last == data.requestTitle ? std::string() : last;
+    if (data.requestStatus != RequestStatus::closed) return comment;
+    // A closed ticket says so where its latest word stands; the time keeps its own place.
+    const std::string& closed = localized(LocalizedKey::requestsRequestListCellClosed);
+    return comment.empty() ? closed : closed + " \u00B7 " + comment;
 }
 
 void RequestListTableViewCell::configure(const RequestListCellData& data) {
@@ -145,7 +143,7 @@ void RequestListTableViewCell::configure(const RequestListCellData& data) {
     const std::string names = agentNamesText(data);
     agentNamesTitle->setText(names);
     agentNamesTitle->setAccessibilityLabel(localized(LocalizedKey::requestsRequestListCellResponders) + " " + names);
-    updatedAtTimestamp->setText(timestampText(data));
+    updatedAtTimestamp->setText(data.displayTimestamp);
 
     const bool closed = data.requestStatus == RequestStatus::closed;
     requestSubjectLabel->setFont(data.hasUnreadComments ? theme->boldSubHeaderFont : theme->subHeaderFont);

@@ -82,7 +82,6 @@ std::shared_ptr<RequestListViewController> RequestListViewController::self() {
 void RequestListViewController::viewDidLoad() {
     CRVUIViewController::viewDidLoad();
     buildViews();
-    sendRequestListViewed();
 
     const std::weak_ptr<RequestListViewController> weak = self();
     sharedStore()
@@ -106,6 +105,10 @@ void RequestListViewController::viewDidLoad() {
             else
                 platform::MainQueue::shared().async(leave);
         });
+    // The rows the shared slice holds from an earlier visit stand until this visit's come.
+    if (const auto* held = sharedStore()->state().valueOfType<RequestListState>(); held && !held->requests.empty())
+        giveToHandler(*held);
+    load(true);
 }
 
 void RequestListViewController::buildViews() {
@@ -222,7 +225,7 @@ void RequestListViewController::layoutEmptyView(const uikit::Rect& bounds) {
 void RequestListViewController::viewWillAppear(bool animated) {
     CRVUIViewController::viewWillAppear(animated);
     if (auto core = corvane::Corvane::instance()) core->actionHandlerRegistry().add(refreshHandler_);
-    load();
+    load(false);
 }
 
 void RequestListViewController::viewWillDisappear(bool animated) {
@@ -230,33 +233,33 @@ void RequestListViewController::viewWillDisappear(bool animated) {
     if (auto core = corvane::Corvane::instance()) core->actionHandlerRegistry().remove(*refreshHandler_);
 }
 
-void RequestListViewController::load() {
+void RequestListViewController::load(bool viewed) {
     loading_ = true;
     progressBar->stateMachine()->begin(sharedProgressSteps());
     updateEmptyView();
     const auto core = corvane::Corvane::instance();
     const auto settingsProvider = core ? core->providerModule().provider<dastrel::SettingsProvider>() : nullptr;
-    if (!settingsProvider) {
-        // Nothing can say whether conversations are on: the load ends as a failure, with what was kept.
+    if (settingsProvider) {
+        settingsProvider->getSettings([](std::optional<dastrel::SupportSettings> settings) {
+            if (!settings) {
+                // Without the settings the network fetch never starts: the load ends as a failure.
+                sharedStore()->dispatch(Actions::RequestsFetchedFailed{});
+                return;
+            }
+            Actions::FetchRequestListSettingsSuccess success;
+            success.referrerUrl = settings->referrerUrl;
+            success.conversationsEnabled = settings->conversationsEnabled;
+            success.showReferrerLogo = settings->showReferrerLogo;
+            success.showClosedRequests = settings->showClosedRequests;
+            sharedStore()->dispatch(success);
+        });
+    } else {
         sharedStore()->dispatch(Actions::RequestsFetchedFailed{});
-        dispatchFetchCached(cache);
-        return;
     }
-    // The kept rows are asked for after the settings, which empty the list when they arrive.
-    settingsProvider->getSettings([tickets = cache](std::optional<dastrel::SupportSettings> settings) {
-        if (!settings) {
-            sharedStore()->dispatch(Actions::RequestsFetchedFailed{});
-            dispatchFetchCached(tickets);
-            return;
-        }
-        Actions::FetchRequestListSettingsSuccess success;
-        success.referrerUrl = settings->referrerUrl;
-        success.conversationsEnabled = settings->conversationsEnabled;
-        success.showReferrerLogo = settings->showReferrerLogo;
-        success.showClosedRequests = settings->showClosedRequests;
-        sharedStore()->dispatch(success);
-        if (settings->conversationsEnabled) dispatchFetchCached(tickets);
-    });
+    if (viewed) sendRequestListViewed();
+    // The kept rows are asked for whatever the settings say; rows that come before the settings'
+    // answer stay drawn, as the answer's Loading redraws nothing.
+    dispatchFetchCached(cache);
 }
 
 void RequestListViewController::giveToHandler(const RequestListState& newState) {
@@ -269,7 +272,6 @@ void RequestListViewController::render(RequestListState newState) {
     switch (newState.stateType) {
     case RequestListStateType::LoadedFromNetwork:
         giveToHandler(newState);
-        failed_ = false;
         finishLoading();
         updateEmptyView();
         updateLogo();
@@ -287,7 +289,6 @@ void RequestListViewController::render(RequestListState newState) {
         break;
     case RequestListStateType::ErroredFromNetwork:
         giveToHandler(newState);
-        failed_ = true;
         finishLoading();
         updateEmptyView();
         showError();
@@ -316,8 +317,6 @@ void RequestListViewController::updateEmptyView() {
     const bool empty = tableViewHandler->tableData.requests.empty();
     inboxView->setHidden(!empty || loading_);
     requestListTableView->setHidden(empty && !loading_);
-    conversationsLabel->setText(localized(failed_ ? LocalizedKey::requestsRequestListError
-                                                 : LocalizedKey::requestsRequestListEmptySubtitle));
     inboxView->setNeedsLayout();
     if (loading_ && empty && !refreshController->isRefreshing())
         loadingSpinner->startAnimating();
@@ -332,8 +331,7 @@ void RequestListViewController::updateLogo() {
 }
 
 void RequestListViewController::showError() {
-    // Offline, the connectivity toast already says why, in the same place.
-    if (toastView) return;
+    // Below the connectivity toast when that shows: the content view starts under it.
     toastWrapper->showErrorInViewController(self(), localized(LocalizedKey::requestsRequestListError));
 }
 

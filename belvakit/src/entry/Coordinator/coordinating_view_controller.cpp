@@ -24,18 +24,19 @@ void CoordinatingViewController::viewWillLayoutSubviews() {
 
 void CoordinatingViewController::viewWillAppear(bool animated) {
     ContainerViewController::viewWillAppear(animated);
-    // The first screen is decided once; coming back to the flow shows the same one.
-    if (activeController() || starting_ || !coordinator) return;
-    starting_ = true;
+    if (!coordinator) return;
+    // Each appearance asks again; the screen it names takes the place of the one before.
+    const std::uint64_t asked = ++startsAsked_;
     spinner->startAnimating();
     std::weak_ptr<CoordinatingViewController> weak =
         std::static_pointer_cast<CoordinatingViewController>(shared_from_this());
     coordinator->start(
-        [weak](uikit::ViewController::Ptr screen) {
+        [weak, asked](uikit::ViewController::Ptr screen) {
             const auto self = weak.lock();
-            if (!self) return;
-            self->starting_ = false;
-            self->spinner->stopAnimating();
+            // An answer older than one already shown would bring back a stale screen.
+            if (!self || asked < self->startsAnswered_) return;
+            self->startsAnswered_ = asked;
+            if (!self->isStarting()) self->spinner->stopAnimating();
             if (!screen) return;
             // The child names its title and buttons as its view loads, which the swap does.
             self->setActiveController(screen);

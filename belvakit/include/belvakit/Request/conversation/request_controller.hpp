@@ -4,6 +4,7 @@
 #include "belvakit/Request/conversation/request_table.hpp"
 #include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/queue/request_fetcher.hpp"
+#include "belvakit/Request/createrequest/discard_edits_controller.hpp"
 #include "belvakit/entry/ui_configurations.hpp"
 #include "belvakit/toolkit/progress_bar.hpp"
 #include "belvakit/toolkit/toast_view_wrapper.hpp"
@@ -36,7 +37,8 @@ public:
     explicit RequestDetailRefreshActionHandler(std::string id) : requestId(std::move(id)) {}
 
     bool canHandle(const std::string& actionName) const override;
-    // Reads "request_id" (a string) and asks the shared store to fetch that ticket's news.
+    // Asks the shared store to fetch the news of the ticket under "request_id" (text or number),
+    // or of its own ticket without one.
     void handle(const std::map<std::string, std::any>& info) override;
     int priority() const override { return 0; }
     std::optional<corvane::ActionDescription> actionDescription() const override { return description; }
@@ -48,8 +50,10 @@ public:
 
 // The screen of one ticket: its messages, the input field and the send progress. It turns
 // gestures into actions and keeps the device's copy of the conversation in step with the store.
-class RequestController final : public CRVUIViewController {
+class RequestController final : public CRVUIViewController, public DiscardEditsControllerEditSource {
 public:
+    // A reply being written: text that isn't only space, or a chosen attachment.
+    bool hasUnsavedEdits() const override;
     // What the request container passes. `requestId` is absent for a new ticket. Without a cache the
     // core's "Tickets" cache is used; without a store, the shared one.
     static std::shared_ptr<RequestController> make(const RequestUiConfiguration& configuration,
@@ -78,6 +82,9 @@ public:
     const std::shared_ptr<RequestDetailRefreshActionHandler>& requestRefreshHandler() const { return requestRefreshHandler_; }
     // Work held until the screen has appeared.
     std::function<void()> viewDidAppearBlock;
+    // Known closed by whoever opens the screen: the conversation is closed from its start, before
+    // the device's copy says so. Set before the view loads.
+    bool ticketClosed = false;
 
     // The user's send: a text and the chosen attachments.
     void sendButtonTapped(const std::string& text, const std::vector<InputAttachmentViewStatePtr>& attachments);
@@ -142,12 +149,15 @@ private:
     std::shared_ptr<ProgressBar> progressBar_;
     std::shared_ptr<CRVToastViewWrapper> toastWrapper_;
     std::shared_ptr<RequestDetailRefreshActionHandler> requestRefreshHandler_;
+    std::shared_ptr<corvane::ActionHandler> helpCenterHandler_;
     platform::ObservationToken backgroundNotificationObserver_;
     std::shared_ptr<tivra::Store> store_;
     // Subscriptions end with this object, that is with the screen.
     platform::Object lifetime_;
     // The first state after a load from disk is what the disk holds: it isn't written back.
     bool skipNextPersist_ = false;
+    // The send queue has work of this screen's: it, not the first load, ends the progress bar.
+    bool queueWorking_ = false;
     bool started_ = false;
     bool ownsConversation_ = false;
     // Set while this screen resets the slices itself.

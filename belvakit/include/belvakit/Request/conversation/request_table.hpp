@@ -59,6 +59,11 @@ public:
     // The same for a state held apart from a store.
     void update(RequestTableState state);
 
+    // Whether the reader is at the end of the conversation.
+    bool isAtBottom() const;
+    // Shows the last row at the bottom, when there is one.
+    void scrollToLast();
+
     // What the latest update did: its classification and the batch applied.
     const std::optional<DiffHandler::Action>& lastAction() const { return lastAction_; }
 
@@ -78,7 +83,6 @@ private:
     void apply(const RequestTableState& old, const RequestTableState& next);
     void applyBatch(const RequestTableState& next, const DiffHandler::Diff& diff);
     void reloadAndScrollToLast();
-    bool isAtBottom() const;
     void wire(uikit::TableViewCell& cell);
 
     std::shared_ptr<uikit::TableView> tableView_;

@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace belvakit {
@@ -97,8 +98,10 @@ public:
     void send();
     void attachPress();
     void corvaneButtonPressed();
-    // A picked attachment joins the list unless it is larger than allowed, which the form says.
+    // A picked attachment goes to the input field's slice, whose middleware refuses one larger than
+    // the account allows; the form says so.
     void attachmentAdded(InputAttachmentViewStatePtr attachment);
+    // Through the store; `imageRemoved` hears of it there.
     void attachmentRemoved(const std::string& identifier);
 
     void validationChanged(bool emailValid, bool formValid) override;
@@ -122,7 +125,9 @@ private:
     void preAttach(const RequestUiConfiguration& configuration);
     void dispatchSend();
     void stateChanged(const CreateRequestState& next);
-    void applySending(CreateRequestState::Sending sending, CreateRequestState::Sending previous);
+    // `enteredFrom` is the former send state when this one is new.
+    void redraw(std::optional<CreateRequestState::Sending> enteredFrom);
+    void showTooBig();
     void updateAttachButton();
     void showStatus(const std::string& text, const platform::Color& color);
     void hideStatus();
@@ -165,8 +170,10 @@ private:
     bool statusShown_ = false;
     bool loadingShown_ = false;
     bool formValid_ = false;
-    // Whether the send under way reached the help desk; a queue that drains without it failed.
-    bool sendSucceeded_ = false;
+    // A send is under way and its ticket has not come yet.
+    bool awaitingTicket_ = false;
+    // The queue drained without creating the ticket: drawn as a failure until the next send.
+    bool ticketMissing_ = false;
     // Numbers each status shown, so a timed hide touches only its own.
     std::uint64_t statusGeneration_ = 0;
     platform::TimerHandle finishTimer_;

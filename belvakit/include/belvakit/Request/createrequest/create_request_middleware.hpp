@@ -28,10 +28,10 @@ void updateIdentityFromForm(const std::shared_ptr<corvane::Corvane>& core, const
                             const std::optional<std::string>& email);
 
 // The queue's request for one send: the text message's id and body with the files of the chosen
-// attachments. With files, they are made on a background queue (images are encoded there) and
-// `dispatchDetails` is called there; a text alone goes to the main queue. Either way the call
-// comes after the current dispatch. An attachment that gives no file is left out. Nothing happens
-// for an empty list or one that does not start with a user's text.
+// attachments. The files are made, and `dispatchDetails` called, on a serial background queue, so
+// the call comes after the current dispatch and in the order of the calls. An attachment that
+// gives no file is left out. Nothing happens for an empty list or one that does not start with a
+// user's text.
 void prepareDispatchDetails(std::vector<Message> messages, std::vector<InputAttachmentViewStatePtr> attachments,
                             std::function<void(const RequestQueueActions::DispatchDetails&)> dispatchDetails);
 

@@ -39,8 +39,8 @@ public:
 
     // The texts a row draws.
     static std::string agentNamesText(const RequestListCellData& data);
-    static std::string timestampText(const RequestListCellData& data);
-    // Nothing when the last comment only repeats the title.
+    // The failure of a ticket that did not go out, or the latest comment, after the closed mark of
+    // a closed ticket; no comment when it only repeats the title.
     static std::string lastCommentText(const RequestListCellData& data);
 
     std::shared_ptr<uikit::View> unreadIndicator;

@@ -79,7 +79,8 @@ private:
     void buildViews();
     void layoutList(const uikit::Rect& bounds);
     void layoutEmptyView(const uikit::Rect& bounds);
-    void load();
+    // Reads the settings and the kept rows; `viewed` also reports the visit.
+    void load(bool viewed);
     void render(RequestListState newState);
     void giveToHandler(const RequestListState& newState);
     void updateEmptyView();
@@ -98,8 +99,6 @@ private:
     std::shared_ptr<RequestListRefreshActionHandler> refreshHandler_ = std::make_shared<RequestListRefreshActionHandler>();
     platform::ObservationToken unauthorizedObserver_;
     bool loading_ = false;
-    // The last answer from the help desk was a failure.
-    bool failed_ = false;
 };
 
 } // namespace belvakit

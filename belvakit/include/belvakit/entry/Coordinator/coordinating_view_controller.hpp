@@ -6,6 +6,7 @@
 #include "platform/color.hpp"
 #include "uikit/image_view.hpp"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 
@@ -33,13 +34,15 @@ public:
     uikit::NavigationItem& navItem() override { return navigationItem(); }
     void willDismiss() override;
 
-    // Whether the coordinator was asked and has not answered yet.
-    bool isStarting() const { return starting_; }
+    // Whether the coordinator's latest start has not answered yet.
+    bool isStarting() const { return startsAnswered_ < startsAsked_; }
 
 private:
     // Shows the child's title and bar buttons as this screen's.
     void adoptNavigationItem(const uikit::ViewController& child);
-    bool starting_ = false;
+    // Numbers the starts, one for each appearance, and the latest one whose answer was taken.
+    std::uint64_t startsAsked_ = 0;
+    std::uint64_t startsAnswered_ = 0;
 };
 
 using CRVCoordinatingViewController = CoordinatingViewController;

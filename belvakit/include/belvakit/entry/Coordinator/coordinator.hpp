@@ -51,4 +51,6 @@ public:
     void start(Present present, const uikit::ViewController::Ptr& with) override;
 };
 
+using CRVHelpCenterCoordinator = HelpCenterCoordinator;
+
 } // namespace belvakit
