@@ -94,6 +94,28 @@ TEST_F(RequestTableReducerTest, CommentCreatedLabelsOnlyTheLastAttachmentOfTheNe
               "F");
 }
 
+TEST_F(RequestTableReducerTest, ASendWhoseCommentAFetchBroughtFirstStaysOneRow) {
+    // The fetch overtook the send's answer: the table holds the comment as the help desk's too.
+    const auto queued = DeliveryStatus::notDelivered;
+    auto state = withMessages({text("L", t0 + 10, queued), image("i1", "L", t0 + 10, queued), text("501", t0 + 11),
+                               image("601", "501", t0 + 11), agent("a1", t0 + 12)});
+    Actions::CommentCreated created;
+    created.localId = "L";
+    created.remoteCommentId = "501";
+    created.remoteCreatedAt = t0 + 11;
+    created.attachments = {{"601", upload("i1")}};
+    state = reduce(state, created);
+    EXPECT_EQ(ids(state.tableData), (Strings{"L", "i1", "a1"}));
+    EXPECT_EQ(statusOf(state.tableData, "L"), DeliveryStatus::delivered);
+
+    Actions::TicketCreated ticket;
+    ticket.localId = "T";
+    ticket.remoteRequestId = "42";
+    ticket.remoteCommentId = "700";
+    state = reduce(withMessages({text("T", t0, queued), text("700", t0 + 1)}), ticket);
+    EXPECT_EQ(ids(state.tableData), (Strings{"T"}));
+}
+
 TEST_F(RequestTableReducerTest, FailuresMarkTheTextAndItsAttachments) {
     const auto sending = withMessages({text("ok", t0), text("L", t0 + 1, DeliveryStatus::notDelivered),
                                        image("i1", "L", t0 + 1, DeliveryStatus::notDelivered), agent("a1", t0 + 2)});

@@ -267,6 +267,14 @@ std::optional<RequestTableState> RequestTabelCreationSubReducer::reduce(const Re
         next.mapLocalToRemote[localId] = ticket ? ticket->remoteCommentId : comment->remoteCommentId;
         for (const auto& [remoteAttachmentId, attachment] : ticket ? ticket->attachments : comment->attachments)
             next.mapLocalToRemote[attachment.id] = remoteAttachmentId;
+        // A fetch may have brought the comment before this answer: the local rows, now mapped to
+        // it, are the comment, and its remote copies go.
+        if (std::any_of(next.tableData.begin(), next.tableData.end(), [&](const Message& m) { return id(m) == localId; })) {
+            std::set<std::string> copies{ticket ? ticket->remoteCommentId : comment->remoteCommentId};
+            for (const auto& [remoteAttachmentId, attachment] : ticket ? ticket->attachments : comment->attachments)
+                copies.insert(remoteAttachmentId);
+            std::erase_if(next.tableData, [&](const Message& m) { return copies.contains(id(m)) && !next.mapLocalToRemote.contains(id(m)); });
+        }
 
         // Only the newest send carries the delivered label.
         for (auto& message : next.tableData)
