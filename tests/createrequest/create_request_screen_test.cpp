@@ -496,6 +496,21 @@ TEST_F(CreateRequestScreenTest, TheStoresBecomeFirstResponderGivesTheKeyboardBac
     EXPECT_EQ(window->firstResponder(), &input("CRVemailField"));
 }
 
+TEST_F(CreateRequestScreenTest, ItsViewsTappedAfterTheFormWentDoNothing) {
+    ASSERT_TRUE(open());
+    // A view that a parent still holds, as one leaving in an animation is held.
+    const auto view = form->view();
+    const std::vector<uikit::View*> tapped{&input("CRVnameField"), &input("CRVmessageBodyField"),
+                                           form->attachButton().get(), form->logoView().get()};
+    const std::weak_ptr<CreateRequestController> gone = form;
+    navigation->setViewControllers({std::make_shared<uikit::ViewController>()}, false);
+    form.reset();
+    ASSERT_TRUE(gone.expired());
+    window->addSubview(view);
+    for (auto* target : tapped) uikit::tap(*target);
+    EXPECT_FALSE(picker->shown);
+}
+
 TEST_F(CreateRequestScreenTest, AttachmentsOffAtTheAccountDropPreAttachedFilesWithTheErrorLog) {
     const std::string disabled = "File attachments are disabled at account level, unabled to pre-attach files to request";
     ASSERT_TRUE(open({.attachmentsEnabled = false, .preAttached = {RequestAttachment("a.txt", "a", FileType::txt)}}));

@@ -156,7 +156,11 @@ void CreateRequestController::buildForm(bool requiresName, bool requiresEmail) {
     const auto theme = CRVLegacyTheme::currentAppliedTheme();
     inputFieldValidator_ = CreateRequestInputFieldsValidator::make();
     inputFieldValidator_->setDelegate(std::static_pointer_cast<CreateRequestInputFieldsValidatorDelegate>(self()));
-    const auto began = [this](uikit::TextInput& input) { inputBegan(input); };
+    // The views may outlive the form (a parent holds them while it leaves): they hold it weakly.
+    const std::weak_ptr<CreateRequestController> weak = self();
+    const auto began = [weak](uikit::TextInput& input) {
+        if (auto form = weak.lock()) form->inputBegan(input);
+    };
 
     // A field the form does not ask for is never made: the validator then does not require it.
     if (requiresName) {
@@ -187,7 +191,9 @@ void CreateRequestController::buildForm(bool requiresName, bool requiresEmail) {
     inputFieldValidator_->setDescriptionView(description);
 
     attachmentCollectionView_ = uikit::make<InputAttachmentCollectionView>();
-    attachmentCollectionView_->removeTapped = [this](const std::string& identifier) { attachmentRemoved(identifier); };
+    attachmentCollectionView_->removeTapped = [weak](const std::string& identifier) {
+        if (auto form = weak.lock()) form->attachmentRemoved(identifier);
+    };
 
     toastView_ = uikit::make<uikit::View>();
     toastView_->setAccessibilityIdentifier("CRVcreateRequestStatusView");
@@ -207,10 +213,14 @@ void CreateRequestController::buildForm(bool requiresName, bool requiresEmail) {
     clip->contentMode = uikit::ContentMode::scaleAspectFit;
     clip->setFrame({11, 11, 22, 22});
     attachButton_->addSubview(clip);
-    attachButton_->addTarget(uikit::ControlEvent::touchUpInside, [this] { attachPress(); });
+    attachButton_->addTarget(uikit::ControlEvent::touchUpInside, [weak] {
+        if (auto form = weak.lock()) form->attachPress();
+    });
 
     logoView_ = std::make_shared<CorvaneLogoView>();  // no link of its own: the tap goes through the store
-    logoView_->addTapAction([this] { corvaneButtonPressed(); });
+    logoView_->addTapAction([weak] {
+        if (auto form = weak.lock()) form->corvaneButtonPressed();
+    });
 
     bottomBar_ = uikit::make<uikit::View>();
     bottomBar_->addSubview(attachButton_);
