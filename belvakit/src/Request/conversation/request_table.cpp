@@ -239,7 +239,7 @@ void RequestTable::applyBatch(const RequestTableState& next, const DiffHandler::
         if (platform::MainQueue::shared().isMainThread())
             cell->setMessage(message);
         else
-            platform::MainQueue::shared().sync([&] { cell->setMessage(message); });
+            platform::MainQueue::shared().sync([&cell = cell, &message = message] { cell->setMessage(message); });
     }
 
     // A reader at the end stays at the end; the user's own message always comes into view.
