@@ -93,6 +93,13 @@ AVATAR_DISC = (200, 204, 208)
 AVATAR_FIGURE = (255, 255, 255)
 
 
+def samples(column, row, steps=4):
+    """The points of a pixel's steps-by-steps supersampling grid, for smooth edges."""
+    for sy in range(steps):
+        for sx in range(steps):
+            yield column + (sx + 0.5) / steps, row + (sy + 0.5) / steps
+
+
 def draw_avatar():
     """A grey disc with a white head and shoulders, its edges smoothed by 4x4 supersampling."""
     size = AVATAR_SIZE
@@ -113,14 +120,10 @@ def draw_avatar():
         line = []
         for column in range(size):
             disc = figure = 0
-            for sy in range(steps):
-                for sx in range(steps):
-                    x = column + (sx + 0.5) / steps
-                    y = row + (sy + 0.5) / steps
-                    if inside_disc(x, y):
-                        disc += 1
-                        if inside_figure(x, y):
-                            figure += 1
+            for x, y in samples(column, row, steps):
+                if inside_disc(x, y):
+                    disc += 1
+                    figure += inside_figure(x, y)
             total = steps * steps
             if disc == 0:
                 line.append(CLEAR)
@@ -148,13 +151,7 @@ def draw_strokes(size, segments, width, colour):
     for row in range(size):
         line = []
         for column in range(size):
-            ink = 0
-            for sy in range(steps):
-                for sx in range(steps):
-                    x = column + (sx + 0.5) / steps
-                    y = row + (sy + 0.5) / steps
-                    if any(distance(x, y, *segment) <= half for segment in segments):
-                        ink += 1
+            ink = sum(any(distance(x, y, *segment) <= half for segment in segments) for x, y in samples(column, row, steps))
             line.append(colour + (round(255 * ink / (steps * steps)),) if ink else CLEAR)
         pixels.append(line)
     return pixels

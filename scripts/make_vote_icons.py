@@ -6,8 +6,8 @@ Run from the repository root; writes belvakit/resources/images/icoVoteUp.png and
 The output is committed, so a build needs no Python.
 """
 import os
-import struct
-import zlib
+
+from make_icons import png, samples
 
 SIZE = 20
 SAMPLES = 4  # per axis, for smooth edges
@@ -37,30 +37,11 @@ def draw(flip):
     for row in range(SIZE):
         line = []
         for col in range(SIZE):
-            hits = 0
-            for sy in range(SAMPLES):
-                for sx in range(SAMPLES):
-                    x = col + (sx + 0.5) / SAMPLES
-                    y = row + (sy + 0.5) / SAMPLES
-                    if flip:
-                        x, y = SIZE - x, SIZE - y
-                    hits += inside_thumb_up(x, y)
+            hits = sum(inside_thumb_up(*((SIZE - x, SIZE - y) if flip else (x, y))) for x, y in samples(col, row, SAMPLES))
             alpha = round(255 * hits / (SAMPLES * SAMPLES))
             line.append((0, 0, 0, alpha))
         rows.append(line)
     return rows
-
-
-def png(pixels):
-    height, width = len(pixels), len(pixels[0])
-
-    def chunk(kind, data):
-        body = kind + data
-        return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body) & 0xFFFFFFFF)
-
-    raw = b"".join(b"\x00" + bytes(c for pixel in row for c in pixel) for row in pixels)
-    header = struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
-    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(raw, 9)) + chunk(b"IEND", b"")
 
 
 def main():

@@ -15,9 +15,6 @@
 
 namespace belvademo {
 
-namespace {
-
-// A round picture of a person, light on the colour, as the desk serves agents' avatars.
 std::string avatarPNG(int red, int green, int blue) {
     constexpr int size = 80;
     auto image = std::const_pointer_cast<platform::Image>(platform::makeImage(size, size));
@@ -34,6 +31,8 @@ std::string avatarPNG(int red, int green, int blue) {
         }
     return platform::encodePNG(*image).value_or("");
 }
+
+namespace {
 
 corvane::ActionHandlerRegistry* registry() {
     auto core = corvane::Corvane::instance();

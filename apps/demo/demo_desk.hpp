@@ -9,6 +9,9 @@
 
 namespace belvademo {
 
+// A round picture of a person, light on the colour, as the desk serves agents' avatars (PNG bytes).
+std::string avatarPNG(int red, int green, int blue);
+
 // The host application's help desk: an embedded desk in a directory of its own, made the core's,
 // with an agent of the support team who answers the user's tickets.
 class DemoDesk {

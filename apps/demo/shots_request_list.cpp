@@ -1,12 +1,13 @@
 #include "shots_request_list.hpp"
 
+#include "demo_desk.hpp"
+
 #include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/requestlist/request_list_service.hpp"
 #include "belvakit/Request/requestlist/request_list_view_controller.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "belvakit/entry/support_ui.hpp"
 #include "platform/clock.hpp"
-#include "platform/image_codec.hpp"
 #include "platform/main_queue.hpp"
 #include "platform/scheduler.hpp"
 #include "platform/uuid.hpp"
@@ -80,20 +81,7 @@ public:
     dastrel::CRVSupportUser agentWithPicture(const std::string& name, int red, int green, int blue) {
         const std::string url = "https://belva.example.com/avatars/" + platform::uuidString() + ".png";
         auto agent = tickets().addAgent(name, url);
-        constexpr int size = 80;
-        auto image = std::const_pointer_cast<platform::Image>(platform::makeImage(size, size));
-        for (int y = 0; y < size; ++y)
-            for (int x = 0; x < size; ++x) {
-                const double dx = x - size / 2.0 + 0.5;
-                const double dy = y - size / 2.0 + 0.5;
-                const bool figure = dx * dx + (dy + 10) * (dy + 10) < 256 || (dy > 14 && dx * dx + (dy - 38) * (dy - 38) < 700);
-                auto* pixel = &image->rgba[static_cast<std::size_t>((y * size + x) * 4)];
-                pixel[0] = static_cast<std::uint8_t>(figure ? 250 : red);
-                pixel[1] = static_cast<std::uint8_t>(figure ? 250 : green);
-                pixel[2] = static_cast<std::uint8_t>(figure ? 250 : blue);
-                pixel[3] = 255;
-            }
-        helpDesk->attachments()->serve(url, *platform::encodePNG(*image));
+        helpDesk->attachments()->serve(url, avatarPNG(red, green, blue));
         return agent;
     }
 

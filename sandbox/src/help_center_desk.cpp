@@ -278,6 +278,18 @@ void HelpCenterDesk::answer(std::function<void()> work, bool failed) const {
     });
 }
 
+const HelpCenterContent::Article* HelpCenterDesk::articleLocked(const std::string& articleId,
+                                                                std::optional<dastrel::ProviderError>& error) const {
+    const auto id = parseId(articleId);
+    if (!id) {
+        error = badIdError();
+        return nullptr;
+    }
+    const auto* article = articleLocked(*id);
+    if (!article) error = notFoundError();
+    return article;
+}
+
 const HelpCenterContent::Article* HelpCenterDesk::articleLocked(std::int64_t id) const {
     for (const auto& article : content_.articles)
         if (article.record.identifier == id) return &article;
@@ -354,10 +366,7 @@ void HelpCenterDesk::getArticleWithId(const std::string& articleId,
     {
         std::lock_guard lock(mutex_);
         error = admitLocked();
-        const auto id = parseId(articleId);
-        if (!error && !id) error = badIdError();
-        const auto* article = error ? nullptr : articleLocked(*id);
-        if (!error && !article) error = notFoundError();
+        const auto* article = error ? nullptr : articleLocked(articleId, error);
         if (article) articles.push_back(article->record);
     }
     answer(delivery(std::move(callback), error, std::move(articles)), error.has_value());
@@ -371,10 +380,7 @@ void HelpCenterDesk::getAttachments(const std::string& articleId,
     {
         std::lock_guard lock(mutex_);
         error = admitLocked();
-        const auto id = parseId(articleId);
-        if (!error && !id) error = badIdError();
-        const auto* article = error ? nullptr : articleLocked(*id);
-        if (!error && !article) error = notFoundError();
+        const auto* article = error ? nullptr : articleLocked(articleId, error);
         if (article && !emptyAnswers_)
             for (const auto& attachment : article->attachments) attachments.push_back(attachment.record);
     }
@@ -449,14 +455,13 @@ void HelpCenterDesk::vote(const std::string& articleId, int value,
     {
         std::lock_guard lock(mutex_);
         error = admitLocked();
-        const auto id = parseId(articleId);
-        if (!error && !id) error = badIdError();
-        if (!error && !articleLocked(*id)) error = notFoundError();
-        if (!error) {
+        const auto* article = error ? nullptr : articleLocked(articleId, error);
+        if (article) {
+            const auto id = article->record.identifier;
             // One vote per user and article: a new one replaces the old.
             for (auto it = votes_.begin(); it != votes_.end();)
-                it = it->second.article_id == *id ? votes_.erase(it) : std::next(it);
-            dastrel::CRVHelpCenterArticleVote vote{nextVoteId_++, *id, std::to_string(value)};
+                it = it->second.article_id == id ? votes_.erase(it) : std::next(it);
+            dastrel::CRVHelpCenterArticleVote vote{nextVoteId_++, id, std::to_string(value)};
             votes_[vote.identifier] = vote;
             answerList.push_back(vote);
         }

@@ -77,6 +77,8 @@ private:
     void answer(std::function<void()> work, bool failed) const;
     void serveAttachmentsLocked() const;
     const HelpCenterContent::Article* articleLocked(std::int64_t id) const;
+    // The article a caller names by its id text; on a bad or unknown id, nothing and `error` set.
+    const HelpCenterContent::Article* articleLocked(const std::string& articleId, std::optional<dastrel::ProviderError>& error) const;
     const HelpCenterContent::Section* sectionLocked(std::int64_t id) const;
     const HelpCenterContent::Category* categoryLocked(std::int64_t id) const;
 
