@@ -288,6 +288,44 @@ TEST_F(ConversationScreenTest, ASendWhileOfflineFailsOffersRetryAndSucceedsOnceO
     EXPECT_EQ(std::get<UserMessage>(state().tableData.back()).body, "Hello?") << "the retried row goes to the bottom";
 }
 
+// The user picks Retry and the host takes the sheet away before its exit ends, so the row still
+// offers its retry and a second sheet shows; the first choice then runs. A choice on the second
+// sheet finds the send no longer failed: it neither posts it again nor deletes it.
+TEST_F(ConversationScreenTest, ASecondSheetForASendAlreadyRetriedNeitherPostsNorDeletesIt) {
+    const auto id = ticketWithHistory(1);
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    const auto sheetChoice = [&](std::string_view key) -> uikit::View* {
+        auto* retry = find("CRVretryButton");
+        if (!retry || !uikit::tap(*retry)) return nullptr;
+        auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+        return sheet ? uikit::findByIdentifier(*sheet->view(), localized(key)) : nullptr;
+    };
+    for (const std::string_view second : {LocalizedKey::requestsCreateRequestFailedRetry, LocalizedKey::requestsCreateRequestFailedDelete}) {
+        const std::string body = "Are you there? " + localized(second);
+        host->tickets().setOffline(true);
+        typeAndSend(body);
+        ASSERT_TRUE(settled([&] { return statusOf(body) == DeliveryStatus::failed; }));
+        host->tickets().setOffline(false);
+
+        auto* first = sheetChoice(LocalizedKey::requestsCreateRequestFailedRetry);
+        ASSERT_TRUE(first && uikit::tap(*first));
+        screen->dismissViewController(false);
+        ASSERT_EQ(statusOf(body), DeliveryStatus::failed) << "the first choice waits for its sheet's exit";
+        auto* stale = sheetChoice(second);
+        ASSERT_TRUE(stale);
+        queue_testing::pass(time, platform::seconds(1));
+        ASSERT_TRUE(uikit::tap(*stale));
+        ASSERT_TRUE(settled([&] { return statusOf(body) == DeliveryStatus::lastDelivered; }))
+            << localized(second) << ": the retried row is gone or never delivered";
+        queue_testing::pass(time, platform::seconds(2));
+        const auto comments = host->tickets().comments(id);
+        EXPECT_EQ(std::ranges::count_if(comments, [&](const auto& comment) { return comment.body == body; }), 1)
+            << localized(second);
+        EXPECT_EQ(statusOf(body), DeliveryStatus::lastDelivered) << localized(second);
+    }
+}
+
 TEST_F(ConversationScreenTest, ALocalTicketThatFailsIsListedOnceAndCanBeDeletedWhole) {
     open(std::nullopt);
     host->tickets().setOffline(true);

@@ -2,6 +2,7 @@
 
 #include "harness.hpp"
 
+#include "belvakit/Request/conversation/actions.hpp"
 #include "belvakit/Request/conversation/input_field.hpp"
 #include "belvakit/Request/conversation/message_list.hpp"
 #include "belvakit/Request/conversation/request_controller.hpp"
@@ -387,34 +388,28 @@ private:
         if (button && button->accessibilityIdentifier() == localized(LocalizedKey::requestsCreateRequestFailedDelete)) {
             auto* sheet = owningScreen<uikit::AlertController>(button);
             if (sheet && dynamic_cast<RequestController*>(sheet->presentingViewController())) {
-                const auto before = shownMarkers();
+                // Read off the deletion itself: the screen may go, and the table show another
+                // conversation, before the wait is over.
+                std::set<long> removed;
+                auto listening = sharedStore()->addActionListener([&removed](const tivra::Action& action) {
+                    if (const auto* deletion = tivra::actionAs<Actions::DeleteMessages>(action))
+                        for (const auto& message : deletion->messages)
+                            if (const auto* text = std::get_if<UserMessage>(&message))
+                                if (auto marker = markerOf(text->body)) removed.insert(*marker);
+                });
                 tap();
                 // The sheet's choice runs once it has gone.
                 app_.advance(platform::milliseconds(400));
-                const auto after = shownMarkers();
-                if (before.first == after.first)
-                    for (long marker : before.second)
-                        if (!after.second.contains(marker))
-                            if (auto found = ledger_.find(marker); found != ledger_.end()) {
-                                found->second.deleted = true;
-                                note("deleted " + markerText(marker));
-                            }
+                listening.removeListener();
+                for (long marker : removed)
+                    if (auto found = ledger_.find(marker); found != ledger_.end()) {
+                        found->second.deleted = true;
+                        note("deleted " + markerText(marker));
+                    }
                 return;
             }
         }
         tap();
-    }
-
-    // The markers of the user's messages in the conversation the store shows, with its key.
-    std::pair<std::optional<std::string>, std::set<long>> shownMarkers() const {
-        std::pair<std::optional<std::string>, std::set<long>> shown;
-        const auto* table = sharedStore()->state().valueOfType<RequestTableState>();
-        if (!table) return shown;
-        shown.first = table->localId;
-        for (const auto& message : table->tableData)
-            if (const auto* text = std::get_if<UserMessage>(&message))
-                if (auto marker = markerOf(text->body)) shown.second.insert(*marker);
-        return shown;
     }
 
     CreateRequestController* formBehind(uikit::View& barButton) {

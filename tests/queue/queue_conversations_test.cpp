@@ -342,6 +342,37 @@ TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationKeepsTheTick
     EXPECT_EQ(userBodies(desk, requests.back().requestId), (std::vector<std::string>{"Opening words", "And one more thing"}));
 }
 
+// A new conversation left while its ticket is still to be created, shown again by its first
+// message's id, written in, and left again before any answer: when every send fails, the device
+// keeps each failed message once under that id, whichever outcome is written last.
+TEST_P(QueueConversationsTest, ANewTicketLeftTwiceBeforeItsAnswersKeepsEveryFailedMessage) {
+    auto& desk = host_.tickets();
+    const auto t2 = ticket("Other ticket");
+    Screen screen;
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    desk.setLatency(platform::milliseconds(300));
+    desk.setOffline(true);
+    const auto first = screen.send("Opening words");
+    screen.open("L2", t2);
+
+    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    Actions::MessagesLoadedFromDisk key;
+    key.localId = first;
+    sharedStore()->dispatch(key);
+    const auto later = screen.send("Written while the first waited");
+    screen.open("L2", t2);
+    ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+
+    const auto kept = screen.saved(first);
+    for (const auto& sent : {first, later}) {
+        ASSERT_EQ(occurrences(kept.messages, sent), 1) << (sent == first ? "the first" : "the later") << " message is lost";
+        EXPECT_EQ(status(*find(kept.messages, sent)), DeliveryStatus::failed);
+    }
+    const LocalIDStore ids;
+    EXPECT_EQ(std::ranges::count(ids.localIdList, first), 1) << "the failed ticket is listed";
+}
+
 // Random sends and moves between three tickets, under failures, latencies that let answers
 // overtake each other, and agents who reply. Every message ends delivered or failed exactly once,
 // in its own conversation only; each ticket holds exactly its delivered messages, in send order.

@@ -570,19 +570,35 @@ std::vector<Message> RequestController::messagesOfSend(const Message& message) c
     return send;
 }
 
+std::vector<Message> RequestController::failedMessagesOfSend(const Message& message) const {
+    std::vector<Message> send = messagesOfSend(message);
+    const auto* table = tableState();
+    std::erase_if(send, [table](const Message& row) {
+        if (status(row) != DeliveryStatus::failed || !table) return true;
+        return std::none_of(table->tableData.begin(), table->tableData.end(),
+                            [&](const Message& shown) { return id(shown) == id(row); });
+    });
+    return send;
+}
+
 void RequestController::showActions(const Message& failed) {
     if (reclaimConversation()) return;  // the row was another screen's; this one's rows come back
-    const auto messages = messagesOfSend(failed);
     std::weak_ptr<RequestController> weak = self();
     auto sheet = uikit::AlertController::alertController("", "", uikit::AlertControllerStyle::actionSheet);
+    // The send is looked up again when the choice runs: another sheet's retry or delete may have
+    // run since this one showed, and acting on its rows twice would post them twice.
     sheet->addAction({localized(LocalizedKey::requestsCreateRequestFailedDelete), uikit::AlertActionStyle::destructive,
-                      [weak, messages](const uikit::AlertAction&) {
-                          if (auto screen = weak.lock(); screen && !screen->reclaimConversation())
+                      [weak, failed](const uikit::AlertAction&) {
+                          auto screen = weak.lock();
+                          if (!screen || screen->reclaimConversation()) return;
+                          if (const auto messages = screen->failedMessagesOfSend(failed); !messages.empty())
                               screen->deleteMessages(messages);
                       }});
     sheet->addAction({localized(LocalizedKey::requestsCreateRequestFailedRetry), uikit::AlertActionStyle::defaultStyle,
-                      [weak, messages](const uikit::AlertAction&) {
-                          if (auto screen = weak.lock(); screen && !screen->reclaimConversation())
+                      [weak, failed](const uikit::AlertAction&) {
+                          auto screen = weak.lock();
+                          if (!screen || screen->reclaimConversation()) return;
+                          if (const auto messages = screen->failedMessagesOfSend(failed); !messages.empty())
                               screen->retry(messages);
                       }});
     sheet->addAction({localized(LocalizedKey::requestsLeftBarButtonTitleCancel), uikit::AlertActionStyle::cancel, {}});

@@ -40,6 +40,13 @@ std::optional<RequestTableState> shownTable(const tivra::GetState& getState) {
     return table ? std::optional(*table) : std::nullopt;
 }
 
+// A new conversation has no id until its ticket's outcome gives it one; its screen and its saved
+// file know it by its first message's id, so a left one takes that name at once. Shown again
+// before the outcome, it is then known as the same conversation.
+void nameNewConversation(RequestTableState& table) {
+    if (!table.localId && !table.remoteId && !table.tableData.empty()) table.localId = id(table.tableData.front());
+}
+
 bool sameConversation(const RequestTableState& shown, const RequestTableState& left) {
     return (left.localId && shown.localId == left.localId) || (left.remoteId && shown.remoteId == left.remoteId);
 }
@@ -169,6 +176,7 @@ void RequestQueueMiddleWare::moveOn(const tivra::GetState& getState, const Reque
     auto table = shownTable(getState);
     std::shared_ptr<RequestTableState> kept;
     if (table) {
+        nameNewConversation(*table);
         auto keptFor = [&](const std::shared_ptr<Conversation>& owner) {
             if (!kept && owner && owner->left && owner->table && sameConversation(*table, *owner->table))
                 kept = owner->table;

@@ -90,6 +90,8 @@ public:
     void sendButtonTapped(const std::string& text, const std::vector<InputAttachmentViewStatePtr>& attachments);
     // The messages of the send that `message` belongs to, in table order.
     std::vector<Message> messagesOfSend(const Message& message) const;
+    // Those of them that the table shows as failed now: what a retry or a delete may act on.
+    std::vector<Message> failedMessagesOfSend(const Message& message) const;
     // Fetches what was written on the ticket since the latest known comment.
     void refresh();
     // Whether the shared conversation slices and the send queue hold this screen's conversation.
