@@ -4,6 +4,8 @@
 #include "uikit/navigation_controller.hpp"
 #include "uikit/window.hpp"
 
+#include "platform/log.hpp"
+
 #include <algorithm>
 
 namespace uikit {
@@ -95,6 +97,13 @@ void ViewController::presentViewController(const Ptr& controller, bool animated,
     if (!controller || presented_) return;
     Window* window = view()->window();
     if (!window) return;
+    // As on the platform: a screen on its way out presents nothing, or what it shows would
+    // outlive it with no way back.
+    for (const ViewController* screen = this; screen; screen = screen->parent_)
+        if (screen->beingDismissed_) {
+            platform::log::write(platform::LogLevel::warn, "Attempt to present a view controller on one that is being dismissed");
+            return;
+        }
     presented_ = controller;
     controller->presenting_ = this;
     const Rect full = window->bounds();

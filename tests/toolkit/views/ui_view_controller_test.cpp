@@ -275,3 +275,24 @@ TEST_F(BaseScreenTest, TheConnectivityToastComesOnAppearWhileOfflineOnLossAndLea
     settle();
     EXPECT_TRUE(toasts(*window).empty());
 }
+
+TEST_F(BaseScreenTest, AScreenOnItsWayOutPresentsNothing) {
+    auto presenter = std::make_shared<uikit::ViewController>();
+    auto window = show(presenter);
+    auto screen = std::make_shared<uikit::ViewController>();
+    auto navigation = std::make_shared<uikit::NavigationController>(screen);
+    presenter->presentViewController(navigation, false);
+    presenter->dismissViewController(true);
+
+    testing_support::CapturedLog log;
+    screen->presentViewController(std::make_shared<uikit::ViewController>(), false);
+    EXPECT_EQ(screen->presentedViewController(), nullptr);
+    EXPECT_EQ(log.messages(platform::LogLevel::warn).size(), 1u);
+    settle();
+    EXPECT_EQ(presenter->presentedViewController(), nullptr);
+
+    // Once gone for good and shown again, it presents as before.
+    presenter->presentViewController(navigation, false);
+    screen->presentViewController(std::make_shared<uikit::ViewController>(), false);
+    EXPECT_NE(screen->presentedViewController(), nullptr);
+}
