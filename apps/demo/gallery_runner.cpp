@@ -13,9 +13,11 @@
 
 #include <QApplication>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <thread>
 
 namespace belvademo {
 
@@ -26,6 +28,11 @@ void pass(platform::ManualScheduler& time, double seconds) {
     auto& main = platform::MainQueue::shared();
     const auto step = platform::milliseconds(10);
     for (double elapsed = 0; elapsed < seconds - 1e-9; elapsed += 0.01) {
+        while (main.runPending() > 0) {
+        }
+        // The caches answer from their own threads in real time: a moment for them, or the
+        // picture is taken before the screen hears back.
+        std::this_thread::sleep_for(std::chrono::microseconds(300));
         while (main.runPending() > 0) {
         }
         time.advance(step);

@@ -159,7 +159,7 @@ std::vector<GalleryShot> conversationShots() {
                          screen->viewDidAppearBlock = [weak] {
                              platform::MainQueue::shared().asyncAfter(platform::milliseconds(500), [weak] {
                                  // A slow network: the send stays under way.
-                                 demoDesk().desk->tickets()->setLatency(platform::seconds(30));
+                                 demoDesk().desk->tickets()->setLatency(platform::seconds(2));
                                  if (auto shown = weak.lock()) shown->sendButtonTapped("Is a refund possible instead?", {});
                              });
                          };

@@ -9,11 +9,13 @@
 
 namespace renderer::detail {
 
-// Twelve ticks around the centre, the brightest one going round once a second.
+// Twelve ticks around the centre, the brightest one going round once a second. A spinner keeps
+// its style's size in a larger frame, as the platform's does.
 void drawActivityIndicator(const uikit::ActivityIndicatorView& view, QPainter& painter, const PaintContext& context) {
     constexpr int ticks = 12;
     const QColor color = view.color ? toQColor(*view.color) : view.style() == 2 ? QColor(128, 128, 128) : Qt::white;
-    const double radius = std::min(context.bounds.width(), context.bounds.height()) / 2;
+    const double natural = view.intrinsicContentSize().width;
+    const double radius = std::min({context.bounds.width(), context.bounds.height(), natural}) / 2;
     int lead = 0;
     if (view.isAnimating() && std::isfinite(context.now)) {
         lead = static_cast<int>(std::fmod(std::floor(context.now * ticks), ticks));

@@ -4,9 +4,13 @@
 
 #include "renderer/view_painter.hpp"
 #include "uikit/label.hpp"
+#include "uikit/window.hpp"
 
 #include <QColor>
 #include <QPainter>
+#include <QString>
+
+#include <vector>
 
 namespace uikit {
 class ActivityIndicatorView;
@@ -37,6 +41,17 @@ void drawTableViewCell(const uikit::TableViewCell& cell, QPainter& painter, cons
 void drawSearchBar(const uikit::SearchBar& bar, QPainter& painter, const PaintContext& context);
 // The magnifying glass in the room a search bar's field leaves before its text.
 void drawSearchGlyph(const uikit::TextInput& field, QPainter& painter, const PaintContext& context);
+
+// The keyboard the renderer shows in the band the window keeps for it, while it keeps one; its
+// keys type into the first responder when clicked.
+struct KeyboardKey {
+    enum Kind { letter, shift, backspace, numbers, space, enter } kind;
+    QString label;
+    QRectF rect;  // window points
+};
+QRectF keyboardArea(const uikit::Window& window);
+std::vector<KeyboardKey> keyboardKeys(const uikit::Window& window);
+void drawKeyboard(const uikit::Window& window, QPainter& painter);
 
 // The tint a view draws with: its own or its nearest parent's, else the platform's blue.
 QColor effectiveTint(const uikit::View& view);

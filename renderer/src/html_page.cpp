@@ -1,6 +1,7 @@
 #include "renderer/html_page.hpp"
 
 #include "renderer/conversions.hpp"
+#include "renderer/html_direction.hpp"
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
@@ -21,7 +22,8 @@ HtmlPage::HtmlPage(const std::string& html, double width) : html_(html), width_(
     // A browser's default: a 16-point sans serif face.
     document_.setDefaultFont(toQFont(platform::Font::systemFont(16)));
     document_.setDocumentMargin(margin);
-    document_.setHtml(QString::fromUtf8(html_.data(), static_cast<qsizetype>(html_.size())));
+    const std::string resolved = resolveAutoDirection(html_);
+    document_.setHtml(QString::fromUtf8(resolved.data(), static_cast<qsizetype>(resolved.size())));
     document_.setTextWidth(width_);
 }
 

@@ -1,5 +1,6 @@
 #include "renderer/input.hpp"
 
+#include "drawing.hpp"
 #include "html_pages.hpp"
 #include "uikit/probe.hpp"
 #include "uikit/scroll_view.hpp"
@@ -50,11 +51,30 @@ bool followLink(uikit::Window& window, uikit::Point point) {
     return true;
 }
 
+// A click in the keyboard's band is the keyboard's: a key types, the rest of the band takes it
+// so that nothing hidden under the keys is tapped.
+bool clickKeyboard(uikit::Window& window, uikit::Point point) {
+    if (!detail::keyboardArea(window).contains(QPointF(point.x, point.y))) return false;
+    for (const auto& key : detail::keyboardKeys(window)) {
+        if (!key.rect.contains(QPointF(point.x, point.y))) continue;
+        switch (key.kind) {
+        case detail::KeyboardKey::letter: typeKey(window, 0, key.label); break;
+        case detail::KeyboardKey::space: typeKey(window, Qt::Key_Space, QStringLiteral(" ")); break;
+        case detail::KeyboardKey::backspace: typeKey(window, Qt::Key_Backspace, {}); break;
+        case detail::KeyboardKey::enter: typeKey(window, Qt::Key_Return, {}); break;
+        case detail::KeyboardKey::shift:
+        case detail::KeyboardKey::numbers: break;
+        }
+        break;
+    }
+    return true;
+}
+
 } // namespace
 
 bool clickAt(uikit::Window& window, uikit::Point point) {
     if (!std::isfinite(point.x) || !std::isfinite(point.y)) return false;
-    return followLink(window, point) || uikit::tapAt(window, point);
+    return clickKeyboard(window, point) || followLink(window, point) || uikit::tapAt(window, point);
 }
 
 bool scrollAt(uikit::Window& window, uikit::Point point, double dx, double dy) {

@@ -117,38 +117,58 @@ void TextBlock::truncateLast(const Options& options) {
     const QString rest = text_.mid(start, paragraphEnd - start);
     const auto restFormats = slice(formats_, start, paragraphEnd);
 
-    QTextLayout probe(rest, options.font);
-    probe.setFormats(restFormats);
-    probe.setTextOption(optionFor(options, false));
-    probe.beginLayout();
-    QTextLine whole = probe.createLine();
-    if (whole.isValid()) whole.setLineWidth(widestLine);
-    probe.endLayout();
-
     // The ellipsis takes the style of the character it follows.
-    QTextCharFormat ellipsisFormat;
-    ellipsisFormat.setFont(options.font);
-    ellipsisFormat.setForeground(options.color);
-    const auto formatAt = [&](int position) {
+    const auto ellipsisAfter = [&](int cut) {
+        QTextCharFormat format;
+        format.setFont(options.font);
+        format.setForeground(options.color);
+        const int position = std::max(0, cut - 1);
         for (const auto& range : restFormats)
-            if (position >= range.start && position < range.start + range.length) ellipsisFormat = range.format;
+            if (position >= range.start && position < range.start + range.length) format = range.format;
+        return format;
     };
-    const double width = wrapWidth(options.width);
-    int cut = static_cast<int>(rest.size());
-    formatAt(std::max(0, cut - 1));
-    double room = width - QFontMetricsF(ellipsisFormat.font()).horizontalAdvance(ellipsisCharacter);
-    if (whole.isValid() && whole.naturalTextWidth() > room) {
-        cut = whole.xToCursor(room, QTextLine::CursorBetweenCharacters);
-        while (cut > 0 && whole.cursorToX(cut) > room) cut = probe.previousCursorPosition(cut);
-    }
-    while (cut > 0 && rest[cut - 1].isSpace()) --cut;
-    formatAt(std::max(0, cut - 1));
+    const auto shortened = [&](int cut) {
+        auto formats = slice(restFormats, 0, cut);
+        formats.append({cut, 1, ellipsisAfter(cut)});
+        auto layout = std::make_unique<QTextLayout>(rest.left(cut) + ellipsisCharacter, options.font);
+        layout->setFormats(formats);
+        layout->setTextOption(optionFor(options, false));
+        return layout;
+    };
+    // Measured unaligned: an aligned line's text starts wherever the alignment puts it.
+    const auto widthOf = [&](int cut) {
+        auto layout = shortened(cut);
+        QTextOption unaligned = layout->textOption();
+        unaligned.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
+        layout->setTextOption(unaligned);
+        layout->beginLayout();
+        QTextLine line = layout->createLine();
+        if (line.isValid()) line.setLineWidth(widestLine);
+        layout->endLayout();
+        return line.isValid() ? line.naturalTextWidth() : 0.0;
+    };
 
-    auto formats = slice(restFormats, 0, cut);
-    formats.append({cut, 1, ellipsisFormat});
-    ellipsis_ = std::make_unique<QTextLayout>(rest.left(cut) + ellipsisCharacter, options.font);
-    ellipsis_->setFormats(formats);
-    ellipsis_->setTextOption(optionFor(options, false));
+    // The longest start, cut between characters, that fits with its ellipsis.
+    QTextLayout cursors(rest, options.font);
+    std::vector<int> cuts{0};
+    for (int position = 0; position < rest.size();) {
+        const int next = cursors.nextCursorPosition(position);
+        if (next <= position) break;
+        cuts.push_back(position = next);
+    }
+    const double width = wrapWidth(options.width);
+    std::size_t low = 0, high = cuts.size() - 1;
+    while (low < high) {
+        const std::size_t middle = (low + high + 1) / 2;
+        if (widthOf(cuts[middle]) <= width)
+            low = middle;
+        else
+            high = middle - 1;
+    }
+    int cut = cuts[low];
+    while (cut > 0 && rest[cut - 1].isSpace()) --cut;
+
+    ellipsis_ = shortened(cut);
     ellipsis_->beginLayout();
     QTextLine line = ellipsis_->createLine();
     line.setLineWidth(width);

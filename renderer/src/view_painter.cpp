@@ -2,6 +2,7 @@
 
 #include "drawing.hpp"
 #include "renderer/conversions.hpp"
+#include "uikit/window.hpp"
 
 #include <QPainterPath>
 
@@ -37,6 +38,8 @@ void ViewPainter::paint(const uikit::View& root) {
     painter_.save();
     painter_.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
     paintView(root, placed, visible, painter_.opacity());
+    // The kit only keeps the keyboard's band; the keys are the renderer's to show.
+    if (const auto* window = dynamic_cast<const uikit::Window*>(&root)) detail::drawKeyboard(*window, painter_);
     painter_.restore();
 }
 

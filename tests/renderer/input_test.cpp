@@ -35,6 +35,42 @@ protected:
     }
 };
 
+TEST_F(Input, TheDrawnKeyboardsKeysTypeAndItsBandHidesWhatIsUnderIt) {
+    auto window = make<uikit::Window>();
+    auto field = make<uikit::TextField>(uikit::Rect{16, 100, 343, 40});
+    window->addSubview(field);
+    int hiddenTaps = 0;
+    auto hidden = make<uikit::Button>(uikit::ButtonType::custom, uikit::Rect{0, 500, 375, 167});
+    hidden->addTarget(uikit::ControlEvent::touchUpInside, [&] { ++hiddenTaps; });
+    window->addSubview(hidden);
+    renderer::KitWidget widget(window);
+    widget.show();
+
+    click(widget, {187, 600});
+    EXPECT_EQ(hiddenTaps, 1) << "without a keyboard the button takes the click";
+    ASSERT_TRUE(field->becomeFirstResponder());
+    // Rows of 216 points from 451: q w e … along the top, then a s d …, z x c …, and the space bar.
+    const double unit = (375 - 6 - 54) / 10.0;
+    const auto letterAt = [&](int row, double column) { return QPointF(3 + column * (unit + 6) + unit / 2, 451 + 8 + 21 + row * 53); };
+    click(widget, letterAt(0, 5));   // y
+    click(widget, letterAt(1, 0.5)); // a
+    click(widget, letterAt(2, 3.5)); // c
+    click(widget, {187, 451 + 8 + 21 + 3 * 53});  // space
+    click(widget, letterAt(0, 0));   // q
+    EXPECT_EQ(field->text(), "yac q");
+    click(widget, {375 - 3 - unit * 0.6, 451 + 8 + 21 + 2 * 53});  // delete
+    EXPECT_EQ(field->text(), "yac ");
+    click(widget, {1, 451 + 4});  // the band, between keys
+    EXPECT_EQ(hiddenTaps, 1) << "a click on the keyboard reached the button under it";
+    int returns = 0;
+    field->shouldReturn = [&] {
+        ++returns;
+        return true;
+    };
+    click(widget, {375 - 3 - unit, 451 + 8 + 21 + 3 * 53});  // return
+    EXPECT_EQ(returns, 1);
+}
+
 TEST_F(Input, AClickReachesTheButtonUnderIt) {
     const auto scene = makeScene();
     renderer::KitWidget widget(scene->window);

@@ -231,6 +231,45 @@ TEST_F(Painting, LongTextStaysInsideItsLabel) {
     EXPECT_FALSE(paintedIn(image, {10, 94, 300, 100}, Qt::white)) << "lines drawn below the label";
 }
 
+TEST_F(Painting, AFocusedInputBringsAKeyboardIntoTheBandTheWindowKeeps) {
+    auto window = make<uikit::Window>();
+    window->setBackgroundColor(Color::white());
+    auto field = make<uikit::TextField>(uikit::Rect{16, 100, 343, 40});
+    window->addSubview(field);
+    const auto keyboardShown = [&] {
+        const QImage image = renderer::renderToImage(*window, 1);
+        // The keys are light on a grey band: both show across the bottom 216 points.
+        int grey = 0, light = 0;
+        for (int y = 667 - 216; y < 667; y += 3)
+            for (int x = 0; x < 375; x += 3) {
+                const QColor colour = image.pixelColor(x, y);
+                grey += !differs(colour, QColor(209, 212, 217), 6);
+                light += colour == QColor(Qt::white);
+            }
+        EXPECT_FALSE(differs(image.pixelColor(200, 300), Qt::white)) << "the keyboard reached above its band";
+        return grey > 500 && light > 500;
+    };
+    EXPECT_FALSE(keyboardShown());
+    ASSERT_TRUE(field->becomeFirstResponder());
+    ASSERT_EQ(window->keyboardHeight(), 216);
+    EXPECT_TRUE(keyboardShown());
+    field->resignFirstResponder();
+    EXPECT_FALSE(keyboardShown());
+}
+
+TEST_F(Painting, ASpinnerKeepsItsSizeInALargerFrame) {
+    auto window = make<uikit::Window>();
+    window->setBackgroundColor(Color::white());
+    auto spinner = make<uikit::ActivityIndicatorView>(2);
+    spinner->setFrame({0, 0, 375, 667});
+    spinner->startAnimating();
+    window->addSubview(spinner);
+    const QImage image = renderer::renderToImage(*window, 1);
+    EXPECT_TRUE(paintedIn(image, {177, 323, 21, 21}, Qt::white));
+    EXPECT_FALSE(paintedIn(image, {0, 0, 375, 320}, Qt::white)) << "the spinner grew with its frame";
+    EXPECT_FALSE(paintedIn(image, {0, 346, 375, 321}, Qt::white));
+}
+
 TEST_F(Painting, BadInputDrawsNothingAndNeverCrashes) {
     auto window = make<uikit::Window>();
     auto broken = std::make_shared<platform::Image>();

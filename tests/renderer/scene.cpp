@@ -211,6 +211,8 @@ std::unique_ptr<Scene> makeScene() {
     static_cast<uikit::Label&>(*scene->toast->subviews().front()).setTextAlignment(uikit::TextAlignment::center);
     view.addSubview(scene->toast);
 
+    // The field keeps its caret, but the keyboard would cover the lower views the scene shows.
+    scene->window->hideKeyboard(0);
     scene->window->layoutTree();
     return scene;
 }

@@ -193,11 +193,11 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
 
     const Passes before = passes();
     show(list_);
-    // Loading: a spinner and the progress strip, neither the empty view nor a row yet.
+    // Loading: a spinner, neither the empty view nor a row yet; the send strip stays away.
     EXPECT_TRUE(list_->isLoading());
     EXPECT_TRUE(uikit::isShown(*list_->loadingSpinner));
     EXPECT_TRUE(list_->loadingSpinner->isAnimating());
-    EXPECT_FALSE(list_->progressBar->isHidden());
+    EXPECT_TRUE(list_->progressBar->isHidden());
     EXPECT_FALSE(uikit::isShown(*list_->inboxView));
     EXPECT_EQ(navigation_->navigationBar()->titleLabel()->text(), text(LocalizedKey::requestsRequestListTitle));
     ASSERT_NE(uikit::findByIdentifier(*window_, "CRVcomposeButton"), nullptr);
@@ -210,7 +210,8 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
     EXPECT_FALSE(list_->loadingSpinner->isAnimating());
     EXPECT_FALSE(uikit::isShown(*list_->inboxView));
     EXPECT_TRUE(uikit::isShown(*list_->requestListTableView));
-    EXPECT_NE(list_->progressBar->stateMachine()->state(), ProgressState::running);
+    EXPECT_EQ(list_->progressBar->stateMachine()->state(), ProgressState::idle);
+    EXPECT_TRUE(list_->progressBar->isHidden()) << "a strip over a loaded list";
     // Newest change first; an agent's picture, an agent without one, and the user alone.
     // A closed ticket says so before its latest comment; every row's time is its display timestamp.
     EXPECT_THAT(rows(), ElementsAre("Ada, Me | Broken zip | We are on it [unread] [avatar]",
@@ -300,7 +301,7 @@ TEST_F(RequestListScreenTest, AFailedFetchShowsTheErrorToastKeepsTheRowsAndWitho
     EXPECT_TRUE(list_->toastWrapper->isShowingError);
     const auto texts = shownTexts();
     EXPECT_EQ(std::count(texts.begin(), texts.end(), error), 1);
-    EXPECT_EQ(list_->progressBar->stateMachine()->state(), ProgressState::finishing);
+    EXPECT_TRUE(list_->progressBar->isHidden());
     queue_testing::pass(time_, platform::seconds(4));
     EXPECT_FALSE(list_->toastWrapper->isShowingError);
 
@@ -514,7 +515,15 @@ TEST_F(RequestListScreenTest, TappingARowOpensThatTicketAndMarksItRead) {
     EXPECT_FALSE(slice().requests[0].hasUnreadComments);
     EXPECT_THAT(rows(), ElementsAre(testing::Not(HasSubstr("[unread]")), HasSubstr("Late order")));
 
+    // Back on the list, its reload remembers what was read; a later answer is unread again.
+    const Passes before = passes();
     navigation_->popViewController(false);
+    awaitVisit(before, 1);
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip | We are on it [letter A]"), HasSubstr("Late order")))
+        << "the read ticket's dot came back";
+    host_.tickets().addAgentComment(first, ada.userId, "Fixed now");
+    pull();
+    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip | Fixed now [unread]"), HasSubstr("Late order")));
     ASSERT_TRUE(uikit::tap(*cell(1)));
     opened = dynamic_cast<TicketScreen*>(navigation_->topViewController());
     ASSERT_NE(opened, nullptr);
@@ -605,3 +614,4 @@ TEST_F(RequestListScreenTest, TheHostsRequestListIsThisScreenUnderTheCoordinator
     queue_testing::pass(time_, platform::seconds(2.1));
     EXPECT_EQ(navigation_->topViewController(), home_.get());
 }
+

@@ -110,4 +110,32 @@ TEST_F(AlertControllerTest, AnActionSheetSitsAtTheBottomAlsoAfterSlidingIn) {
     }
 }
 
+TEST_F(AlertControllerTest, WithoutTitleOrMessageTheButtonsStartAtThePanelsTop) {
+    for (const auto style : {AlertControllerStyle::actionSheet, AlertControllerStyle::alert}) {
+        auto bare = AlertController::alertController("", "", style);
+        bare->addAction({"Retry", AlertActionStyle::defaultStyle, {}, true});
+        bare->addAction({"Delete", AlertActionStyle::destructive, {}, true});
+        bare->addAction({"Cancel", AlertActionStyle::cancel, {}, true});
+        screen->presentViewController(bare, false);
+        window->layoutTree();
+        const auto buttons = bare->buttons();
+        ASSERT_EQ(buttons.size(), 3u);
+        const View* panel = buttons[0]->superview();
+        EXPECT_EQ(buttons[0]->frame().minY(), 0) << "an empty band above the first button";
+        EXPECT_EQ(panel->frame().height(), buttons[2]->frame().maxY());
+        EXPECT_LT(buttons[0]->frame().maxY(), buttons[1]->frame().minY()) << "no line between the buttons";
+        screen->dismissViewController(false);
+
+        // A message alone still gets its room above the buttons.
+        auto headed = AlertController::alertController("", "Not sent", style);
+        headed->addAction({"Retry", AlertActionStyle::defaultStyle, {}, true});
+        screen->presentViewController(headed, false);
+        window->layoutTree();
+        const auto* message = findByIdentifier(*headed->view(), "AlertMessage");
+        ASSERT_NE(message, nullptr);
+        EXPECT_GE(headed->buttons()[0]->frame().minY(), message->frame().maxY() + 16);
+        screen->dismissViewController(false);
+    }
+}
+
 } // namespace

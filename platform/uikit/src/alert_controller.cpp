@@ -140,9 +140,11 @@ void AlertController::viewWillLayoutSubviews() {
     const double width = alert ? std::min(alertWidth, bounds.width() - 2 * padding) : std::max(0.0, bounds.width() - 16);
     const double inner = std::max(1.0, width - 2 * padding);
     double y = padding;
+    bool headed = !textFields_.empty();
     for (const auto& label : {titleLabel_, messageLabel_}) {
         label->setHidden(label->text().empty());
         if (label->isHidden()) continue;
+        headed = true;
         const Size size = label->sizeThatFits({inner, 0});
         label->setFrame({padding, y, inner, size.height});
         y += size.height + 4;
@@ -152,7 +154,8 @@ void AlertController::viewWillLayoutSubviews() {
         field->setFrame({padding, y, inner, fieldHeight});
         y += fieldHeight;
     }
-    y += padding;
+    // Without a title, a message or fields, the buttons start at the top: no empty band.
+    y = headed ? y + padding : 0;
     const auto shown = buttons();
     if (alert && shown.size() == 2) {
         const double half = width / 2;
@@ -161,7 +164,9 @@ void AlertController::viewWillLayoutSubviews() {
         y += buttonHeight;
     } else {
         for (const auto& button : shown) {
-            button->setFrame({0, y + 0.5, width, buttonHeight - 0.5});
+            // A hairline of the panel between a button and what is above it.
+            const double line = y > 0 ? 0.5 : 0;
+            button->setFrame({0, y + line, width, buttonHeight - line});
             y += buttonHeight;
         }
     }

@@ -8,8 +8,9 @@ namespace renderer {
 
 // A user's input turned into the kit's operations; KitWidget calls these with its events.
 
-// A click at a point of the window (its coordinates): a link of a web view's page under it goes
-// to the web view's navigation delegate; otherwise the view under it gets the tap.
+// A click at a point of the window (its coordinates): in the keyboard's band, a key types into
+// the first responder; a link of a web view's page under it goes to the web view's navigation
+// delegate; otherwise the view under it gets the tap.
 bool clickAt(uikit::Window& window, uikit::Point point);
 
 // The wheel at a point: the innermost scroll view under it that can still move that way scrolls

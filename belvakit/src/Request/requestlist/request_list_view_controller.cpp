@@ -234,8 +234,8 @@ void RequestListViewController::viewWillDisappear(bool animated) {
 }
 
 void RequestListViewController::load(bool viewed) {
+    // The spinner and the pull show a load; the strip belongs to sends, so a load leaves it alone.
     loading_ = true;
-    progressBar->stateMachine()->begin(sharedProgressSteps());
     updateEmptyView();
     const auto core = corvane::Corvane::instance();
     const auto settingsProvider = core ? core->providerModule().provider<dastrel::SettingsProvider>() : nullptr;
@@ -381,6 +381,8 @@ void RequestListViewController::didSelectRequest(const RequestListCellData& requ
         else
             presentViewController(std::make_shared<uikit::NavigationController>(screen), true);
     }
+    // The device remembers the read comments too, or the next load brings the dot back.
+    makeRequestProvider()->markRequestAsRead(request.requestId, request.commentCount);
     Actions::MarkRequestAsRead read;
     read.requestData = request;
     sharedStore()->dispatch(read);
