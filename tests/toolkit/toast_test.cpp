@@ -241,7 +241,7 @@ TEST(ToastStyle, BadTypesStylesAndValuesAreLoggedAndNotKept) {
     EXPECT_FALSE(CRVToastStyle::getValueForType(2, 0).has_value());
 }
 
-TEST_F(ToastTest, TheRegistryShowsToastsOverEachOtherAndTakesAViewsToastsDownTogether) {
+TEST_F(ToastTest, TheRegistryShowsToastsOverEachOtherTakesAViewsToastsDownTogetherAndKeepsItsTimePositive) {
     auto first = CRVToast::showMessage("First", 0, host(), 0.0, 0.0, nullptr, false);
     auto second = CRVToast::showMessage("Second", 0, host(), 0.0, 0.0, nullptr, false);
     auto elsewhere = uikit::make<uikit::View>(uikit::Rect{0, 0, 320, 200});
@@ -269,19 +269,17 @@ TEST_F(ToastTest, TheRegistryShowsToastsOverEachOtherAndTakesAViewsToastsDownTog
     CRVToast::dismissForView(elsewhere, false);
     EXPECT_EQ(other->superview(), nullptr);
     EXPECT_TRUE(CRVToast::instance().toasts().empty());
-}
 
-TEST_F(ToastTest, TheRegistrysAnimationTimeRefusesNegativeValues) {
+    // Its animation time refuses negative values.
     CRVToast::setAnimationDuration(0.5);
     CRVToast::setAnimationDuration(-1);
-    EXPECT_EQ(CRVToast::instance().animationDuration(), 0.5);
-    auto toast = CRVToast::showMessage("Slow", 0, host(), 0.0, 0.0, nullptr, true);
-    EXPECT_EQ(toast->animationTime, 0.5);
+    auto slow = CRVToast::showMessage("Slow", 0, host(), 0.0, 0.0, nullptr, true);
+    EXPECT_EQ(slow->animationTime, 0.5);
     CRVToast::dismissForView(host(), true);
     run(0.45);
-    EXPECT_EQ(toast->superview(), host().get());
+    EXPECT_EQ(slow->superview(), host().get());
     run(0.1);
-    EXPECT_EQ(toast->superview(), nullptr);
+    EXPECT_EQ(slow->superview(), nullptr);
     CRVToast::setAnimationDuration(CR_DefaultAnimationTime);
 }
 

@@ -114,7 +114,7 @@ TEST_F(ThemeTest, ClassSettersWriteThePaletteButLeaveTheTheme) {
     EXPECT_EQ(CRVAppearanceApplicator::instance().mutableAppearancePalette.size(), size);
 }
 
-TEST_F(ThemeTest, KeysNameClassAndPropertyAndWarnForUnknownProperties) {
+TEST_F(ThemeTest, KeysNameClassAndPropertyFontsTheirFaceAndBothWarnForWhatIsUnknown) {
     testing_support::CapturedLog log;
     EXPECT_EQ(keyForSelector("UITableView", "separatorColor"), "UITableView:separatorColor");
     EXPECT_EQ(keyForSelector("CRVSupportAttachmentCell", "titleLabelColor", "CRVArticleView"),
@@ -127,14 +127,12 @@ TEST_F(ThemeTest, KeysNameClassAndPropertyAndWarnForUnknownProperties) {
                                         "selector: font not found for class: NoSuchClass"}));
     registerAppearanceProperties("CRVHelpCenterCell", {"accentColor"});
     EXPECT_EQ(keyForSelector("CRVHelpCenterCell", "accentColor"), "CRVHelpCenterCell:accentColor");
-}
 
-TEST_F(ThemeTest, SetFontFindsTheFaceAtEighteenOrWarns) {
-    testing_support::CapturedLog log;
+    // A font is found by name at eighteen points, or warned of.
+    log.clear();
     EXPECT_EQ(CRVAppearanceApplicator::setFont("Helvetica-Bold"), Font::named("Helvetica-Bold", 18.0));
     EXPECT_EQ(CRVAppearanceApplicator::setFont("Comic Nothing"), std::nullopt);
-    EXPECT_EQ(log.messages(LogLevel::warn),
-              (std::vector<std::string>{"Font Comic Nothing not found, using system default"}));
+    EXPECT_EQ(log.messages(LogLevel::warn), (std::vector<std::string>{"Font Comic Nothing not found, using system default"}));
 }
 
 TEST_F(ThemeTest, HostAppearanceWinsOverThePalette) {
