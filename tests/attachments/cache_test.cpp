@@ -92,9 +92,8 @@ TEST(ConcreteCache, OverwriteKeepsTheLaterBytesWhenAllowedAndTheFirstOtherwise) 
     keeping->store("k", "second");
     drain(*keeping);
     EXPECT_EQ(platform::readFile(keeping->path() / "k"), "first");
-    const auto verbose = log.messages(LogLevel::verbose);
-    EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Cache already contains: k"), 1);
-    EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Caching: k"), 3);
+    EXPECT_EQ(log.count(LogLevel::verbose, "Cache already contains: k"), 1u);
+    EXPECT_EQ(log.count(LogLevel::verbose, "Caching: k"), 3u);
 }
 
 TEST(ConcreteCache, FetchAnswersOnTheMainQueueWithBytesOrNothing) {
@@ -109,8 +108,7 @@ TEST(ConcreteCache, FetchAnswersOnTheMainQueueWithBytesOrNothing) {
     const auto unknown = fetchNow(*cache, "unknown");
     EXPECT_TRUE(unknown.onMainThread);
     EXPECT_FALSE(unknown.bytes);
-    const auto verbose = log.messages(LogLevel::verbose);
-    EXPECT_NE(std::find(verbose.begin(), verbose.end(), "Fetching from cache: unknown"), verbose.end());
+    EXPECT_TRUE(log.contains(LogLevel::verbose, "Fetching from cache: unknown"));
 }
 
 TEST(ConcreteCache, ObjectsOfOneDirectoryWorkOnItsOneQueueSoAReadFollowsAnotherObjectsWrite) {
@@ -156,8 +154,7 @@ TEST(ConcreteCache, KeysCannotReachOutsideTheDirectory) {
     const std::optional<std::string> none;
     EXPECT_EQ(cache->readEntries({"../outside", "...._data_..escaped", "..", "missing", "/tmp", ""}),
               (std::vector<std::optional<std::string>>{none, "y", none, none, none, none}));
-    const auto verbose = log.messages(LogLevel::verbose);
-    EXPECT_EQ(std::count(verbose.begin(), verbose.end(), "Failed to cache item ../escaped"), 1);
+    EXPECT_EQ(log.count(LogLevel::verbose, "Failed to cache item ../escaped"), 1u);
 }
 
 TEST(ConcreteCache, AKeyTooLongForAFileNameIsKeptUnderItsDigest) {
@@ -196,8 +193,7 @@ TEST(ConcreteCache, AnUnwritableDirectoryLogsAndAnswersNothing) {
               std::vector<std::string>{"Could not create cache directory: file://" + root.path() + "/blocked/Tickets/"});
     cache->store("k", "bytes");
     drain(*cache);
-    const auto verbose = log.messages(LogLevel::verbose);
-    EXPECT_NE(std::find(verbose.begin(), verbose.end(), "Failed to cache item k"), verbose.end());
+    EXPECT_TRUE(log.contains(LogLevel::verbose, "Failed to cache item k"));
     EXPECT_FALSE(fetchNow(*cache, "k").bytes);
     EXPECT_FALSE(cache->fileURL("k"));
 }

@@ -91,7 +91,7 @@ TEST(FileFetcher, MarksDownloadedOnlyWhenBytesCameAndWritesAFileOnce) {
     EXPECT_EQ(platform::readFile(f.cache->path() / "12_data_ab.pdf"), "%PDF-1");
 }
 
-TEST(ImageFetcher, AFullImageFromTheNetworkIsKeptForTheRowAndThePreview) {
+TEST(ImageFetcher, AFullImageFromTheNetworkIsKeptForTheRowAndThePreviewAndACachedThumbnailNeedsNoNetwork) {
     Fixture f;
     f.provider->bytes["https://belva.example.com/i/30"] = pngOf(3, 2);
     const ImageFetcher fetcher{f.provider, f.cache};
@@ -106,17 +106,14 @@ TEST(ImageFetcher, AFullImageFromTheNetworkIsKeptForTheRowAndThePreview) {
     EXPECT_TRUE(f.cache->fileURL("30_img_shot.png"));
     EXPECT_TRUE(f.cache->fileURL("30_data_shot.png"));
     EXPECT_FALSE(f.cache->fileURL("30_thumbnail_shot.png"));
-}
 
-TEST(ImageFetcher, ACachedThumbnailNeedsNoNetwork) {
-    Fixture f;
+    // A thumbnail in the cache needs no network.
     f.cache->store(thumbnailCacheKey("30", "shot.png"), pngOf(2, 2));
-    const ImageFetcher fetcher{f.provider, f.cache};
-    std::optional<Message> result;
+    result.reset();
     fetcher.fetch(imageMessage(), true, [&](Message message) { result = std::move(message); });
     testing_support::pumpMainQueueUntil([&] { return result.has_value(); });
     EXPECT_NE(std::get<AgentImage>(*result).thumbnailImage, nullptr);
-    EXPECT_TRUE(f.provider->requested.empty());
+    EXPECT_EQ(f.provider->requested, std::vector<std::string>{"https://belva.example.com/i/30"});
 }
 
 TEST(ImageFetcher, WithoutAnImageTheMessageComesBackAsItWas) {

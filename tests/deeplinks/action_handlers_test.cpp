@@ -53,7 +53,7 @@ TEST_F(CreateRequestActionHandlerTest, ADictionaryOfTheWrongShapeLogsAnErrorAndP
     handler.handle({});
     run(0.5);
     EXPECT_EQ(root->presentedViewController(), nullptr);
-    EXPECT_EQ(std::ranges::count(log.messages(LogLevel::error), error), 4);
+    EXPECT_EQ(log.count(LogLevel::error, error), 4u);
 }
 
 } // namespace

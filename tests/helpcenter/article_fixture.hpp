@@ -4,6 +4,7 @@
 #include "belvakit/helpcenter/help_center_overview_controller.hpp"
 #include "corvane/bundle_utils.hpp"
 #include "corvane/corvane.hpp"
+#include "dastrel/help_center_provider.hpp"
 #include "platform/calendar.hpp"
 #include "platform/main_queue.hpp"
 #include "platform/url_opener.hpp"
@@ -17,7 +18,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -52,15 +52,7 @@ protected:
     void startCore() { core = helpDesk->initializeCorvane(corvane::Identity::createAnonymous("Ann", "ann@example.com")); }
 
     // Moves virtual time on, running what falls due and laying the window out as a frame would.
-    void settle(double seconds = 1.0) {
-        for (int step = 0; step < static_cast<int>(seconds * 20); ++step) {
-            while (platform::MainQueue::shared().runPending() > 0) {}
-            time.advance(platform::milliseconds(50));
-            window->layoutTree();
-        }
-        while (platform::MainQueue::shared().runPending() > 0) {}
-        window->layoutTree();
-    }
+    void settle(double seconds = 1.0) { time.run(seconds, [this] { window->layoutTree(); }); }
 
     std::shared_ptr<belvakit::CRVArticleViewController> push(std::shared_ptr<belvakit::CRVArticleViewController> screen) {
         navigation->pushViewController(screen, false);
@@ -68,10 +60,7 @@ protected:
         return screen;
     }
 
-    bool logged(platform::LogLevel level, const std::string& text) const {
-        const auto messages = log.messages(level);
-        return std::find(messages.begin(), messages.end(), text) != messages.end();
-    }
+    bool logged(platform::LogLevel level, const std::string& text) const { return log.contains(level, text); }
 
     std::vector<std::string> opened() const {
         std::vector<std::string> links;
@@ -92,6 +81,48 @@ protected:
 
 private:
     std::shared_ptr<platform::URLOpener> previousOpener_;
+};
+
+// The help desk's provider, for tests to override one call of it.
+class ForwardingProvider : public dastrel::CRVHelpCenterProvider {
+public:
+    using Articles = dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>>;
+    using Votes = dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticleVote>>;
+    void getHelpCenterOverviewWithHelpCenterOverviewModel(
+        const dastrel::CRVHelpCenterOverviewContentModel& model,
+        dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterCategoryViewModel>> callback) override {
+        inner_->getHelpCenterOverviewWithHelpCenterOverviewModel(model, std::move(callback));
+    }
+    void getArticlesWithSectionId(std::int64_t id, const std::optional<std::vector<std::string>>& labels,
+                                  Articles callback) override {
+        inner_->getArticlesWithSectionId(id, labels, std::move(callback));
+    }
+    void getArticleWithId(const std::string& id, Articles callback) override {
+        inner_->getArticleWithId(id, std::move(callback));
+    }
+    void getAttachmentWithArticleId(const std::string& id,
+                                    dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterAttachment>> callback) override {
+        inner_->getAttachmentWithArticleId(id, std::move(callback));
+    }
+    void searchArticles(const dastrel::CRVHelpCenterSearch& search, Articles callback) override {
+        inner_->searchArticles(search, std::move(callback));
+    }
+    void submitRecordArticleView(const dastrel::CRVHelpCenterArticle& article,
+                                 std::function<void(std::optional<dastrel::ProviderError>)> callback) override {
+        inner_->submitRecordArticleView(article, std::move(callback));
+    }
+    void upVoteArticleWithId(const std::string& id, Votes callback) override {
+        inner_->upVoteArticleWithId(id, std::move(callback));
+    }
+    void downVoteArticleWithId(const std::string& id, Votes callback) override {
+        inner_->downVoteArticleWithId(id, std::move(callback));
+    }
+    void removeVoteWithId(const std::string& id, dastrel::CRVCallback<dastrel::CRVHelpCenterArticleVote> callback) override {
+        inner_->removeVoteWithId(id, std::move(callback));
+    }
+
+private:
+    std::shared_ptr<dastrel::CRVHelpCenterProvider> inner_ = dastrel::CRVHelpCenterProvider::make();
 };
 
 } // namespace article_testing

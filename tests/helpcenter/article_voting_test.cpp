@@ -24,45 +24,23 @@ public:
     std::vector<int> shown;
 };
 
-// Answers every vote with the list it is given; everything else fails.
-class ScriptedVotes final : public dastrel::CRVHelpCenterProvider {
+// Answers every vote with the list it is given and fails every removal.
+class ScriptedVotes final : public article_testing::ForwardingProvider {
 public:
-    std::vector<dastrel::CRVHelpCenterArticleVote> answer;
-    template <class T>
-    static void fail(dastrel::CRVCallback<T> callback) {
-        callback(std::nullopt, dastrel::ProviderError{"test", 1, "unused"});
-    }
-    void getHelpCenterOverviewWithHelpCenterOverviewModel(const dastrel::CRVHelpCenterOverviewContentModel&,
-                                                          dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterCategoryViewModel>> c) override {
-        fail(std::move(c));
-    }
-    void getArticlesWithSectionId(std::int64_t, const std::optional<std::vector<std::string>>&,
-                                  dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> c) override {
-        fail(std::move(c));
-    }
-    void getArticleWithId(const std::string&, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> c) override {
-        fail(std::move(c));
-    }
-    void getAttachmentWithArticleId(const std::string&, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterAttachment>> c) override {
-        fail(std::move(c));
-    }
-    void searchArticles(const dastrel::CRVHelpCenterSearch&, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticle>> c) override {
-        fail(std::move(c));
-    }
-    void submitRecordArticleView(const dastrel::CRVHelpCenterArticle&, std::function<void(std::optional<dastrel::ProviderError>)>) override {}
-    void upVoteArticleWithId(const std::string&, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticleVote>> c) override {
-        ++requests;
-        c(answer, std::nullopt);
-    }
-    void downVoteArticleWithId(const std::string&, dastrel::CRVCallback<std::vector<dastrel::CRVHelpCenterArticleVote>> c) override {
-        ++requests;
-        c(answer, std::nullopt);
-    }
+    void upVoteArticleWithId(const std::string&, Votes c) override { answerVote(std::move(c)); }
+    void downVoteArticleWithId(const std::string&, Votes c) override { answerVote(std::move(c)); }
     void removeVoteWithId(const std::string&, dastrel::CRVCallback<dastrel::CRVHelpCenterArticleVote> c) override {
         ++requests;
-        fail(std::move(c));
+        c(std::nullopt, dastrel::ProviderError{"test", 1, "unused"});
     }
+    std::vector<dastrel::CRVHelpCenterArticleVote> answer;
     int requests = 0;
+
+private:
+    void answerVote(Votes c) {
+        ++requests;
+        c(answer, std::nullopt);
+    }
 };
 
 class VotingTest : public ArticleTest {

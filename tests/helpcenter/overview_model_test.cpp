@@ -50,7 +50,6 @@ TEST(HelpCenterOverviewModel, RowsAreTitleArticlesSeeAllAndSpacersExceptAfterThe
     EXPECT_TRUE(std::holds_alternative<std::monostate>(model.modelForIndexPath({5, 0})));
     EXPECT_EQ(model.cellTypeForIndexPath({7, 7}), 0);
     EXPECT_EQ(model.categoryForSection(-1), nullptr);
-    EXPECT_EQ(model.maxNumberOfUnexpandedArticles, 5u);
 }
 
 TEST(HelpCenterOverviewModel, ASectionWithOnlyACountWritesItsSeeAllAtRowOneAndEqualSectionsShareTheSpacerRule) {

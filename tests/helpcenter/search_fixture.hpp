@@ -15,7 +15,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 #include <vector>
 
@@ -56,14 +55,8 @@ protected:
         dastrel::Support::reset();
     }
 
-    // Moves virtual time on in small strides, running what the main queue is handed on the way.
     void run(double seconds) {
-        const int strides = static_cast<int>(std::lround(seconds / 0.05));
-        for (int i = 0; i < strides; ++i) {
-            while (platform::MainQueue::shared().runPending() > 0) {}
-            time.advance(platform::milliseconds(50));
-        }
-        while (platform::MainQueue::shared().runPending() > 0) {}
+        time.run(seconds);
         window->layoutTree();
     }
 
@@ -113,7 +106,7 @@ protected:
             if (list)
                 for (const auto& article : *list) titles->push_back(article.title);
         });
-        while (platform::MainQueue::shared().runPending() > 0) {}
+        testing_support::drainMainQueue();
         return *titles;
     }
 

@@ -163,39 +163,44 @@ TEST_F(SearchTest, NoResultsShowsTheTermInBoldAndTheContactButtonThatReachesTheO
     EXPECT_EQ(contacts, std::vector<bool>{true});
     // Nothing failed, so no toast.
     EXPECT_FALSE(results().toastWrapper->isShowingError);
-}
 
-TEST_F(SearchTest, WithoutContactOptionsOnEmptySearchTheNoResultsViewHasNoButton) {
+    // Whether the button shows is read each time the results appear.
+    uikit::tap(*searchController().searchBar()->cancelButton());
+    run(0.1);
     configuration->showContactOptionsOnEmptySearch = false;
     search("qqzzx");
     EXPECT_FALSE(results().noResultsView->isHidden());
     EXPECT_FALSE(uikit::isShown(*results().contactSupportButton));
-    // The answer is read each time the results appear.
-    uikit::tap(*searchController().searchBar()->cancelButton());
-    run(0.1);
-    configuration->showContactOptionsOnEmptySearch = true;
-    search("qqzzx");
-    EXPECT_TRUE(uikit::isShown(*results().contactSupportButton));
-}
 
-TEST_F(SearchTest, AnEmptyTermIsSentAndEndsWithNoResults) {
+    // An empty term is sent too, and ends the same way.
     const auto calls = desk->helpCenter()->callCount();
     search("");
     EXPECT_EQ(desk->helpCenter()->callCount(), calls + 1);
-    EXPECT_TRUE(resultsShown());
     EXPECT_FALSE(results().noResultsView->isHidden());
     EXPECT_EQ(results().noResultsLabel->text(), "No results \"\"");
 }
 
-TEST_F(SearchTest, EachOpenedResultRecordsOneViewAndTellsTheOverview) {
+TEST_F(SearchTest, EachOpenedResultShowsAboveTheSearchRecordsOneViewAndTellsTheOverview) {
     search("plus");
     const auto data = results().data;
     ASSERT_GE(data.size(), 2u);
     ASSERT_TRUE(uikit::tap(*cellAt(1)));
-    run(0.1);
+    run(0.5);
     EXPECT_EQ(opened, std::vector<std::int64_t>{data[1].identifier});
     EXPECT_EQ(desk->helpCenter()->recordedArticleViews(), std::vector<std::int64_t>{data[1].identifier});
     EXPECT_FALSE(results().tableView->indexPathForSelectedRow().has_value());
+    ASSERT_EQ(navigation->viewControllers().size(), 2u);
+    auto* article = uikit::findByIdentifier(*window, "ArticleStandIn");
+    ASSERT_NE(article, nullptr);
+    EXPECT_FALSE(navigation->isNavigationBarHidden());
+    EXPECT_TRUE(onTop(*article)) << "something of the search lies over the article";
+
+    // Back from the article, the search and its results are as they were.
+    navigation->popViewController(false);
+    run(0.5);
+    EXPECT_TRUE(searchController().isActive());
+    EXPECT_TRUE(resultsShown());
+    EXPECT_EQ(rowTitles(), deskTitles("plus"));
 
     // Opening it again is another view; a view the server fails to record changes nothing on screen.
     uikit::tap(*cellAt(1));
@@ -279,33 +284,12 @@ TEST(SearchHighlighting, EveryStringMarksExactlyItsFirstMatch) {
     }
 }
 
-TEST_F(SearchTest, AnOpenedResultShowsItsArticleAboveTheSearch) {
-    search("widget");
-    ASSERT_TRUE(uikit::tap(*cellAt(0)));
-    run(0.5);
-    ASSERT_EQ(navigation->viewControllers().size(), 2u);
-    auto* article = uikit::findByIdentifier(*window, "ArticleStandIn");
-    ASSERT_NE(article, nullptr);
-    EXPECT_TRUE(uikit::isShown(*article));
-    EXPECT_FALSE(navigation->isNavigationBarHidden());
-    // Nothing of the search lies over the article.
-    EXPECT_TRUE(onTop(*article));
-
-    // Back from the article, the search and its results are as they were.
-    navigation->popViewController(false);
-    run(0.5);
-    EXPECT_TRUE(searchController().isActive());
-    EXPECT_TRUE(resultsShown());
-    EXPECT_EQ(rowTitles(), deskTitles("widget"));
-}
-
 TEST_F(SearchTest, TheContactButtonUnderAnEmptyResultReachesTheRequestFlowAboveTheSearch) {
     belvakit::CRVHelpCenterOverviewRoutes::shared().contactUs = nullptr;
     search("qqzzx");
     ASSERT_TRUE(uikit::tap(*results().contactSupportButton));
     run(0.5);
-    const auto debug = log.messages(platform::LogLevel::debug);
-    EXPECT_NE(std::find(debug.begin(), debug.end(), "Presenting Request List UI"), debug.end());
+    EXPECT_TRUE(log.contains(platform::LogLevel::debug, "Presenting Request List UI"));
     ASSERT_EQ(navigation->viewControllers().size(), 2u);
     EXPECT_TRUE(onTop(*navigation->viewControllers().back()->view()));
 }

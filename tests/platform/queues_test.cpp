@@ -14,7 +14,7 @@ using namespace platform;
 using testing_support::pumpMainQueueUntil;
 using testing_support::VirtualTime;
 
-TEST(MainQueue, TestThreadIsMainAndSyncFromAnotherThreadRunsThereAndWaits) {
+TEST(MainQueue, TestThreadIsMainSyncFromAnotherThreadRunsThereAndWaitsAndAsyncWorkRunsInOrder) {
     EXPECT_TRUE(MainQueue::shared().isMainThread());
     bool otherIsMain = true;
     std::thread([&] { otherIsMain = MainQueue::shared().isMainThread(); }).join();
@@ -29,9 +29,8 @@ TEST(MainQueue, TestThreadIsMainAndSyncFromAnotherThreadRunsThereAndWaits) {
     pumpMainQueueUntil([&] { return returned.load(); });
     worker.join();
     EXPECT_TRUE(ranOnMain);
-}
 
-TEST(MainQueue, AsyncWorkRunsInOrderWhenTheLoopRuns) {
+    // Async work runs in order when the loop runs.
     std::vector<int> order;
     for (int i = 0; i < 5; ++i) MainQueue::shared().async([&order, i] { order.push_back(i); });
     EXPECT_TRUE(order.empty());
@@ -39,7 +38,7 @@ TEST(MainQueue, AsyncWorkRunsInOrderWhenTheLoopRuns) {
     EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4}));
 }
 
-TEST(ManualScheduler, RunsDueWorkInTimeOrderAndSkipsCancelled) {
+TEST(ManualScheduler, RunsDueWorkInTimeOrderSkipsCancelledAndRunsWorkScheduledWithinTheWindow) {
     VirtualTime time;
     std::vector<std::string> ran;
     MainQueue::shared().asyncAfter(milliseconds(1200), [&] { ran.push_back("b"); });
@@ -51,18 +50,15 @@ TEST(ManualScheduler, RunsDueWorkInTimeOrderAndSkipsCancelled) {
     EXPECT_EQ(ran, (std::vector<std::string>{"a"}));
     time.advance(milliseconds(1));
     EXPECT_EQ(ran, (std::vector<std::string>{"a", "b"}));
-}
 
-TEST(ManualScheduler, WorkScheduledDuringAdvanceRunsWhenItFallsInTheWindow) {
-    VirtualTime time;
-    std::vector<int> ran;
+    // Work scheduled during an advance runs when it falls in the window.
     MainQueue::shared().asyncAfter(seconds(1), [&] {
-        ran.push_back(1);
-        MainQueue::shared().asyncAfter(seconds(1), [&] { ran.push_back(2); });
-        MainQueue::shared().asyncAfter(seconds(5), [&] { ran.push_back(3); });
+        ran.push_back("c");
+        MainQueue::shared().asyncAfter(seconds(1), [&] { ran.push_back("d"); });
+        MainQueue::shared().asyncAfter(seconds(5), [&] { ran.push_back("late"); });
     });
     time.advance(seconds(2));
-    EXPECT_EQ(ran, (std::vector<int>{1, 2}));
+    EXPECT_EQ(ran, (std::vector<std::string>{"a", "b", "c", "d"}));
     EXPECT_EQ(time.scheduler().pendingCount(), 1u);
 }
 

@@ -15,18 +15,6 @@ const std::string article =
     "one after another, until the new password is saved.</p>"
     "<ul><li>First step</li><li>Second step</li></ul>";
 
-TEST(HtmlPage, IsAsTallAsItsContentAtItsWidth) {
-    const renderer::HtmlPage wide(article, 800);
-    const renderer::HtmlPage narrow(article, 200);
-    EXPECT_EQ(wide.size().width(), 800);
-    EXPECT_GT(wide.size().height(), 100);
-    EXPECT_GT(narrow.size().height(), wide.size().height());
-    const renderer::HtmlPage longer(article + "<p>One more paragraph.</p>", 800);
-    EXPECT_GT(longer.size().height(), wide.size().height());
-    const renderer::HtmlPage empty("", 300);
-    EXPECT_LE(empty.size().height(), 2 * renderer::HtmlPage::margin + 24);
-}
-
 TEST(HtmlPage, DrawsItsTextAndFindsItsLinks) {
     const renderer::HtmlPage page("<p><a href=\"https://help.example.com/a\">A link</a> and plain words</p>"
                                   "<p>More <a href='/relative'>here</a></p>",

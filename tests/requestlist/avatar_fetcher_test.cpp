@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <thread>
 
 using namespace belvakit;
@@ -103,8 +102,7 @@ TEST(RequestListService, FetchesEachAvatarOnceAndFillsEveryRowThatShowsIt) {
     EXPECT_FALSE((*filled)[1].agentAvatarInfo);
     EXPECT_FALSE((*filled)[3].agentAvatarInfo->avatarImage);
     EXPECT_EQ(provider->requested, std::vector<std::string>{*ada.avatarUrl});
-    const auto debug = log.messages(platform::LogLevel::debug);
-    EXPECT_EQ(std::count(debug.begin(), debug.end(), "Agent avatar fetched success"), 1);
+    EXPECT_EQ(log.count(platform::LogLevel::debug, "Agent avatar fetched success"), 1u);
 
     // The next pass finds the kept bytes in the cache, for every row that shows them.
     filled.reset();

@@ -107,7 +107,6 @@ TEST_F(RequestListCell, StatusTextsMapToTheirCasesAndAnythingElseIsOpen) {
                               RequestStatus::closed})
         EXPECT_EQ(RequestListCellData::fromRequest(request(std::string(rawValue(status))), agents, false).requestStatus,
                   status);
-    EXPECT_EQ(rawValue(RequestStatus::new_), "new");
     EXPECT_EQ(RequestListCellData::fromRequest(request("Closed"), agents, false).requestStatus, RequestStatus::open);
 }
 

@@ -1,21 +1,18 @@
-#include "../queue/host_fixture.hpp"
 #include "belvakit/Request/conversation/message_list.hpp"
 #include "belvakit/Request/queue/local_id_store.hpp"
 #include "belvakit/Request/queue/request_provider.hpp"
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_async_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_state.hpp"
-#include "belvakit/entry/shared_store.hpp"
 #include "corvane/corvane.hpp"
+#include "list_fixture.hpp"
 #include "platform/image_codec.hpp"
-#include "test_support.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 using namespace belvakit;
-using queue_testing::settle;
 
 namespace {
 
@@ -52,21 +49,8 @@ private:
     tivra::Subscription<RequestListState> states_;
 };
 
-class RequestListPipelineTest : public testing::Test {
+class RequestListPipelineTest : public list_testing::ListTest {
 protected:
-    void SetUp() override { sharedStore()->dispatch(Actions::ClearRequestList{}); }
-    void TearDown() override { sharedStore()->dispatch(Actions::ClearRequestList{}); }
-
-    bool settled(const std::function<bool()>& done) { return settle(time_, done); }
-
-    std::string createTicket(const std::string& description) {
-        bool answered = false;
-        host_.tickets().createRequest({.requestDescription = description}, [&](auto, auto) { answered = true; });
-        EXPECT_TRUE(settled([&] { return answered; }));
-        clock_.clock->advance(60);
-        return host_.tickets().requests().back().requestId;
-    }
-
     void loadSettings(bool showClosedRequests = false) {
         Actions::FetchRequestListSettingsSuccess settings;
         settings.conversationsEnabled = true;
@@ -86,13 +70,6 @@ protected:
         start();
         ASSERT_TRUE(settled([&] { return recorder.reached(type); }));
     }
-
-    const RequestListState& list() const { return *sharedStore()->state().valueOfType<RequestListState>(); }
-
-    testing_support::VirtualTime time_;
-    queue_testing::FixedClock clock_;
-    testing_support::TemporaryDirectory directory_;
-    queue_testing::Host host_{directory_.path()};
 };
 
 } // namespace
@@ -114,67 +91,25 @@ TEST_F(RequestListPipelineTest, AVisitGoesFromSettingsToTheNetworkRowsWithAvatar
                                         "RequestsWithAvatarsFetched"}));
     EXPECT_EQ(recorder.states.front().stateType, RequestListStateType::Loading);
     // The agent's comment is the newest change.
-    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{first, second}));
-    const auto& avatar = list().requests[0].agentAvatarInfo;
+    EXPECT_EQ(idsOf(slice().requests), (std::vector<std::string>{first, second}));
+    const auto& avatar = slice().requests[0].agentAvatarInfo;
     ASSERT_TRUE(avatar);
     EXPECT_EQ(avatar->agentName, "Ada");
     ASSERT_TRUE(avatar->avatarImage);
     EXPECT_EQ(avatar->avatarImage->width, 4);
-    EXPECT_FALSE(list().requests[1].agentAvatarInfo);
-    const auto debug = log.messages(platform::LogLevel::debug);
-    EXPECT_EQ(std::count(debug.begin(), debug.end(), "Agent avatar fetched success"), 1);
+    EXPECT_FALSE(slice().requests[1].agentAvatarInfo);
+    EXPECT_EQ(log.count(platform::LogLevel::debug, "Agent avatar fetched success"), 1u);
 
     // The answer was kept: offline, the cached pass shows the same rows, the avatar from its cache.
     host_.tickets().setOffline(true);
     log.clear();
-    const auto networkRows = list().requests;
+    const auto networkRows = slice().requests;
     load(RequestListStateType::LoadedFromCache, [&] { fetchCached(); });
-    EXPECT_EQ(idsOf(list().requests), idsOf(networkRows));
-    EXPECT_EQ(list().requests[0].requestLastComment, "We are on it");
-    ASSERT_TRUE(list().requests[0].agentAvatarInfo);
-    EXPECT_TRUE(list().requests[0].agentAvatarInfo->avatarImage);
-    const auto later = log.messages(platform::LogLevel::debug);
-    EXPECT_EQ(std::count(later.begin(), later.end(), "Agent avatar fetched success"), 0);
-}
-
-TEST_F(RequestListPipelineTest, StartingOfflineShowsTheCachedRowsAndAFailedRefreshKeepsThem) {
-    const auto ticket = createTicket("Broken zip");
-    load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(); });
-
-    host_.tickets().setOffline(true);
-    ListRecorder recorder;
-    loadSettings();
-    fetchCached();
-    ASSERT_TRUE(settled([&] {
-        return recorder.reached(RequestListStateType::LoadedFromCache) && recorder.saw("RequestsFetchedFailed");
-    }));
-    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{ticket}));
-
-    Actions::FetchRequests refresh;
-    refresh.isRefreshing = true;
-    refresh.service = RequestListService::shared();
-    refresh.provider = makeRequestProvider();
-    refresh.cache = ConcreteCache::named(ConcreteCache::ticketsDirectory);
-    ListRecorder refreshing;
-    sharedStore()->dispatch(refresh);
-    ASSERT_TRUE(settled([&] { return refreshing.reached(RequestListStateType::ErroredFromNetwork); }));
-    EXPECT_EQ(refreshing.states.front().stateType, RequestListStateType::Refreshing);
-    EXPECT_EQ(list().error, NetworkError::generic);
-    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{ticket}));
-}
-
-TEST_F(RequestListPipelineTest, WithNoTicketsBothPassesEndLoadedAndEmpty) {
-    testing_support::CapturedLog log;
-    load(RequestListStateType::LoadedFromCache, [&] { fetchCached(); });
-    EXPECT_TRUE(list().requests.empty());
-    const auto debug = log.messages(platform::LogLevel::debug);
-    EXPECT_EQ(std::count(debug.begin(), debug.end(), "No requests stored in cache."), 1);
-
-    ListRecorder recorder;
-    loadSettings();
-    ASSERT_TRUE(settled([&] { return recorder.reached(RequestListStateType::LoadedFromNetwork); }));
-    EXPECT_TRUE(recorder.saw("FetchAgentAvatars"));
-    EXPECT_TRUE(list().requests.empty());
+    EXPECT_EQ(idsOf(slice().requests), idsOf(networkRows));
+    EXPECT_EQ(slice().requests[0].requestLastComment, "We are on it");
+    ASSERT_TRUE(slice().requests[0].agentAvatarInfo);
+    EXPECT_TRUE(slice().requests[0].agentAvatarInfo->avatarImage);
+    EXPECT_FALSE(log.contains(platform::LogLevel::debug, "Agent avatar fetched success"));
 }
 
 TEST_F(RequestListPipelineTest, AnUnauthorizedAnswerFailsWithAuthThenGeneric) {
@@ -191,7 +126,7 @@ TEST_F(RequestListPipelineTest, AnUnauthorizedAnswerFailsWithAuthThenGeneric) {
     ASSERT_EQ(recorder.states.size(), 3u);
     EXPECT_EQ(recorder.states[1].error, NetworkError::auth);
     EXPECT_EQ(recorder.states[2].error, NetworkError::generic);
-    EXPECT_EQ(list().stateType, RequestListStateType::ErroredFromNetwork);
+    EXPECT_EQ(slice().stateType, RequestListStateType::ErroredFromNetwork);
 }
 
 TEST_F(RequestListPipelineTest, ATicketOnlyThisDeviceKnowsComesFirstMarkedErrored) {
@@ -217,12 +152,12 @@ TEST_F(RequestListPipelineTest, ATicketOnlyThisDeviceKnowsComesFirstMarkedErrore
     RequestsWithFailedMessagesIdStore{}.add(first);
 
     load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(); });
-    ASSERT_EQ(idsOf(list().requests), (std::vector<std::string>{"local-only", second, first}));
-    EXPECT_TRUE(list().requests[0].isErrored);
-    EXPECT_EQ(list().requests[0].requestTitle, "Typed offline");
-    EXPECT_EQ(list().requests[0].updatedAtDate, platform::now());
-    EXPECT_FALSE(list().requests[1].isErrored);
-    EXPECT_TRUE(list().requests[2].isErrored);
+    ASSERT_EQ(idsOf(slice().requests), (std::vector<std::string>{"local-only", second, first}));
+    EXPECT_TRUE(slice().requests[0].isErrored);
+    EXPECT_EQ(slice().requests[0].requestTitle, "Typed offline");
+    EXPECT_EQ(slice().requests[0].updatedAtDate, platform::now());
+    EXPECT_FALSE(slice().requests[1].isErrored);
+    EXPECT_TRUE(slice().requests[2].isErrored);
 }
 
 TEST_F(RequestListPipelineTest, ClosedTicketsShowOnlyWhenTheSettingsAskForThem) {
@@ -231,13 +166,13 @@ TEST_F(RequestListPipelineTest, ClosedTicketsShowOnlyWhenTheSettingsAskForThem) 
     host_.tickets().setStatus(closed, "closed");
 
     load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(false); });
-    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open}));
+    EXPECT_EQ(idsOf(slice().requests), (std::vector<std::string>{open}));
     load(RequestListStateType::LoadedFromCache, [&] { fetchCached(); });
-    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open}));
+    EXPECT_EQ(idsOf(slice().requests), (std::vector<std::string>{open}));
 
     load(RequestListStateType::LoadedFromNetwork, [&] { loadSettings(true); });
-    EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{open, closed}));
-    EXPECT_EQ(list().requests[1].requestStatus, RequestStatus::closed);
+    EXPECT_EQ(idsOf(slice().requests), (std::vector<std::string>{open, closed}));
+    EXPECT_EQ(slice().requests[1].requestStatus, RequestStatus::closed);
 }
 
 TEST_F(RequestListPipelineTest, EachStageLeavesItsActionWholeForListenersAndASecondDispatch) {
@@ -256,7 +191,7 @@ TEST_F(RequestListPipelineTest, EachStageLeavesItsActionWholeForListenersAndASec
     for (int pass = 0; pass < 2; ++pass) {
         sharedStore()->dispatch(Actions::ClearRequestList{});
         load(RequestListStateType::LoadedFromCache, [&] { sharedStore()->dispatch(fetched); });
-        EXPECT_EQ(idsOf(list().requests), (std::vector<std::string>{"t2", "t1"})) << "pass " << pass;
+        EXPECT_EQ(idsOf(slice().requests), (std::vector<std::string>{"t2", "t1"})) << "pass " << pass;
         EXPECT_EQ(fetched.requests.get(), rows) << "pass " << pass;
     }
     listener.removeListener();
@@ -285,7 +220,7 @@ TEST_F(RequestListPipelineTest, AFetchThatCannotStartOrGetsNoAnswerEndsTheLoadin
     Actions::FetchRequests withoutService;
     withoutService.isRefreshing = true;
     load(RequestListStateType::ErroredFromNetwork, [&] { sharedStore()->dispatch(withoutService); });
-    EXPECT_EQ(list().error, NetworkError::generic);
+    EXPECT_EQ(slice().error, NetworkError::generic);
 
     sharedStore()->dispatch(Actions::RefreshRequests{});
     Actions::FetchAgentAvatars avatars;

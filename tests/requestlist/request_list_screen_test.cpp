@@ -1,4 +1,3 @@
-#include "../queue/host_fixture.hpp"
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_async_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_table_view_cell.hpp"
@@ -10,8 +9,8 @@
 #include "belvakit/entry/shared_store.hpp"
 #include "belvakit/toolkit/toast_view.hpp"
 #include "dastrel/dispatcher_notifications.hpp"
+#include "list_fixture.hpp"
 #include "platform/image_codec.hpp"
-#include "test_support.hpp"
 #include "uikit/navigation_controller.hpp"
 #include "uikit/probe.hpp"
 #include "uikit/window.hpp"
@@ -64,10 +63,10 @@ private:
     tivra::ActionSubscription subscription_;
 };
 
-class RequestListScreenTest : public testing::Test {
+class RequestListScreenTest : public list_testing::ListTest {
 protected:
     void SetUp() override {
-        sharedStore()->dispatch(Actions::ClearRequestList{});
+        ListTest::SetUp();
         // The desk answers only as virtual time moves, so a visit's kept rows come first, as on a device.
         host_.tickets().setLatency(platform::milliseconds(100));
         window_->makeKeyAndVisible();
@@ -75,15 +74,7 @@ protected:
     void TearDown() override {
         window_->setRootViewController(nullptr);
         queue_testing::pass(time_, platform::seconds(1));
-        sharedStore()->dispatch(Actions::ClearRequestList{});
-    }
-
-    std::string createTicket(const std::string& description) {
-        bool answered = false;
-        host_.tickets().createRequest({.requestDescription = description}, [&](auto, auto) { answered = true; });
-        EXPECT_TRUE(settled([&] { return answered; }));
-        clock_.clock->advance(60);
-        return host_.tickets().requests().back().requestId;
+        ListTest::TearDown();
     }
 
     static std::shared_ptr<ListScreen> makeList() {
@@ -126,7 +117,6 @@ protected:
         ASSERT_TRUE(settled([&] { return passes_.network > network; }));
         window_->layoutTree();
     }
-    bool settled(const std::function<bool()>& done) { return queue_testing::settle(time_, done); }
 
     // Each row as "names | subject | last comment", with [unread], [avatar] or [letter] after it.
     std::vector<std::string> rows() {
@@ -162,12 +152,7 @@ protected:
         const auto texts = shownTexts();
         return std::find(texts.begin(), texts.end(), wanted) != texts.end();
     }
-    const RequestListState& slice() const { return *sharedStore()->state().valueOfType<RequestListState>(); }
 
-    testing_support::VirtualTime time_;
-    queue_testing::FixedClock clock_;
-    testing_support::TemporaryDirectory directory_;
-    queue_testing::Host host_{directory_.path()};
     sandbox::SettingsDesk& settings_ = *host_.helpDesk->settings();
     std::shared_ptr<uikit::Window> window_ = std::make_shared<uikit::Window>();
     std::shared_ptr<uikit::ViewController> home_ = std::make_shared<uikit::ViewController>();
@@ -235,16 +220,6 @@ TEST_F(RequestListScreenTest, LoadsFromTheDeskThroughTheLoadingStateToRowsWithAv
     EXPECT_FALSE(list_->loadingSpinner->isAnimating());
     EXPECT_FALSE(uikit::isShown(*list_->inboxView));
     awaitVisit(beforeSecond);
-
-    // Hidden by the settings, a closed ticket leaves the list at the next visit.
-    auto settings = settings_.settings();
-    settings.showClosedRequests = false;
-    settings_.setSettings(settings);
-    navigation_->popViewController(false);
-    list_ = makeList();
-    visit(list_);
-    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Broken zip"), HasSubstr("Late order")));
-    EXPECT_EQ(host_.helpDesk->telemetry()->count("requestListViewed"), 3u);  // one for each screen
 
     // A ticket whose sending failed comes first, marked.
     Actions::RequestCreationOrUpdateError failed;
@@ -350,11 +325,6 @@ TEST_F(RequestListScreenTest, OfflineTheCachedRowsShowUnderBothToastsAndKeepClea
     EXPECT_FALSE(list_->toastWrapper->isShowingError);
     window_->layoutTree();
     EXPECT_EQ(list_->requestListTableView->frame().minY(), 0);
-
-    // Refreshing offline fails and keeps them.
-    pull();
-    EXPECT_EQ(list_->state.stateType, RequestListStateType::ErroredFromNetwork);
-    EXPECT_THAT(rows(), ElementsAre(HasSubstr("Late order"), HasSubstr("Broken zip")));
 
     // Sideways, the rows keep clear of the notch and the rounded corners.
     window_->setEnvironment(uikit::Environment::phoneLandscape());

@@ -4,14 +4,11 @@
 #include "platform/type_name.hpp"
 #include "test_support.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
 using namespace belvakit;
-using platform::LogLevel;
-using testing::ElementsAre;
 
 // `Kind"content"[children]`, e.g. Root[Div[Text"a" Bold[Text"c"]]].
 std::string describe(const Element& element) {
@@ -137,23 +134,6 @@ TEST(RichRenderParseTest, AnythingThatIsNotOneWellFormedElementGivesNil) {
     render.didEndElement(late, "b");
     EXPECT_NE(render.parse("<div>x</div>"), nullptr);
     EXPECT_EQ(RichRender::attributedString("<div>x"), std::nullopt);
-}
-
-TEST(RichRenderParseTest, LogsTheInputAndTheError) {
-    testing_support::CapturedLog log;
-    EXPECT_TRUE(RichRender().parse("<div>x</div>"));
-    EXPECT_THAT(log.messages(LogLevel::verbose), ElementsAre("Parsing HTML: <div>x</div> \n"));
-    EXPECT_TRUE(log.messages(LogLevel::debug).empty());
-
-    log.clear();
-    EXPECT_FALSE(RichRender().parse("<div>a&nbsp;b</div>"));
-    const auto debug = log.messages(LogLevel::debug);
-    ASSERT_EQ(debug.size(), 1u);
-    EXPECT_TRUE(debug.front().starts_with("Parse error occured: undefined entity")) << debug.front();
-
-    log.clear();
-    EXPECT_FALSE(RichRender::attributedString("<br>"));
-    EXPECT_THAT(log.messages(LogLevel::verbose), ElementsAre("Parsing HTML: <br> \n", "Unable to decode HTML from: <br>"));
 }
 
 TEST(RichRenderParseTest, DeepNestingParsesRendersAndFreesWithoutRecursion) {

@@ -1,5 +1,7 @@
 #include "test_support.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -13,10 +15,30 @@ VirtualTime::VirtualTime()
 
 VirtualTime::~VirtualTime() { platform::MainQueue::shared().setScheduler(previous_); }
 
+void VirtualTime::run(double seconds, const std::function<void()>& eachStride) {
+    const long strides = std::lround(seconds / 0.05);
+    for (long i = 0; i < strides; ++i) {
+        drainMainQueue();
+        advance(platform::milliseconds(50));
+        if (eachStride) eachStride();
+    }
+    drainMainQueue();
+    if (eachStride) eachStride();
+}
+
+void drainMainQueue() {
+    while (platform::MainQueue::shared().runPending() > 0) {}
+}
+
 CapturedLog::CapturedLog()
     : sink_(std::make_shared<platform::MemoryLogSink>()), previous_(platform::log::setSink(sink_)) {}
 
 CapturedLog::~CapturedLog() { platform::log::setSink(previous_); }
+
+std::size_t CapturedLog::count(platform::LogLevel level, const std::string& line) const {
+    const auto lines = messages(level);
+    return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), line));
+}
 
 bool pumpMainQueueUntil(const std::function<bool()>& done, platform::Duration timeout) {
     const bool reached = platform::MainQueue::shared().runUntil(done, timeout);

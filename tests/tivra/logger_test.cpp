@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-
 using namespace fixtures;
 using namespace tivra;
 
@@ -22,7 +21,7 @@ struct LoggedStore {
 
 } // namespace
 
-TEST(LoggerMiddleware, PrintsTitleStatesActionAndClosingLine) {
+TEST(LoggerMiddleware, PrintsTitleStatesActionAndClosingLineUnlessThePredicateSaysNo) {
     LoggedStore logged({.showTimestamp = false, .showDuration = false});
     logged.store->dispatch(Increment());
 
@@ -33,6 +32,12 @@ TEST(LoggerMiddleware, PrintsTitleStatesActionAndClosingLine) {
     EXPECT_EQ(logged.lines[3].rfind("├─ Next state ► ", 0), 0u);
     EXPECT_EQ(logged.lines[4].rfind("└──", 0), 0u);
     EXPECT_EQ(logged.store->state().valueOfType<Counter>()->value, 1);
+
+    // A false predicate logs nothing but lets the action through.
+    LoggedStore silent({.predicate = [](const State&, const Action&) { return false; }});
+    silent.store->dispatch(Increment());
+    EXPECT_TRUE(silent.lines.empty());
+    EXPECT_EQ(silent.store->state().valueOfType<Counter>()->value, 1);
 }
 
 TEST(LoggerMiddleware, TitleCarriesTimestampAndDurationWhenAsked) {
@@ -65,11 +70,4 @@ TEST(LoggerMiddleware, TransformersFormatterAndLineLengthApply) {
     EXPECT_EQ(logged.lines[2], "├─ Action     ► 42");
     EXPECT_EQ(logged.lines[3], "├─ Next state ► \"1\"");
     EXPECT_EQ(logged.lines[4], "└───────────────────");  // 20 characters wide
-}
-
-TEST(LoggerMiddleware, AFalsePredicateLogsNothingButLetsTheActionThrough) {
-    LoggedStore logged({.predicate = [](const State&, const Action&) { return false; }});
-    logged.store->dispatch(Increment());
-    EXPECT_TRUE(logged.lines.empty());
-    EXPECT_EQ(logged.store->state().valueOfType<Counter>()->value, 1);
 }

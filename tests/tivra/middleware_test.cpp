@@ -32,7 +32,7 @@ std::shared_ptr<Middleware> seeing(std::vector<std::string>& seen) {
 
 } // namespace
 
-TEST(CombinedMiddleWare, AnEmptyChainSwallowsAndAChainOfOneIsThatMiddleware) {
+TEST(CombinedMiddleWare, AnEmptyChainSwallowsAChainOfOneIsThatMiddlewareAndTwoNextsReduceTwice) {
     auto empty = storeWith(std::make_shared<CombinedMiddleWare>());
     empty->dispatch(Increment());
     EXPECT_EQ(counterIn(*empty), 0);
@@ -44,17 +44,16 @@ TEST(CombinedMiddleWare, AnEmptyChainSwallowsAndAChainOfOneIsThatMiddleware) {
     store->dispatch(Increment());
     EXPECT_EQ(counterIn(*store), 1);
     EXPECT_EQ(journal, (std::vector<std::string>{"only down", "only up"}));
-}
 
-TEST(CombinedMiddleWare, CallingNextTwiceReducesTwice) {
+    // A middleware that calls next twice reduces twice.
     auto twice = std::make_shared<BlockMiddleware>(
         [](const Action& action, const GetState&, const DispatchFunction&, const DispatchFunction& next) {
             next(action);
             next(action);
         });
-    auto store = storeWith(passOn() + twice);
-    store->dispatch(Increment());
-    EXPECT_EQ(counterIn(*store), 2);
+    auto doubled = storeWith(passOn() + twice);
+    doubled->dispatch(Increment());
+    EXPECT_EQ(counterIn(*doubled), 2);
 }
 
 TEST(CombinedMiddleWare, ALateNextGoesThroughWhileTheChainLivesAndIsDroppedAfter) {

@@ -28,10 +28,7 @@ protected:
         std::erase_if(lines, [](const std::string& line) { return !line.starts_with("[PROGRESS] "); });
         return lines;
     }
-    bool logged(const std::string& line) const {
-        const auto lines = progressLogs();
-        return std::find(lines.begin(), lines.end(), line) != lines.end();
-    }
+    bool logged(const std::string& line) const { return log.contains(platform::LogLevel::verbose, line); }
 
     std::shared_ptr<uikit::View> container;
     std::shared_ptr<ProgressBar> bar;

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "platform/main_queue.hpp"
 #include "test_support.hpp"
 #include "uikit/view_controller.hpp"
 #include "uikit/window.hpp"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 namespace toolkit_testing {
@@ -18,15 +16,7 @@ protected:
         window->layoutTree();
     }
 
-    // Moves virtual time on in small strides, running what the main queue is handed on the way.
-    void run(double seconds) {
-        const int strides = static_cast<int>(std::lround(seconds / 0.05));
-        for (int i = 0; i < strides; ++i) {
-            while (platform::MainQueue::shared().runPending() > 0) {}
-            time.advance(platform::milliseconds(50));
-        }
-        while (platform::MainQueue::shared().runPending() > 0) {}
-    }
+    void run(double seconds) { time.run(seconds); }
 
     testing_support::VirtualTime time;
     testing_support::CapturedLog log;
