@@ -273,6 +273,9 @@ void RequestController::viewDidLoad() {
 
     contentView()->addSubview(tableView);
     contentView()->addSubview(inputField_);
+    inputBackdrop_ = uikit::make<uikit::View>();
+    if (const auto& colour = inputField_->backgroundColor()) inputBackdrop_->setBackgroundColor(*colour);
+    view()->insertSubview(inputBackdrop_, 0);
     if (!progressBar_->superview()) progressBar_->setContainerView(view());
     backgroundNotificationObserver_ = platform::NotificationCenter::defaultCenter().addObserver(
         applicationWillEnterForegroundNotification, nullptr, [weak](const platform::Notification&) {
@@ -804,6 +807,9 @@ void RequestController::viewDidLayoutSubviews() {
     table.setFrame(frame);
     if (follow) requestTable_->scrollToLast();
     inputField_->setFrame({0, bounds.height() - inputHeight, bounds.width(), inputHeight});
+    const double inputTop = inputField_->convert(inputField_->bounds(), view().get()).minY();
+    const auto whole = view()->bounds();
+    inputBackdrop_->setFrame({0, inputTop, whole.width(), std::max(0.0, whole.height() - inputTop)});
     if (progressBar_->superview() == view().get())
         progressBar_->setFrame({0, topViewOffset(), view()->bounds().width(), ProgressBar::defaultHeight});
 }

@@ -141,6 +141,8 @@ private:
     std::shared_ptr<RequestUiConfiguration> configuration_;
     std::shared_ptr<RequestTable> requestTable_;
     std::shared_ptr<InputField> inputField_;
+    // The input bar's colour carried down under the safe area, so no blank band shows below it.
+    std::shared_ptr<uikit::View> inputBackdrop_;
     bool attachmentsAllowed_ = false;
     std::int64_t maxFileAttachmentSize_ = 0;
     std::shared_ptr<Cache> attachmentsCache_;
