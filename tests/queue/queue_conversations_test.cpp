@@ -74,13 +74,15 @@ public:
     }
 
     // A text, with a file when asked, as the input field sends it; its id.
-    std::string send(const std::string& body, bool withFile = false) {
+    std::string send(const std::string& body, bool withFile = false,
+                     std::optional<std::string> conversation = std::nullopt) {
         const UserMessage text = makeUserMessage(body);
         Actions::NewMessages messages;
         messages.messages.emplace_back(text);
         RequestQueueActions::DispatchDetails details;
         details.id = text.id;
         details.body = body;
+        details.conversation = std::move(conversation);
         if (withFile) {
             UserFile file;
             file.id = platform::uuidString();
@@ -340,6 +342,43 @@ TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationKeepsTheTick
     const auto requests = desk.requests();
     ASSERT_EQ(requests.size(), 2u) << "no ticket of its own for the second message";
     EXPECT_EQ(userBodies(desk, requests.back().requestId), (std::vector<std::string>{"Opening words", "And one more thing"}));
+}
+
+// The same, with the next message sent before the answer: it waits behind the creation and becomes
+// its first comment. The screen may know its conversation by the table's id, or, while its saved
+// copy is still being read, only by naming it in the send.
+TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationTakesAMessageSentBeforeTheAnswer) {
+    auto& desk = host_.tickets();
+    for (const bool namedByTable : {true, false}) {
+        SCOPED_TRACE(namedByTable ? "named by the table" : "named by the send");
+        const auto other = ticket("Other ticket");
+        const auto ticketsBefore = desk.requests().size();
+        Screen screen;
+        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+        desk.setLatency(platform::milliseconds(300));
+        const auto first = screen.send("Opening words");
+        screen.open("L2", other);
+
+        sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+        if (namedByTable) {
+            Actions::MessagesLoadedFromDisk key;
+            key.localId = first;
+            sharedStore()->dispatch(key);
+        }
+        const auto next = screen.send("Before the answer", false, namedByTable ? std::nullopt : std::optional(first));
+        ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+
+        const auto requests = desk.requests();
+        ASSERT_EQ(requests.size(), ticketsBefore + 1) << "one ticket for the new conversation";
+        EXPECT_EQ(userBodies(desk, requests.back().requestId), (std::vector<std::string>{"Opening words", "Before the answer"}));
+        const auto shown = Screen::shown();
+        const auto* sent = find(shown.tableData, next);
+        ASSERT_NE(sent, nullptr);
+        EXPECT_TRUE(delivered(*sent));
+        desk.setLatency(platform::Duration::zero());
+        sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+    }
 }
 
 // Random sends and moves between three tickets, under failures, latencies that let answers

@@ -29,6 +29,9 @@ struct RequestQueueMiddleWare::Conversation {
     // writes back a copy that lacks another's messages.
     bool left = false;
     std::shared_ptr<RequestTableState> table;
+    // Shown again while an earlier visit's ticket was still being created: that visit, whose
+    // ticket this one's messages go to.
+    std::shared_ptr<Conversation> joins;
 };
 
 namespace {
@@ -38,6 +41,13 @@ std::optional<RequestTableState> shownTable(const tivra::GetState& getState) {
     const tivra::State state = getState();
     const auto* table = state.value<RequestTableState>(tivra::stateKeyOf<RequestTableState>());
     return table ? std::optional(*table) : std::nullopt;
+}
+
+// The id a conversation is kept under: a new one's is its first message's until the ticket names it.
+std::optional<std::string> keyOf(const RequestTableState& table) {
+    if (table.localId) return table.localId;
+    if (!table.tableData.empty()) return std::string(id(table.tableData.front()));
+    return std::nullopt;
 }
 
 bool sameConversation(const RequestTableState& shown, const RequestTableState& left) {
@@ -165,6 +175,34 @@ bool RequestQueueMiddleWare::hasWork(const Conversation& conversation) const {
            std::ranges::any_of(owners_, [&](const auto& owner) { return owner.get() == &conversation; });
 }
 
+std::optional<TicketInfo> RequestQueueMiddleWare::ticketOf(const Conversation& conversation) {
+    if (auto ticket = ticketInfo(conversation.state)) return ticket;
+    return conversation.joins ? ticketOf(*conversation.joins) : std::nullopt;
+}
+
+bool RequestQueueMiddleWare::awaitsTicket(const Conversation& conversation) const {
+    if (running_.get() == &conversation && runningCreatesTicket_) return true;
+    for (std::size_t i = 0; i < requestOperations_.size(); ++i)
+        if (owners_[i].get() == &conversation && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get()))
+            return true;
+    return conversation.joins && awaitsTicket(*conversation.joins);
+}
+
+std::shared_ptr<RequestQueueMiddleWare::Conversation> RequestQueueMiddleWare::earlierVisit(
+    const RequestQueueActions::DispatchDetails& details) const {
+    auto key = details.conversation;
+    if (!key)
+        if (const auto shown = shownTable(getState_)) key = shown->localId;
+    if (!key) return nullptr;
+    const auto visitOf = [&](const std::shared_ptr<Conversation>& visit) {
+        return visit && visit != shown_ && visit->left && visit->table &&
+               (keyOf(*visit->table) == key || visit->table->remoteId == key);
+    };
+    for (auto owner = owners_.rbegin(); owner != owners_.rend(); ++owner)
+        if (visitOf(*owner)) return *owner;
+    return visitOf(running_) ? running_ : nullptr;
+}
+
 void RequestQueueMiddleWare::moveOn(const tivra::GetState& getState, const RequestQueueState& state) {
     auto table = shownTable(getState);
     std::shared_ptr<RequestTableState> kept;
@@ -204,6 +242,21 @@ void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::Dis
     bool creationQueued = false;
     for (std::size_t i = 0; i < requestOperations_.size() && !creationQueued; ++i)
         creationQueued = owners_[i] == shown_ && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get());
+    if (!seen.hasTicket && !seen.requesting && !creationQueued) {
+        // Shown again before an earlier visit's ticket came: the message follows that ticket's
+        // creation instead of making a second ticket. A creation that failed leaves none to follow.
+        if (!shown_->joins) shown_->joins = earlierVisit(details);
+        if (shown_->joins) {
+            std::optional<TicketInfo> ticket;
+            requestDispatchQueue().sync([this, &ticket] {
+                ticket = ticketOf(*shown_->joins);
+                if (ticket) shown_->state = RequestQueueState::ticketCreated(ticket->first, ticket->second);
+            });
+            if (ticket || !awaitsTicket(*shown_->joins)) shown_->joins.reset();
+            seen.hasTicket = ticket.has_value();
+            creationQueued = shown_->joins != nullptr;
+        }
+    }
     if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
         enqueue(std::make_shared<FetchNewCommentsOperation>());
@@ -229,12 +282,18 @@ void RequestQueueMiddleWare::processNext(bool reportCompletion) {
     requestOperations_.pop_front();
     running_ = std::move(owners_.front());
     owners_.pop_front();
+    runningCreatesTicket_ = dynamic_cast<const TicketRequestOperation*>(operation.get()) != nullptr;
 
     std::optional<TicketInfo> ticket;
     requestDispatchQueue().sync([this, &ticket] {
+        // The visit this one joined has run before it, and made the ticket if it could.
+        if (running_->joins && !running_->state.isRequesting() && !ticketInfo(running_->state))
+            if (const auto joined = ticketOf(*running_->joins))
+                running_->state = RequestQueueState::ticketCreated(joined->first, joined->second);
         running_->state = started(running_->state);
         ticket = ticketInfo(running_->state);
     });
+    if (ticket) running_->joins.reset();
     // A provider may answer on any thread; the waiting list belongs to the main one.
     operation->setRequestBlock([weak = weak_from_this(), run = ++runs_](const tivra::Action& result) {
         platform::MainQueue::shared().sync([&] {
@@ -250,6 +309,7 @@ void RequestQueueMiddleWare::complete(std::uint64_t run, const tivra::Action& re
         return;
     }
     auto owner = std::move(running_);
+    runningCreatesTicket_ = false;
     requestDispatchQueue().sync([&owner, &result] { owner->state = reduce(owner->state, result); });
     const auto startsBefore = runs_;
     if (!owner->left) {

@@ -18,6 +18,9 @@ struct DispatchDetails final : tivra::Action {
     std::string id;
     std::string body;
     std::vector<Upload::Attachment> attachments;
+    // The id the screen keeps its conversation under, when it knows one: a conversation shown
+    // again before its saved copy is read is known by it alone.
+    std::optional<std::string> conversation;
 };
 
 // Run these operations after the waiting ones.

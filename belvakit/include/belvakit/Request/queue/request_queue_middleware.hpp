@@ -51,6 +51,12 @@ private:
     void enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details);
     void enqueue(std::shared_ptr<RequestOperation> operation);
     bool hasWork(const Conversation& conversation) const;
+    // The ticket of `conversation`, or of the visit whose ticket it waits for.
+    static std::optional<TicketInfo> ticketOf(const Conversation& conversation);
+    // A ticket for `conversation` is being created, or waits to be.
+    bool awaitsTicket(const Conversation& conversation) const;
+    // The latest left visit, with work still to do, of the conversation that `details` is sent in.
+    std::shared_ptr<Conversation> earlierVisit(const RequestQueueActions::DispatchDetails& details) const;
     // The shown conversation's work goes on without a screen; what comes next belongs to a new
     // conversation in `state`.
     void moveOn(const tivra::GetState& getState, const RequestQueueState& state);
@@ -63,6 +69,7 @@ private:
     std::deque<std::shared_ptr<Conversation>> owners_;  // the conversation of each waiting operation
     std::shared_ptr<Conversation> shown_;
     std::shared_ptr<Conversation> running_;  // owner of the operation in flight, if any
+    bool runningCreatesTicket_ = false;
     std::uint64_t runs_ = 0;                 // numbers each start, so a stray second report is known
     RequestUiConfiguration config_;
     mutable std::once_flag queueMade_;
