@@ -381,6 +381,43 @@ TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationTakesAMessag
     }
 }
 
+// A send announced while one conversation shows, whose details come only after another was opened
+// (its files took a while): it makes its own ticket rather than joining the one now shown, and its
+// outcome, kept away from the shown table, is told to whoever waits on it.
+TEST_P(QueueConversationsTest, ASendPreparedWhileAnotherConversationOpensStaysWithItsOwn) {
+    auto& desk = host_.tickets();
+    const auto other = ticket("Other ticket");
+    std::vector<RequestQueueActions::SendOutcomeKept> told;
+    int createdInStore = 0;
+    auto listener = sharedStore()->addActionListener([&](const tivra::Action& action) {
+        if (const auto* kept = tivra::actionAs<RequestQueueActions::SendOutcomeKept>(action)) told.push_back(*kept);
+        if (tivra::actionAs<Actions::TicketCreated>(action)) ++createdInStore;
+    });
+    Screen screen;
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    RequestQueueActions::SendComing coming;
+    coming.id = "prepared";
+    sharedStore()->dispatch(coming);
+    screen.open("L2", other);
+    RequestQueueActions::DispatchDetails details;
+    details.id = "prepared";
+    details.body = "Prepared late";
+    sharedStore()->dispatch(details);
+    ASSERT_TRUE(settle(time_, [&] { return told.size() == 1; }));
+    screen.send("On the other ticket");
+    ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+    listener.removeListener();
+
+    const auto requests = desk.requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(userBodies(desk, requests.back().requestId), std::vector<std::string>{"Prepared late"});
+    EXPECT_EQ(userBodies(desk, other), (std::vector<std::string>{"Other ticket", "On the other ticket"}));
+    EXPECT_EQ(told[0].id, "prepared");
+    EXPECT_TRUE(told[0].delivered);
+    EXPECT_EQ(createdInStore, 0) << "the shown table never hears of the other ticket";
+    EXPECT_EQ(Screen::shown().remoteId, other);
+}
+
 // Random sends and moves between three tickets, under failures, latencies that let answers
 // overtake each other, and agents who reply. Every message ends delivered or failed exactly once,
 // in its own conversation only; each ticket holds exactly its delivered messages, in send order.

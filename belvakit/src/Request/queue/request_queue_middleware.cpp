@@ -158,6 +158,8 @@ void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::
             else
                 moveOn(getState, state);
         }
+    } else if (type == typeid(Q::SendComing)) {
+        announced_[static_cast<const Q::SendComing&>(action).id] = shown_;
     } else if (type == typeid(Q::SetConfig)) {
         config_ = static_cast<const Q::SetConfig&>(action).config;
     } else if (type == typeid(Q::DispatchOperations)) {
@@ -172,7 +174,8 @@ void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::
 
 bool RequestQueueMiddleWare::hasWork(const Conversation& conversation) const {
     return running_.get() == &conversation ||
-           std::ranges::any_of(owners_, [&](const auto& owner) { return owner.get() == &conversation; });
+           std::ranges::any_of(owners_, [&](const auto& owner) { return owner.get() == &conversation; }) ||
+           std::ranges::any_of(announced_, [&](const auto& entry) { return entry.second.get() == &conversation; });
 }
 
 std::optional<TicketInfo> RequestQueueMiddleWare::ticketOf(const Conversation& conversation) {
@@ -223,26 +226,33 @@ void RequestQueueMiddleWare::moveOn(const tivra::GetState& getState, const Reque
     requestDispatchQueue().sync([this, &state] { shown_->state = state; });
 }
 
-void RequestQueueMiddleWare::enqueue(std::shared_ptr<RequestOperation> operation) {
+void RequestQueueMiddleWare::enqueue(std::shared_ptr<RequestOperation> operation,
+                                     std::shared_ptr<Conversation> owner) {
     requestOperations_.push_back(std::move(operation));
-    owners_.push_back(shown_);
+    owners_.push_back(owner ? std::move(owner) : shown_);
 }
 
 void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details) {
+    // A send announced while another conversation was shown belongs to that one.
+    std::shared_ptr<Conversation> owner = shown_;
+    if (const auto announced = announced_.find(details.id); announced != announced_.end()) {
+        owner = std::move(announced->second);
+        announced_.erase(announced);
+    }
     // One capture keeps the block small enough to need no allocation.
     struct {
         bool hasTicket = false;
         bool requesting = false;
     } seen;
-    requestDispatchQueue().sync([this, &seen] {
-        seen.hasTicket = ticketInfo(shown_->state).has_value();
-        seen.requesting = shown_->state.isRequesting();
+    requestDispatchQueue().sync([&owner, &seen] {
+        seen.hasTicket = ticketInfo(owner->state).has_value();
+        seen.requesting = owner->state.isRequesting();
     });
     // The ticket's creation may also wait behind another conversation's work.
     bool creationQueued = false;
     for (std::size_t i = 0; i < requestOperations_.size() && !creationQueued; ++i)
-        creationQueued = owners_[i] == shown_ && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get());
-    if (!seen.hasTicket && !seen.requesting && !creationQueued) {
+        creationQueued = owners_[i] == owner && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get());
+    if (owner == shown_ && !seen.hasTicket && !seen.requesting && !creationQueued) {
         // Shown again before an earlier visit's ticket came: the message follows that ticket's
         // creation instead of making a second ticket. A creation that failed leaves none to follow.
         if (!shown_->joins) shown_->joins = earlierVisit(details);
@@ -259,14 +269,14 @@ void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::Dis
     }
     if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
-        enqueue(std::make_shared<FetchNewCommentsOperation>());
-        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+        enqueue(std::make_shared<FetchNewCommentsOperation>(), owner);
+        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments), owner);
     } else if (seen.requesting || creationQueued) {
         // Whatever is in flight or waiting for this conversation is its ticket's creation; this
         // message will find the ticket.
-        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments), owner);
     } else {
-        enqueue(std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_));
+        enqueue(std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_), owner);
     }
 }
 
@@ -324,7 +334,16 @@ void RequestQueueMiddleWare::complete(std::uint64_t run, const tivra::Action& re
 }
 
 void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation, const tivra::Action& result) {
-    if (!conversation.table || !dispatch_) return;  // the store holds no conversation to keep it in
+    if (!dispatch_) return;
+    const auto tellSender = [this, &result] {
+        const std::string* sent = reportedMessageId(result);
+        if (!sent) return;
+        RequestQueueActions::SendOutcomeKept kept;
+        kept.id = *sent;
+        kept.delivered = tivra::actionAs<Actions::TicketCreated>(result) || tivra::actionAs<Actions::CommentCreated>(result);
+        dispatch_(kept);
+    };
+    if (!conversation.table) return tellSender();  // the store holds no conversation to keep it in
     RequestTableState& table = *conversation.table;
     if (auto next = RequestTableReducer().reduce(table, result)) table = std::move(*next);
     const auto shown = shownTable(getState_);
@@ -349,6 +368,7 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
     LocalIDStore idStore;
     recordConversation(table, idStore, RequestsWithFailedMessagesIdStore{},
                        ConcreteCache::named(ConcreteCache::ticketsDirectory), dispatch_);
+    tellSender();
 }
 
 } // namespace belvakit

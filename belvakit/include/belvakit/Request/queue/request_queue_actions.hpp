@@ -23,6 +23,12 @@ struct DispatchDetails final : tivra::Action {
     std::optional<std::string> conversation;
 };
 
+// A send whose details are still being prepared: it belongs to the conversation shown now, even if
+// another is shown by the time its details come.
+struct SendComing final : tivra::Action {
+    std::string id;
+};
+
 // Run these operations after the waiting ones.
 struct DispatchOperations final : tivra::Action {
     std::vector<std::shared_ptr<RequestOperation>> operations;
@@ -38,6 +44,13 @@ struct SetRequestId final : tivra::Action {
 };
 
 struct ResetQueue final : tivra::Action {};
+
+// The outcome of a send whose conversation no screen shows any more. It is kept with that
+// conversation, not given to the one shown; this tells whoever waits on the send.
+struct SendOutcomeKept final : tivra::Action {
+    std::string id;
+    bool delivered = false;
+};
 
 // The send queue has run dry.
 struct QueueCompleted final : tivra::Action {};
