@@ -4,6 +4,7 @@
 #include "belvakit/Request/conversation/input_field_actions.hpp"
 #include "belvakit/Request/conversation/input_field_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
+#include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/entry/shared_store.hpp"
@@ -13,10 +14,12 @@
 #include "corvane/core_logger.hpp"
 #include "platform/main_queue.hpp"
 #include "platform/trimming.hpp"
+#include "platform/uuid.hpp"
 #include "uikit/animation.hpp"
 #include "uikit/window.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 namespace belvakit {
@@ -102,6 +105,11 @@ std::string trimmed(const std::optional<std::string>& text) {
     return text ? platform::trimmingWhitespaceAndNewlines(*text) : std::string();
 }
 
+std::uint64_t newFormId() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
 } // namespace
 
 std::shared_ptr<CreateRequestController> CreateRequestController::make(
@@ -123,6 +131,7 @@ std::shared_ptr<CreateRequestController> CreateRequestController::make(
     initialize.requiresName = requiresName;
     initialize.showCorvnaeLogo = showReferrerLogo;
     initialize.referrerUrl = std::move(referrerUrl);
+    initialize.formId = form->formId_;
     store->dispatch(initialize);
     store->dispatch(Actions::InitializeRequestControllerState{});
     form->preAttach(*configuration);
@@ -135,7 +144,7 @@ std::shared_ptr<CreateRequestController> CreateRequestController::make(
 
 CreateRequestController::CreateRequestController(Tag, bool attachmentsEnabled, std::int64_t maxAttachmentSize,
                                                  std::shared_ptr<ProgressBar> progressBar)
-    : state_(initialCreateRequestState()), attachmentsEnabled_(attachmentsEnabled),
+    : formId_(newFormId()), state_(initialCreateRequestState()), attachmentsEnabled_(attachmentsEnabled),
       maxAttachmentSize_(maxAttachmentSize), progressBar_(std::move(progressBar)) {
     if (!progressBar_) {
         progressBar_ = ProgressBar::make();
@@ -155,6 +164,7 @@ std::shared_ptr<uikit::View> CreateRequestController::logoView() const { return 
 void CreateRequestController::buildForm(bool requiresName, bool requiresEmail) {
     const auto theme = CRVLegacyTheme::currentAppliedTheme();
     inputFieldValidator_ = CreateRequestInputFieldsValidator::make();
+    inputFieldValidator_->formId = formId_;
     inputFieldValidator_->setDelegate(std::static_pointer_cast<CreateRequestInputFieldsValidatorDelegate>(self()));
     // The views may outlive the form (a parent holds them while it leaves): they hold it weakly.
     const std::weak_ptr<CreateRequestController> weak = self();
@@ -247,15 +257,13 @@ void CreateRequestController::buildForm(bool requiresName, bool requiresEmail) {
 void CreateRequestController::subscribe() {
     const auto& store = sharedStore();
     const std::weak_ptr<CreateRequestController> weakSelf = self();
-    store->addListener<CreateRequestState>([weakSelf](const CreateRequestState& state) {
-        if (auto form = weakSelf.lock()) form->stateChanged(state);
-    }).linkLifeCycleTo(*this);
     store->addListener<InputFieldState>([weakSelf](const InputFieldState& state) {
         if (auto form = weakSelf.lock()) form->setAttachments(state.attachments());
     }).linkLifeCycleTo(*this);
     store->addActionListener([weakSelf](const tivra::Action& action) {
         auto form = weakSelf.lock();
         if (!form) return;
+        form->actionHeard(action);
         if (const auto* removed = tivra::actionAs<Actions::AttachmentRemoved>(action)) {
             if (form->imageRemoved) form->imageRemoved(removed->identifier);
         } else if (tivra::actionAs<Actions::BecomeFirstResponder>(action)) {
@@ -264,6 +272,18 @@ void CreateRequestController::subscribe() {
             form->showTooBig();
         }
     }).linkLifeCycleTo(*this);
+}
+
+void CreateRequestController::actionHeard(const tivra::Action& action) {
+    // The store's slice describes the form opened last, and so does not serve a form opened
+    // before it that still waits on its send: each form reduces its own copy, from its own
+    // beginning, sends and edits, and the outcome of its own send.
+    if (const auto* initialize = tivra::actionAs<CreateRequestActions::InitializeCreateRequest>(action);
+        initialize && initialize->formId != formId_)
+        return;
+    if (tivra::actionAs<CreateRequestActions::ReferOpen>(action)) return;  // the store's reducer opens the link
+    static const CreateRequestReducer reducer;
+    if (auto next = reducer.reduce(state_, action)) stateChanged(*next);
 }
 
 void CreateRequestController::preAttach(const RequestUiConfiguration& configuration) {
@@ -400,6 +420,8 @@ void CreateRequestController::send() {
 
 void CreateRequestController::dispatchSend() {
     CreateRequestActions::SendPressed action;
+    action.formId = formId_;
+    action.id = platform::uuidString();
     action.description = trimmed(descriptionTextview_->textView()->text());
     action.email = emailField_ ? trimmed(emailField_->field()->text()) : std::string();
     action.name = nameField_ ? nameField_->field()->text().value_or("") : std::string();
@@ -444,6 +466,7 @@ void CreateRequestController::attachmentAdded(InputAttachmentViewStatePtr attach
         return;
     CreateRequestActions::Edited edited;
     edited.hasEdits = true;
+    edited.formId = formId_;
     store->dispatch(edited);
 }
 
@@ -509,24 +532,12 @@ void CreateRequestController::stateChanged(const CreateRequestState& next) {
 // happens on entering the row: typing on a form that stays in one state keeps its keyboard.
 void CreateRequestController::redraw(std::optional<Sending> enteredFrom) {
     const bool entered = enteredFrom.has_value();
-    Sending row = state_.sending;
-    if (row == Sending::sent && entered) {
-        // A queue that drains without creating the ticket (its files did not upload) failed it.
-        ticketMissing_ = awaitingTicket_;
-        awaitingTicket_ = false;
-    }
-    if (row == Sending::sent && ticketMissing_) row = Sending::failure;
-    switch (row) {
+    switch (state_.sending) {
     case Sending::unsent:
-        if (entered) awaitingTicket_ = ticketMissing_ = false;
         hideStatus();
         updateAttachButton();
         break;
     case Sending::sending:
-        if (entered) {
-            awaitingTicket_ = true;
-            ticketMissing_ = false;
-        }
         showStatus(localized(LocalizedKey::requestsCreateRequestSending), sendingColor);
         showLoading(true);
         if (entered) {
@@ -542,7 +553,6 @@ void CreateRequestController::redraw(std::optional<Sending> enteredFrom) {
         updateAttachButton();
         break;
     case Sending::success:
-        awaitingTicket_ = false;
         hideStatus();
         progressBar_->stateMachine()->queueCompleted();
         if (entered) {
@@ -555,7 +565,6 @@ void CreateRequestController::redraw(std::optional<Sending> enteredFrom) {
         }
         break;
     case Sending::failure:
-        awaitingTicket_ = false;
         showStatus(localized(LocalizedKey::requestsCreateRequestErrorRequest), failureColor);
         showLoading(false);
         // On the way in the form is as it was sent; after that its fields decide.
