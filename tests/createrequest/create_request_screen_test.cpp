@@ -637,6 +637,38 @@ TEST_F(CreateRequestScreenTest, TwoFormsOpenAtOnceEachFollowOnlyTheSendItStarted
     EXPECT_EQ(requests[1].requestDescription, "From the second form");
 }
 
+// A form covered by another that sent and went: shown again, it makes a ticket of its own with its
+// own file, instead of a comment on the ticket the other form made.
+TEST_F(CreateRequestScreenTest, AFormShownAgainAfterAnotherFormsTicketMakesItsOwnWithItsFiles) {
+    ASSERT_TRUE(open({.requiresName = false, .requiresEmail = false}));
+    picker->pick(textFile("notes", 10));
+    type("CRVmessageBodyField", "From the first form");
+
+    auto configuration = std::make_shared<RequestUiConfiguration>();
+    const auto second = CreateRequestController::make(false, false, false, "", true, 1000,
+                                                      mirrowset::Configurations({configuration}));
+    ASSERT_TRUE(second);
+    navigation->pushViewController(second, false);
+    relayout();
+    uikit::typeText(*second->descriptionTextview()->input(), "From the second form");
+    second->send();
+    ASSERT_TRUE(settled([&] { return second->state().sending == Sending::sent; }));
+    navigation->popViewController(false);
+    relayout();
+    EXPECT_EQ(attachmentIds(), std::vector<std::string>{"notes-id"}) << "the covered form keeps its file";
+
+    tapSend();
+    ASSERT_TRUE(settled([&] { return form->state().sending == Sending::sent; }));
+    const auto requests = host.tickets().requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[1].requestDescription, "From the first form");
+    ASSERT_EQ(host.tickets().comments(requests[0].requestId).size(), 1u);
+    const auto comments = host.tickets().comments(requests[1].requestId);
+    ASSERT_EQ(comments.size(), 1u);
+    ASSERT_EQ(comments[0].attachments.size(), 1u);
+    EXPECT_EQ(comments[0].attachments[0].filename, "notes.txt");
+}
+
 TEST_F(CreateRequestScreenTest, ANewFormStartsAfreshAfterAFinishedOneAndMakesANewTicket) {
     ASSERT_TRUE(open({.requiresName = false, .requiresEmail = false}));
     type("CRVmessageBodyField", "First request");

@@ -3,6 +3,7 @@
 #include "belvakit/Request/conversation/actions.hpp"
 #include "belvakit/Request/conversation/input_field_actions.hpp"
 #include "belvakit/Request/conversation/input_field_state.hpp"
+#include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
 #include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
@@ -124,6 +125,8 @@ std::shared_ptr<CreateRequestController> CreateRequestController::make(
                                                           std::move(progressBar));
     form->buildForm(requiresName, requiresEmail);
     form->subscribe();
+    form->configuration_ = *configuration;
+    form->claiming_ = true;
 
     const auto& store = sharedStore();
     CreateRequestActions::InitializeCreateRequest initialize;
@@ -139,6 +142,8 @@ std::shared_ptr<CreateRequestController> CreateRequestController::make(
     RequestQueueActions::SetConfig config;
     config.config = *configuration;
     store->dispatch(config);
+    form->claiming_ = false;
+    form->ownsSlices_ = true;
     return form;
 }
 
@@ -258,12 +263,16 @@ void CreateRequestController::subscribe() {
     const auto& store = sharedStore();
     const std::weak_ptr<CreateRequestController> weakSelf = self();
     store->addListener<InputFieldState>([weakSelf](const InputFieldState& state) {
-        if (auto form = weakSelf.lock()) form->setAttachments(state.attachments());
+        // Another screen's input is not this form's: its files stay as they are meanwhile.
+        if (auto form = weakSelf.lock(); form && (form->ownsSlices_ || form->claiming_))
+            form->setAttachments(state.attachments());
     }).linkLifeCycleTo(*this);
     store->addActionListener([weakSelf](const tivra::Action& action) {
         auto form = weakSelf.lock();
         if (!form) return;
         form->actionHeard(action);
+        if (tivra::actionAs<Actions::InitializeRequestControllerState>(action) && !form->claiming_)
+            form->ownsSlices_ = false;  // another screen begins its conversation in the shared slices
         if (const auto* removed = tivra::actionAs<Actions::AttachmentRemoved>(action)) {
             if (form->imageRemoved) form->imageRemoved(removed->identifier);
         } else if (tivra::actionAs<Actions::BecomeFirstResponder>(action)) {
@@ -284,6 +293,34 @@ void CreateRequestController::actionHeard(const tivra::Action& action) {
     if (tivra::actionAs<CreateRequestActions::ReferOpen>(action)) return;  // the store's reducer opens the link
     static const CreateRequestReducer reducer;
     if (auto next = reducer.reduce(state_, action)) stateChanged(*next);
+}
+
+// What the user does on a form whose shared slices another screen took meanwhile takes them back,
+// as a new form does: the conversation and input start afresh, with this form's files, and the
+// queue forgets the other screen's ticket, so the form's send makes a ticket of its own.
+void CreateRequestController::claimSharedSlices() {
+    if (ownsSlices_ || !configuration_) return;
+    const auto attachments = attachmentCollectionView_->state().attachments;
+    const auto& store = sharedStore();
+    claiming_ = true;
+    store->dispatch(Actions::InitializeRequestControllerState{});
+    // The account's limit, which the fresh slice lacks, checks the files going back in.
+    if (const auto* table = store->state().valueOfType<RequestTableState>()) {
+        RequestTableState limited = *table;
+        limited.maxAttachmentSize = maxAttachmentSize_;
+        store->reset(std::move(limited));
+    }
+    for (const auto& attachment : attachments) {
+        Actions::AttachmentAdded added;
+        added.viewModel = std::const_pointer_cast<InputAttachmentViewState>(attachment);
+        store->dispatch(added);
+    }
+    store->dispatch(RequestQueueActions::ResetQueue{});
+    RequestQueueActions::SetConfig config;
+    config.config = *configuration_;
+    store->dispatch(config);
+    claiming_ = false;
+    ownsSlices_ = true;
 }
 
 void CreateRequestController::preAttach(const RequestUiConfiguration& configuration) {
@@ -419,6 +456,7 @@ void CreateRequestController::send() {
 }
 
 void CreateRequestController::dispatchSend() {
+    claimSharedSlices();
     CreateRequestActions::SendPressed action;
     action.formId = formId_;
     action.id = platform::uuidString();
@@ -456,6 +494,7 @@ void CreateRequestController::corvaneButtonPressed() { sharedStore()->dispatch(C
 
 void CreateRequestController::attachmentAdded(InputAttachmentViewStatePtr attachment) {
     if (!attachment) return;
+    claimSharedSlices();
     // The store's middleware refuses one over the account's limit, and says so.
     Actions::AttachmentAdded added;
     added.viewModel = attachment;
@@ -471,6 +510,7 @@ void CreateRequestController::attachmentAdded(InputAttachmentViewStatePtr attach
 }
 
 void CreateRequestController::attachmentRemoved(const std::string& identifier) {
+    claimSharedSlices();
     Actions::AttachmentRemoved removed;
     removed.identifier = identifier;
     sharedStore()->dispatch(removed);

@@ -125,6 +125,7 @@ private:
     void buildForm(bool requiresName, bool requiresEmail);
     void subscribe();
     void actionHeard(const tivra::Action& action);
+    void claimSharedSlices();
     void preAttach(const RequestUiConfiguration& configuration);
     void dispatchSend();
     void stateChanged(const CreateRequestState& next);
@@ -145,6 +146,11 @@ private:
     std::shared_ptr<CreateRequestController> self();
 
     const std::uint64_t formId_;
+    std::optional<RequestUiConfiguration> configuration_;
+    // The conversation and input slices and the send queue are this form's: no screen began
+    // another conversation in them since the form last took them.
+    bool ownsSlices_ = false;
+    bool claiming_ = false;
     CreateRequestState state_;
     bool attachmentsEnabled_;
     std::int64_t maxAttachmentSize_;
