@@ -495,6 +495,28 @@ TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesT
     EXPECT_EQ(screen->requestId(), created);
 }
 
+// As above, but the next message goes before the help desk has answered, while the screen's saved
+// copy is still being read: it waits for the ticket being created instead of making a second one.
+TEST_F(ConversationScreenTest, ANewTicketShownAgainBeforeItsCreationAnswersTakesTheNextMessageAsAComment) {
+    const auto other = ticketWithHistory(1);
+    open(std::nullopt);
+    host->tickets().setLatency(platform::milliseconds(500));
+    typeAndSend("The very first words");
+    auto covering = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    covering->loadViewIfNeeded();
+    covering.reset();
+    ASSERT_FALSE(screen->requestId().has_value()) << "the creation has not answered yet";
+
+    typeAndSend("And what followed at once");
+    ASSERT_TRUE(settled([&] { return statusOf("And what followed at once") == DeliveryStatus::lastDelivered; }));
+    ASSERT_EQ(host->tickets().requests().size(), 2u) << "no third ticket";
+    const auto created = host->tickets().requests().back().requestId;
+    const auto comments = host->tickets().comments(created);
+    ASSERT_EQ(comments.size(), 2u);
+    EXPECT_EQ(comments[0].body, "The very first words");
+    EXPECT_EQ(comments[1].body, "And what followed at once");
+}
+
 TEST_F(ConversationScreenTest, ATicketOpenedByItsDeviceIdAfterItsRetryMadeItTalksToTheHelpDesksTicket) {
     open(std::nullopt);
     host->tickets().setOffline(true);

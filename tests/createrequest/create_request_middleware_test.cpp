@@ -6,6 +6,7 @@
 #include "belvakit/Request/createrequest/create_request_state.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "belvakit/entry/shared_store.hpp"
+#include "platform/uuid.hpp"
 #include "tivra/state_key.hpp"
 
 #include <gtest/gtest.h>
@@ -32,6 +33,7 @@ CreateRequestActions::SendPressed send(std::string name, std::string email, std:
     action.email = std::move(email);
     action.description = std::move(description);
     action.attachments = std::move(attachments);
+    action.id = platform::uuidString();
     return action;
 }
 

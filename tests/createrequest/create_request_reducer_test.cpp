@@ -60,6 +60,8 @@ TEST(CreateRequestState, EqualityIgnoresReferrerUrlAndPrimaryColourOnly) {
         [](CreateRequestState& s) { s.hasEdits = true; },
         [](CreateRequestState& s) { s.sending = Sending::failure; },
         [](CreateRequestState& s) { s.attachmentButtonState = AttachmentButtonState::selected; },
+        [](CreateRequestState& s) { s.formId = 2; },
+        [](CreateRequestState& s) { s.sendId = "m1"; },
     };
     for (std::size_t i = 0; i < changes.size(); ++i) {
         CreateRequestState changed = base;
@@ -71,28 +73,88 @@ TEST(CreateRequestState, EqualityIgnoresReferrerUrlAndPrimaryColourOnly) {
 TEST(CreateRequestReducer, SendingFollowsTheTransitionTable) {
     const CreateRequestReducer reducer;
     const RequestQueueActions::QueueCompleted queueCompleted;
-    const Actions::TicketCreated created;
-    const Actions::TicketCreationError creationError;
+    CreateRequestActions::SendPressed send;
+    send.formId = 7;
+    send.id = "m1";
     for (Sending from : {Sending::unsent, Sending::sending, Sending::sent, Sending::success, Sending::failure}) {
         SCOPED_TRACE(static_cast<int>(from));
         const auto button = from == Sending::sent ? AttachmentButtonState::selected : AttachmentButtonState::hidden;
         auto state = stateWith(from, button);
+        state.formId = 7;
         state.hasEdits = true;
-        const auto sending = reducer.reduce(state, CreateRequestActions::SendPressed());
+        const auto sending = reducer.reduce(state, send);
         EXPECT_EQ(sending->sending, Sending::sending);
+        EXPECT_EQ(sending->sendId, "m1");
         EXPECT_EQ(sending->attachmentButtonState, AttachmentButtonState::normal);
         EXPECT_TRUE(sending->hasEdits);
-        EXPECT_EQ(reducer.reduce(state, created)->sending, Sending::success);
-        EXPECT_EQ(reducer.reduce(state, creationError)->sending, Sending::failure);
         EXPECT_EQ(reducer.reduce(state, initialize(true, true, true, "x"))->sending, Sending::unsent);
         const auto completed = reducer.reduce(state, queueCompleted);
-        if (from == Sending::failure) {
-            EXPECT_FALSE(completed);  // the failure stays on screen
+        if (from == Sending::failure || from == Sending::sending) {
+            EXPECT_FALSE(completed);  // a failure stays on screen; a send waits for its own outcome
         } else {
             ASSERT_TRUE(completed);
             EXPECT_EQ(completed->sending, Sending::sent);
         }
     }
+}
+
+// Two forms may be open at once: each moves only on its own send, and only on that send's outcome,
+// however it comes back.
+TEST(CreateRequestReducer, AFormMovesOnlyOnItsOwnSendAndThatSendsOutcome) {
+    const CreateRequestReducer reducer;
+    auto form = stateWith(Sending::unsent);
+    form.formId = 1;
+    CreateRequestActions::SendPressed other;
+    other.formId = 2;
+    other.id = "theirs";
+    EXPECT_FALSE(reducer.reduce(form, other)) << "another form's send";
+    CreateRequestActions::SendPressed own;
+    own.formId = 1;
+    own.id = "mine";
+    const auto sending = *reducer.reduce(form, own);
+
+    const auto after = [&](const tivra::Action& outcome) { return reducer.reduce(sending, outcome).value_or(sending).sending; };
+    const auto created = [](std::string id) {
+        Actions::TicketCreated action;
+        action.localId = std::move(id);
+        return action;
+    };
+    const auto creationFailed = [](std::string id) {
+        Actions::TicketCreationError action;
+        action.id = std::move(id);
+        return action;
+    };
+    const auto uploadFailed = [](std::string id) {
+        Actions::AttachmentsUploadError action;
+        action.id = std::move(id);
+        return action;
+    };
+    const auto kept = [](std::string id, bool delivered) {
+        RequestQueueActions::SendOutcomeKept action;
+        action.id = std::move(id);
+        action.delivered = delivered;
+        return action;
+    };
+    for (const auto& id : {"theirs", ""}) {
+        SCOPED_TRACE(std::string("outcome of '") + id + "'");
+        EXPECT_EQ(after(created(id)), Sending::sending);
+        EXPECT_EQ(after(creationFailed(id)), Sending::sending);
+        EXPECT_EQ(after(uploadFailed(id)), Sending::sending);
+        EXPECT_EQ(after(kept(id, true)), Sending::sending);
+    }
+    EXPECT_EQ(after(created("mine")), Sending::success);
+    EXPECT_EQ(after(creationFailed("mine")), Sending::failure);
+    EXPECT_EQ(after(uploadFailed("mine")), Sending::failure);
+    EXPECT_EQ(after(kept("mine", true)), Sending::success);
+    EXPECT_EQ(after(kept("mine", false)), Sending::failure);
+    // An outcome that comes when the form no longer waits changes nothing.
+    EXPECT_FALSE(reducer.reduce(*reducer.reduce(sending, created("mine")), creationFailed("mine")));
+    EXPECT_FALSE(reducer.reduce(form, created("mine")));
+
+    CreateRequestActions::Edited theirEdit;
+    theirEdit.formId = 2;
+    theirEdit.hasEdits = true;
+    EXPECT_FALSE(reducer.reduce(form, theirEdit));
 }
 
 TEST(CreateRequestReducer, InitializeStartsAfreshFromTheReducersInitialState) {

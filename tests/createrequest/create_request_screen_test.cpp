@@ -323,7 +323,7 @@ TEST_F(CreateRequestScreenTest, AFailedSendShowsTheErrorKeepsEverythingAndTheRet
     // Files that will not upload fail the send the same way, instead of leaving the shield up.
     host.helpDesk->attachments()->setFailUploads(true);
     tapSend();
-    ASSERT_TRUE(settled([&] { return form->state().sending == Sending::sent; }));
+    ASSERT_TRUE(settled([&] { return form->state().sending == Sending::failure; }));
     EXPECT_EQ(status(), localized(LocalizedKey::requestsCreateRequestErrorRequest));
     EXPECT_FALSE(shown("CRVloadingView"));
     EXPECT_TRUE(sendEnabled());
@@ -592,6 +592,81 @@ TEST_F(CreateRequestScreenTest, WithoutARequestConfigurationThereIsNoForm) {
     const auto debug = log.messages(platform::LogLevel::debug);
     EXPECT_NE(std::find(debug.begin(), debug.end(), "No configuration found, please use RequestUi to present"),
               debug.end());
+}
+
+// A second form opened while the first still sends, pushed over it: the first keeps its send and
+// hears its outcome, though the second took the store's slice and the queue moved on; the second
+// starts unsent, takes nothing of the first's outcome, and its own failure is its alone.
+TEST_F(CreateRequestScreenTest, TwoFormsOpenAtOnceEachFollowOnlyTheSendItStarted) {
+    host.tickets().setLatency(platform::milliseconds(400));
+    ASSERT_TRUE(open({.requiresName = false, .requiresEmail = false}));
+    const auto first = form;
+    type("CRVmessageBodyField", "From the first form");
+    tapSend();
+    ASSERT_EQ(first->state().sending, Sending::sending);
+
+    auto configuration = std::make_shared<RequestUiConfiguration>();
+    const auto second = CreateRequestController::make(false, false, false, "", true, 1000,
+                                                      mirrowset::Configurations({configuration}));
+    ASSERT_TRUE(second);
+    navigation->pushViewController(second, false);
+    relayout();
+    EXPECT_EQ(second->state().sending, Sending::unsent);
+    EXPECT_EQ(first->state().sending, Sending::sending) << "the second form's start is not the first's";
+    EXPECT_TRUE(first->state().hasEdits);
+
+    const auto delivered = [](const std::shared_ptr<CreateRequestController>& screen) {
+        return screen->state().sending == Sending::success || screen->state().sending == Sending::sent;
+    };
+    ASSERT_TRUE(settled([&] { return delivered(first); }));
+    EXPECT_NE(second->state().sending, Sending::success) << "the first form's outcome is not the second's";
+    EXPECT_FALSE(shown("CRVloadingView"));
+    ASSERT_EQ(host.tickets().requests().size(), 1u);
+
+    uikit::typeText(*second->descriptionTextview()->input(), "From the second form");
+    host.tickets().failNext(1);
+    second->send();
+    EXPECT_EQ(second->state().sending, Sending::sending);
+    ASSERT_TRUE(settled([&] { return second->state().sending == Sending::failure; }));
+    EXPECT_TRUE(delivered(first)) << "the second form's failure is not the first's";
+    second->send();
+    ASSERT_TRUE(settled([&] { return second->state().sending == Sending::sent; }));
+    const auto requests = host.tickets().requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].requestDescription, "From the first form");
+    EXPECT_EQ(requests[1].requestDescription, "From the second form");
+}
+
+// A form covered by another that sent and went: shown again, it makes a ticket of its own with its
+// own file, instead of a comment on the ticket the other form made.
+TEST_F(CreateRequestScreenTest, AFormShownAgainAfterAnotherFormsTicketMakesItsOwnWithItsFiles) {
+    ASSERT_TRUE(open({.requiresName = false, .requiresEmail = false}));
+    picker->pick(textFile("notes", 10));
+    type("CRVmessageBodyField", "From the first form");
+
+    auto configuration = std::make_shared<RequestUiConfiguration>();
+    const auto second = CreateRequestController::make(false, false, false, "", true, 1000,
+                                                      mirrowset::Configurations({configuration}));
+    ASSERT_TRUE(second);
+    navigation->pushViewController(second, false);
+    relayout();
+    uikit::typeText(*second->descriptionTextview()->input(), "From the second form");
+    second->send();
+    ASSERT_TRUE(settled([&] { return second->state().sending == Sending::sent; }));
+    navigation->popViewController(false);
+    relayout();
+    EXPECT_EQ(attachmentIds(), std::vector<std::string>{"notes-id"}) << "the covered form keeps its file";
+
+    tapSend();
+    ASSERT_TRUE(settled([&] { return form->state().sending == Sending::sent; }));
+    const auto requests = host.tickets().requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[1].requestDescription, "From the first form");
+    ASSERT_EQ(host.tickets().comments(requests[0].requestId).size(), 1u);
+    const auto comments = host.tickets().comments(requests[1].requestId);
+    ASSERT_EQ(comments.size(), 1u);
+    ASSERT_EQ(comments[0].attachments.size(), 1u);
+    EXPECT_EQ(comments[0].attachments[0].filename, "notes.txt");
 }
 
 TEST_F(CreateRequestScreenTest, ANewFormStartsAfreshAfterAFinishedOneAndMakesANewTicket) {

@@ -13,10 +13,8 @@
 
 namespace {
 
-// Few enough events to stay well inside the suite's time under the sanitizers. Seed 2 is left out
-// while the fault it finds is open: a new-request form sent again after failed calls reaches the
-// help desk twice, on two tickets (replay: --seed 2 --events 400).
-constexpr std::uint64_t fixedSeeds[] = {1, 3, 4, 5, 6, 7, 8, 9};
+// Few enough events to stay well inside the suite's time under the sanitizers.
+constexpr std::uint64_t fixedSeeds[] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
 constexpr int fixedEvents = 400;
 
 TEST(Monkey, FixedSeedsKeepEverySendDeliveredOnceOrFailedWithARetry) {

@@ -74,13 +74,15 @@ public:
     }
 
     // A text, with a file when asked, as the input field sends it; its id.
-    std::string send(const std::string& body, bool withFile = false) {
+    std::string send(const std::string& body, bool withFile = false,
+                     std::optional<std::string> conversation = std::nullopt) {
         const UserMessage text = makeUserMessage(body);
         Actions::NewMessages messages;
         messages.messages.emplace_back(text);
         RequestQueueActions::DispatchDetails details;
         details.id = text.id;
         details.body = body;
+        details.conversation = std::move(conversation);
         if (withFile) {
             UserFile file;
             file.id = platform::uuidString();
@@ -371,6 +373,80 @@ TEST_P(QueueConversationsTest, ANewTicketLeftTwiceBeforeItsAnswersKeepsEveryFail
     }
     const LocalIDStore ids;
     EXPECT_EQ(std::ranges::count(ids.localIdList, first), 1) << "the failed ticket is listed";
+}
+
+// The same, with the next message sent before the answer: it waits behind the creation and becomes
+// its first comment. The screen may know its conversation by the table's id, or, while its saved
+// copy is still being read, only by naming it in the send.
+TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationTakesAMessageSentBeforeTheAnswer) {
+    auto& desk = host_.tickets();
+    for (const bool namedByTable : {true, false}) {
+        SCOPED_TRACE(namedByTable ? "named by the table" : "named by the send");
+        const auto other = ticket("Other ticket");
+        const auto ticketsBefore = desk.requests().size();
+        Screen screen;
+        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+        desk.setLatency(platform::milliseconds(300));
+        const auto first = screen.send("Opening words");
+        screen.open("L2", other);
+
+        sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+        if (namedByTable) {
+            Actions::MessagesLoadedFromDisk key;
+            key.localId = first;
+            sharedStore()->dispatch(key);
+        }
+        const auto next = screen.send("Before the answer", false, namedByTable ? std::nullopt : std::optional(first));
+        ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+
+        const auto requests = desk.requests();
+        ASSERT_EQ(requests.size(), ticketsBefore + 1) << "one ticket for the new conversation";
+        EXPECT_EQ(userBodies(desk, requests.back().requestId), (std::vector<std::string>{"Opening words", "Before the answer"}));
+        const auto shown = Screen::shown();
+        const auto* sent = find(shown.tableData, next);
+        ASSERT_NE(sent, nullptr);
+        EXPECT_TRUE(delivered(*sent));
+        desk.setLatency(platform::Duration::zero());
+        sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+    }
+}
+
+// A send announced while one conversation shows, whose details come only after another was opened
+// (its files took a while): it makes its own ticket rather than joining the one now shown, and its
+// outcome, kept away from the shown table, is told to whoever waits on it.
+TEST_P(QueueConversationsTest, ASendPreparedWhileAnotherConversationOpensStaysWithItsOwn) {
+    auto& desk = host_.tickets();
+    const auto other = ticket("Other ticket");
+    std::vector<RequestQueueActions::SendOutcomeKept> told;
+    int createdInStore = 0;
+    auto listener = sharedStore()->addActionListener([&](const tivra::Action& action) {
+        if (const auto* kept = tivra::actionAs<RequestQueueActions::SendOutcomeKept>(action)) told.push_back(*kept);
+        if (tivra::actionAs<Actions::TicketCreated>(action)) ++createdInStore;
+    });
+    Screen screen;
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    RequestQueueActions::SendComing coming;
+    coming.id = "prepared";
+    sharedStore()->dispatch(coming);
+    screen.open("L2", other);
+    RequestQueueActions::DispatchDetails details;
+    details.id = "prepared";
+    details.body = "Prepared late";
+    sharedStore()->dispatch(details);
+    ASSERT_TRUE(settle(time_, [&] { return told.size() == 1; }));
+    screen.send("On the other ticket");
+    ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+    listener.removeListener();
+
+    const auto requests = desk.requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(userBodies(desk, requests.back().requestId), std::vector<std::string>{"Prepared late"});
+    EXPECT_EQ(userBodies(desk, other), (std::vector<std::string>{"Other ticket", "On the other ticket"}));
+    EXPECT_EQ(told[0].id, "prepared");
+    EXPECT_TRUE(told[0].delivered);
+    EXPECT_EQ(createdInStore, 0) << "the shown table never hears of the other ticket";
+    EXPECT_EQ(Screen::shown().remoteId, other);
 }
 
 // Random sends and moves between three tickets, under failures, latencies that let answers

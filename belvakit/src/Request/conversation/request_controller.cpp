@@ -540,6 +540,7 @@ void RequestController::sendButtonTapped(const std::string& text,
     RequestQueueActions::DispatchDetails details;
     details.id = message.id;
     details.body = text;
+    details.conversation = conversationId();
     for (const auto& attachment : attachments) {
         const auto* attachable = dynamic_cast<const Attachable*>(attachment.get());
         auto upload = attachable ? attachable->attachment() : std::nullopt;
@@ -628,6 +629,12 @@ void RequestController::deleteMessages(const std::vector<Message>& messages) {
     }
 }
 
+std::optional<std::string> RequestController::conversationId() const {
+    // Shown again, the screen knows its conversation before the saved copy names the table.
+    if (const auto* table = tableState(); table && table->localId) return table->localId;
+    return conversationKey_ ? conversationKey_ : requestId_;
+}
+
 void RequestController::retry(const std::vector<Message>& messages) {
     Actions::MoveMessagesToBottom moved;
     moved.messages = messages;
@@ -635,6 +642,7 @@ void RequestController::retry(const std::vector<Message>& messages) {
     progressBar_->stateMachine()->begin(sharedProgressSteps());
 
     RequestQueueActions::DispatchDetails details;
+    details.conversation = conversationId();
     std::vector<Message> files;
     for (const auto& message : messages) {
         if (const auto* text = std::get_if<UserMessage>(&message)) {

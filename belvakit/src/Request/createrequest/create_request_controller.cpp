@@ -3,7 +3,9 @@
 #include "belvakit/Request/conversation/actions.hpp"
 #include "belvakit/Request/conversation/input_field_actions.hpp"
 #include "belvakit/Request/conversation/input_field_state.hpp"
+#include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/Request/createrequest/create_request_actions.hpp"
+#include "belvakit/Request/createrequest/create_request_reducer.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/entry/shared_store.hpp"
@@ -13,10 +15,12 @@
 #include "corvane/core_logger.hpp"
 #include "platform/main_queue.hpp"
 #include "platform/trimming.hpp"
+#include "platform/uuid.hpp"
 #include "uikit/animation.hpp"
 #include "uikit/window.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 namespace belvakit {
@@ -102,6 +106,11 @@ std::string trimmed(const std::optional<std::string>& text) {
     return text ? platform::trimmingWhitespaceAndNewlines(*text) : std::string();
 }
 
+std::uint64_t newFormId() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
 } // namespace
 
 std::shared_ptr<CreateRequestController> CreateRequestController::make(
@@ -116,6 +125,8 @@ std::shared_ptr<CreateRequestController> CreateRequestController::make(
                                                           std::move(progressBar));
     form->buildForm(requiresName, requiresEmail);
     form->subscribe();
+    form->configuration_ = *configuration;
+    form->claiming_ = true;
 
     const auto& store = sharedStore();
     CreateRequestActions::InitializeCreateRequest initialize;
@@ -123,6 +134,7 @@ std::shared_ptr<CreateRequestController> CreateRequestController::make(
     initialize.requiresName = requiresName;
     initialize.showCorvnaeLogo = showReferrerLogo;
     initialize.referrerUrl = std::move(referrerUrl);
+    initialize.formId = form->formId_;
     store->dispatch(initialize);
     store->dispatch(Actions::InitializeRequestControllerState{});
     form->preAttach(*configuration);
@@ -130,12 +142,14 @@ std::shared_ptr<CreateRequestController> CreateRequestController::make(
     RequestQueueActions::SetConfig config;
     config.config = *configuration;
     store->dispatch(config);
+    form->claiming_ = false;
+    form->ownsSlices_ = true;
     return form;
 }
 
 CreateRequestController::CreateRequestController(Tag, bool attachmentsEnabled, std::int64_t maxAttachmentSize,
                                                  std::shared_ptr<ProgressBar> progressBar)
-    : state_(initialCreateRequestState()), attachmentsEnabled_(attachmentsEnabled),
+    : formId_(newFormId()), state_(initialCreateRequestState()), attachmentsEnabled_(attachmentsEnabled),
       maxAttachmentSize_(maxAttachmentSize), progressBar_(std::move(progressBar)) {
     if (!progressBar_) {
         progressBar_ = ProgressBar::make();
@@ -155,6 +169,7 @@ std::shared_ptr<uikit::View> CreateRequestController::logoView() const { return 
 void CreateRequestController::buildForm(bool requiresName, bool requiresEmail) {
     const auto theme = CRVLegacyTheme::currentAppliedTheme();
     inputFieldValidator_ = CreateRequestInputFieldsValidator::make();
+    inputFieldValidator_->formId = formId_;
     inputFieldValidator_->setDelegate(std::static_pointer_cast<CreateRequestInputFieldsValidatorDelegate>(self()));
     // The views may outlive the form (a parent holds them while it leaves): they hold it weakly.
     const std::weak_ptr<CreateRequestController> weak = self();
@@ -247,15 +262,17 @@ void CreateRequestController::buildForm(bool requiresName, bool requiresEmail) {
 void CreateRequestController::subscribe() {
     const auto& store = sharedStore();
     const std::weak_ptr<CreateRequestController> weakSelf = self();
-    store->addListener<CreateRequestState>([weakSelf](const CreateRequestState& state) {
-        if (auto form = weakSelf.lock()) form->stateChanged(state);
-    }).linkLifeCycleTo(*this);
     store->addListener<InputFieldState>([weakSelf](const InputFieldState& state) {
-        if (auto form = weakSelf.lock()) form->setAttachments(state.attachments());
+        // Another screen's input is not this form's: its files stay as they are meanwhile.
+        if (auto form = weakSelf.lock(); form && (form->ownsSlices_ || form->claiming_))
+            form->setAttachments(state.attachments());
     }).linkLifeCycleTo(*this);
     store->addActionListener([weakSelf](const tivra::Action& action) {
         auto form = weakSelf.lock();
         if (!form) return;
+        form->actionHeard(action);
+        if (tivra::actionAs<Actions::InitializeRequestControllerState>(action) && !form->claiming_)
+            form->ownsSlices_ = false;  // another screen begins its conversation in the shared slices
         if (const auto* removed = tivra::actionAs<Actions::AttachmentRemoved>(action)) {
             if (form->imageRemoved) form->imageRemoved(removed->identifier);
         } else if (tivra::actionAs<Actions::BecomeFirstResponder>(action)) {
@@ -264,6 +281,46 @@ void CreateRequestController::subscribe() {
             form->showTooBig();
         }
     }).linkLifeCycleTo(*this);
+}
+
+void CreateRequestController::actionHeard(const tivra::Action& action) {
+    // The store's slice describes the form opened last, and so does not serve a form opened
+    // before it that still waits on its send: each form reduces its own copy, from its own
+    // beginning, sends and edits, and the outcome of its own send.
+    if (const auto* initialize = tivra::actionAs<CreateRequestActions::InitializeCreateRequest>(action);
+        initialize && initialize->formId != formId_)
+        return;
+    if (tivra::actionAs<CreateRequestActions::ReferOpen>(action)) return;  // the store's reducer opens the link
+    static const CreateRequestReducer reducer;
+    if (auto next = reducer.reduce(state_, action)) stateChanged(*next);
+}
+
+// What the user does on a form whose shared slices another screen took meanwhile takes them back,
+// as a new form does: the conversation and input start afresh, with this form's files, and the
+// queue forgets the other screen's ticket, so the form's send makes a ticket of its own.
+void CreateRequestController::claimSharedSlices() {
+    if (ownsSlices_ || !configuration_) return;
+    const auto attachments = attachmentCollectionView_->state().attachments;
+    const auto& store = sharedStore();
+    claiming_ = true;
+    store->dispatch(Actions::InitializeRequestControllerState{});
+    // The account's limit, which the fresh slice lacks, checks the files going back in.
+    if (const auto* table = store->state().valueOfType<RequestTableState>()) {
+        RequestTableState limited = *table;
+        limited.maxAttachmentSize = maxAttachmentSize_;
+        store->reset(std::move(limited));
+    }
+    for (const auto& attachment : attachments) {
+        Actions::AttachmentAdded added;
+        added.viewModel = std::const_pointer_cast<InputAttachmentViewState>(attachment);
+        store->dispatch(added);
+    }
+    store->dispatch(RequestQueueActions::ResetQueue{});
+    RequestQueueActions::SetConfig config;
+    config.config = *configuration_;
+    store->dispatch(config);
+    claiming_ = false;
+    ownsSlices_ = true;
 }
 
 void CreateRequestController::preAttach(const RequestUiConfiguration& configuration) {
@@ -399,7 +456,10 @@ void CreateRequestController::send() {
 }
 
 void CreateRequestController::dispatchSend() {
+    claimSharedSlices();
     CreateRequestActions::SendPressed action;
+    action.formId = formId_;
+    action.id = platform::uuidString();
     action.description = trimmed(descriptionTextview_->textView()->text());
     action.email = emailField_ ? trimmed(emailField_->field()->text()) : std::string();
     action.name = nameField_ ? nameField_->field()->text().value_or("") : std::string();
@@ -434,6 +494,7 @@ void CreateRequestController::corvaneButtonPressed() { sharedStore()->dispatch(C
 
 void CreateRequestController::attachmentAdded(InputAttachmentViewStatePtr attachment) {
     if (!attachment) return;
+    claimSharedSlices();
     // The store's middleware refuses one over the account's limit, and says so.
     Actions::AttachmentAdded added;
     added.viewModel = attachment;
@@ -444,10 +505,12 @@ void CreateRequestController::attachmentAdded(InputAttachmentViewStatePtr attach
         return;
     CreateRequestActions::Edited edited;
     edited.hasEdits = true;
+    edited.formId = formId_;
     store->dispatch(edited);
 }
 
 void CreateRequestController::attachmentRemoved(const std::string& identifier) {
+    claimSharedSlices();
     Actions::AttachmentRemoved removed;
     removed.identifier = identifier;
     sharedStore()->dispatch(removed);
@@ -509,24 +572,12 @@ void CreateRequestController::stateChanged(const CreateRequestState& next) {
 // happens on entering the row: typing on a form that stays in one state keeps its keyboard.
 void CreateRequestController::redraw(std::optional<Sending> enteredFrom) {
     const bool entered = enteredFrom.has_value();
-    Sending row = state_.sending;
-    if (row == Sending::sent && entered) {
-        // A queue that drains without creating the ticket (its files did not upload) failed it.
-        ticketMissing_ = awaitingTicket_;
-        awaitingTicket_ = false;
-    }
-    if (row == Sending::sent && ticketMissing_) row = Sending::failure;
-    switch (row) {
+    switch (state_.sending) {
     case Sending::unsent:
-        if (entered) awaitingTicket_ = ticketMissing_ = false;
         hideStatus();
         updateAttachButton();
         break;
     case Sending::sending:
-        if (entered) {
-            awaitingTicket_ = true;
-            ticketMissing_ = false;
-        }
         showStatus(localized(LocalizedKey::requestsCreateRequestSending), sendingColor);
         showLoading(true);
         if (entered) {
@@ -542,7 +593,6 @@ void CreateRequestController::redraw(std::optional<Sending> enteredFrom) {
         updateAttachButton();
         break;
     case Sending::success:
-        awaitingTicket_ = false;
         hideStatus();
         progressBar_->stateMachine()->queueCompleted();
         if (entered) {
@@ -555,7 +605,6 @@ void CreateRequestController::redraw(std::optional<Sending> enteredFrom) {
         }
         break;
     case Sending::failure:
-        awaitingTicket_ = false;
         showStatus(localized(LocalizedKey::requestsCreateRequestErrorRequest), failureColor);
         showLoading(false);
         // On the way in the form is as it was sent; after that its fields decide.

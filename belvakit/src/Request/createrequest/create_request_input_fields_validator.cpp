@@ -100,6 +100,7 @@ void CreateRequestInputFieldsValidator::report(bool emailValid) const {
 void CreateRequestInputFieldsValidator::updateEdits() const {
     const auto all = views();
     CreateRequestActions::Edited action;
+    action.formId = formId;
     action.hasEdits = std::any_of(all.begin(), all.end(), [](const auto& view) {
         return !platform::trimmingWhitespaceAndNewlines(view->text().value_or("")).empty();
     });

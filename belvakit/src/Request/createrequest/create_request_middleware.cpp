@@ -37,11 +37,20 @@ void CreateRequestMiddleware::onAction(const tivra::Action& action, const tivra:
         return;
     }
 
-    updateIdentityFromForm(corvane::Corvane::instance(), askedFor(form->requiresName, send->name),
-                           askedFor(form->requiresEmail, send->email));
+    // The slice may be another form's, opened over this one: the sender's fields are then all it
+    // asked for, since a form sends no text for a field it does not show.
+    const bool ownSlice = form->formId == send->formId;
+    updateIdentityFromForm(corvane::Corvane::instance(), askedFor(!ownSlice || form->requiresName, send->name),
+                           askedFor(!ownSlice || form->requiresEmail, send->email));
 
     const std::vector<InputAttachmentViewStatePtr> attachments(send->attachments.begin(), send->attachments.end());
-    const UserMessage text = makeUserMessage(send->description);
+    // The form waits for the outcome of the message with its send's id.
+    const UserMessage text =
+        makeUserMessage(send->description, send->id.empty() ? std::nullopt : std::optional(send->id));
+    // The files take a while; a form opened meanwhile must not take this send for its own.
+    RequestQueueActions::SendComing coming;
+    coming.id = text.id;
+    dispatch(coming);
     prepareDispatchDetails(makeLocalMessages(text, attachments), attachments,
                            [dispatch](const RequestQueueActions::DispatchDetails& details) { dispatch(details); });
 

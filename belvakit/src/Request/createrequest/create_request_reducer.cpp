@@ -14,6 +14,21 @@ CreateRequestState withSending(CreateRequestState state, CreateRequestState::Sen
     return state;
 }
 
+// The send an outcome reports, and whether it went out.
+std::optional<std::pair<std::string, bool>> outcomeOf(const tivra::Action& action) {
+    using tivra::actionAs;
+    if (const auto* a = actionAs<Actions::TicketCreated>(action)) return std::pair(a->localId, true);
+    if (const auto* b = actionAs<Actions::TicketCreationError>(action)) return std::pair(b->id, false);
+    if (const auto* c = actionAs<Actions::AttachmentsUploadError>(action)) return std::pair(c->id, false);
+    if (const auto* d = actionAs<Actions::CommentCreated>(action)) return std::pair(d->localId, true);
+    if (const auto* e = actionAs<Actions::CommentCreationError>(action)) return std::pair(e->id, false);
+    if (const auto* f = actionAs<RequestQueueActions::SendOutcomeKept>(action)) return std::pair(f->id, f->delivered);
+    return std::nullopt;
+}
+
+// An action from a form concerns that form only; one that names none, whichever form the state is.
+bool concernsForm(std::uint64_t formId, const CreateRequestState& state) { return !formId || formId == state.formId; }
+
 CreateRequestState withAttachmentButton(CreateRequestState state, AttachmentButtonState buttonState) {
     state.attachmentButtonState = buttonState;
     return state;
@@ -35,23 +50,33 @@ std::optional<CreateRequestState> CreateRequestReducer::reduce(const CreateReque
         fresh.requiresName = initialize->requiresName;
         fresh.showCorvaneLogo = initialize->showCorvnaeLogo;
         fresh.referrerUrl = initialize->referrerUrl;
+        fresh.formId = initialize->formId;
         return fresh;
     }
-    if (actionAs<CreateRequestActions::SendPressed>(action))
-        return withAttachmentButton(withSending(state, Sending::sending), AttachmentButtonState::normal);
+    if (const auto* send = actionAs<CreateRequestActions::SendPressed>(action)) {
+        if (!concernsForm(send->formId, state)) return std::nullopt;
+        CreateRequestState next = withAttachmentButton(withSending(state, Sending::sending), AttachmentButtonState::normal);
+        next.sendId = send->id.empty() ? std::nullopt : std::optional(send->id);
+        return next;
+    }
     if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
-        // The queue drains after the creation result; a failure must stay on screen.
-        if (state.sending == Sending::failure) return std::nullopt;
+        // The queue drains after the send's outcome: a failure stays on screen, and a send whose
+        // outcome has not come yet (its work was still being prepared) waits for it.
+        if (state.sending == Sending::failure || state.sending == Sending::sending) return std::nullopt;
         return withSending(state, Sending::sent);
     }
-    if (actionAs<Actions::TicketCreated>(action)) return withSending(state, Sending::success);
-    if (actionAs<Actions::TicketCreationError>(action)) return withSending(state, Sending::failure);
+    if (const auto outcome = outcomeOf(action)) {
+        // Only the outcome of the send this form waits on: another form's, or another screen's, is not its own.
+        if (state.sending != Sending::sending || state.sendId != outcome->first) return std::nullopt;
+        return withSending(state, outcome->second ? Sending::success : Sending::failure);
+    }
     if (actionAs<CreateRequestActions::ReferOpen>(action)) {
         // Opened here rather than in a middleware: the form has no middleware step for the logo.
         if (auto url = platform::URL::parse(state.referrerUrl)) platform::URLOpener::shared()->open(*url);
         return std::nullopt;
     }
     if (const auto* edited = actionAs<CreateRequestActions::Edited>(action)) {
+        if (!concernsForm(edited->formId, state)) return std::nullopt;
         CreateRequestState next = state;
         next.hasEdits = edited->hasEdits;
         return next;

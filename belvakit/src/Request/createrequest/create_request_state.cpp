@@ -7,7 +7,7 @@ namespace belvakit {
 bool CreateRequestState::operator==(const CreateRequestState& other) const {
     return requiresName == other.requiresName && requiresEmail == other.requiresEmail &&
            sending == other.sending && hasEdits == other.hasEdits && showCorvaneLogo == other.showCorvaneLogo &&
-           attachmentButtonState == other.attachmentButtonState;
+           attachmentButtonState == other.attachmentButtonState && formId == other.formId && sendId == other.sendId;
 }
 
 const CreateRequestState& initialCreateRequestState() {

@@ -29,6 +29,9 @@ struct RequestQueueMiddleWare::Conversation {
     // writes back a copy that lacks another's messages.
     bool left = false;
     std::shared_ptr<RequestTableState> table;
+    // Shown again while an earlier visit's ticket was still being created: that visit, whose
+    // ticket this one's messages go to.
+    std::shared_ptr<Conversation> joins;
 };
 
 namespace {
@@ -45,6 +48,13 @@ std::optional<RequestTableState> shownTable(const tivra::GetState& getState) {
 // before the outcome, it is then known as the same conversation.
 void nameNewConversation(RequestTableState& table) {
     if (!table.localId && !table.remoteId && !table.tableData.empty()) table.localId = id(table.tableData.front());
+}
+
+// The id a conversation is kept under: a new one's is its first message's until the ticket names it.
+std::optional<std::string> keyOf(const RequestTableState& table) {
+    if (table.localId) return table.localId;
+    if (!table.tableData.empty()) return std::string(id(table.tableData.front()));
+    return std::nullopt;
 }
 
 bool sameConversation(const RequestTableState& shown, const RequestTableState& left) {
@@ -155,6 +165,8 @@ void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::
             else
                 moveOn(getState, state);
         }
+    } else if (type == typeid(Q::SendComing)) {
+        announced_[static_cast<const Q::SendComing&>(action).id] = shown_;
     } else if (type == typeid(Q::SetConfig)) {
         config_ = static_cast<const Q::SetConfig&>(action).config;
     } else if (type == typeid(Q::DispatchOperations)) {
@@ -169,7 +181,36 @@ void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::
 
 bool RequestQueueMiddleWare::hasWork(const Conversation& conversation) const {
     return running_.get() == &conversation ||
-           std::ranges::any_of(owners_, [&](const auto& owner) { return owner.get() == &conversation; });
+           std::ranges::any_of(owners_, [&](const auto& owner) { return owner.get() == &conversation; }) ||
+           std::ranges::any_of(announced_, [&](const auto& entry) { return entry.second.get() == &conversation; });
+}
+
+std::optional<TicketInfo> RequestQueueMiddleWare::ticketOf(const Conversation& conversation) {
+    if (auto ticket = ticketInfo(conversation.state)) return ticket;
+    return conversation.joins ? ticketOf(*conversation.joins) : std::nullopt;
+}
+
+bool RequestQueueMiddleWare::awaitsTicket(const Conversation& conversation) const {
+    if (running_.get() == &conversation && runningCreatesTicket_) return true;
+    for (std::size_t i = 0; i < requestOperations_.size(); ++i)
+        if (owners_[i].get() == &conversation && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get()))
+            return true;
+    return conversation.joins && awaitsTicket(*conversation.joins);
+}
+
+std::shared_ptr<RequestQueueMiddleWare::Conversation> RequestQueueMiddleWare::earlierVisit(
+    const RequestQueueActions::DispatchDetails& details) const {
+    auto key = details.conversation;
+    if (!key)
+        if (const auto shown = shownTable(getState_)) key = shown->localId;
+    if (!key) return nullptr;
+    const auto visitOf = [&](const std::shared_ptr<Conversation>& visit) {
+        return visit && visit != shown_ && visit->left && visit->table &&
+               (keyOf(*visit->table) == key || visit->table->remoteId == key);
+    };
+    for (auto owner = owners_.rbegin(); owner != owners_.rend(); ++owner)
+        if (visitOf(*owner)) return *owner;
+    return visitOf(running_) ? running_ : nullptr;
 }
 
 void RequestQueueMiddleWare::moveOn(const tivra::GetState& getState, const RequestQueueState& state) {
@@ -193,35 +234,57 @@ void RequestQueueMiddleWare::moveOn(const tivra::GetState& getState, const Reque
     requestDispatchQueue().sync([this, &state] { shown_->state = state; });
 }
 
-void RequestQueueMiddleWare::enqueue(std::shared_ptr<RequestOperation> operation) {
+void RequestQueueMiddleWare::enqueue(std::shared_ptr<RequestOperation> operation,
+                                     std::shared_ptr<Conversation> owner) {
     requestOperations_.push_back(std::move(operation));
-    owners_.push_back(shown_);
+    owners_.push_back(owner ? std::move(owner) : shown_);
 }
 
 void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details) {
+    // A send announced while another conversation was shown belongs to that one.
+    std::shared_ptr<Conversation> owner = shown_;
+    if (const auto announced = announced_.find(details.id); announced != announced_.end()) {
+        owner = std::move(announced->second);
+        announced_.erase(announced);
+    }
     // One capture keeps the block small enough to need no allocation.
     struct {
         bool hasTicket = false;
         bool requesting = false;
     } seen;
-    requestDispatchQueue().sync([this, &seen] {
-        seen.hasTicket = ticketInfo(shown_->state).has_value();
-        seen.requesting = shown_->state.isRequesting();
+    requestDispatchQueue().sync([&owner, &seen] {
+        seen.hasTicket = ticketInfo(owner->state).has_value();
+        seen.requesting = owner->state.isRequesting();
     });
     // The ticket's creation may also wait behind another conversation's work.
     bool creationQueued = false;
     for (std::size_t i = 0; i < requestOperations_.size() && !creationQueued; ++i)
-        creationQueued = owners_[i] == shown_ && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get());
+        creationQueued = owners_[i] == owner && dynamic_cast<const TicketRequestOperation*>(requestOperations_[i].get());
+    if (owner == shown_ && !seen.hasTicket && !seen.requesting && !creationQueued) {
+        // Shown again before an earlier visit's ticket came: the message follows that ticket's
+        // creation instead of making a second ticket. A creation that failed leaves none to follow.
+        if (!shown_->joins) shown_->joins = earlierVisit(details);
+        if (shown_->joins) {
+            std::optional<TicketInfo> ticket;
+            requestDispatchQueue().sync([this, &ticket] {
+                ticket = ticketOf(*shown_->joins);
+                if (ticket) shown_->state = RequestQueueState::ticketCreated(ticket->first, ticket->second);
+            });
+            if (ticket || !awaitsTicket(*shown_->joins)) shown_->joins.reset();
+            seen.hasTicket = ticket.has_value();
+            creationQueued = shown_->joins != nullptr;
+        }
+    }
     if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
-        enqueue(std::make_shared<FetchNewCommentsOperation>());
-        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+        enqueue(std::make_shared<FetchNewCommentsOperation>(), owner);
+        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments), owner);
     } else if (seen.requesting || creationQueued) {
         // Whatever is in flight or waiting for this conversation is its ticket's creation; this
         // message will find the ticket.
-        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments));
+        enqueue(std::make_shared<CommentRequestOperation>(details.id, details.body, details.attachments), owner);
     } else {
-        enqueue(std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_));
+        enqueue(std::make_shared<TicketRequestOperation>(details.id, details.body, details.attachments, config_), owner);
     }
 }
 
@@ -237,12 +300,18 @@ void RequestQueueMiddleWare::processNext(bool reportCompletion) {
     requestOperations_.pop_front();
     running_ = std::move(owners_.front());
     owners_.pop_front();
+    runningCreatesTicket_ = dynamic_cast<const TicketRequestOperation*>(operation.get()) != nullptr;
 
     std::optional<TicketInfo> ticket;
     requestDispatchQueue().sync([this, &ticket] {
+        // The visit this one joined has run before it, and made the ticket if it could.
+        if (running_->joins && !running_->state.isRequesting() && !ticketInfo(running_->state))
+            if (const auto joined = ticketOf(*running_->joins))
+                running_->state = RequestQueueState::ticketCreated(joined->first, joined->second);
         running_->state = started(running_->state);
         ticket = ticketInfo(running_->state);
     });
+    if (ticket) running_->joins.reset();
     // A provider may answer on any thread; the waiting list belongs to the main one.
     operation->setRequestBlock([weak = weak_from_this(), run = ++runs_](const tivra::Action& result) {
         platform::MainQueue::shared().sync([&] {
@@ -258,6 +327,7 @@ void RequestQueueMiddleWare::complete(std::uint64_t run, const tivra::Action& re
         return;
     }
     auto owner = std::move(running_);
+    runningCreatesTicket_ = false;
     requestDispatchQueue().sync([&owner, &result] { owner->state = reduce(owner->state, result); });
     const auto startsBefore = runs_;
     if (!owner->left) {
@@ -272,7 +342,16 @@ void RequestQueueMiddleWare::complete(std::uint64_t run, const tivra::Action& re
 }
 
 void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation, const tivra::Action& result) {
-    if (!conversation.table || !dispatch_) return;  // the store holds no conversation to keep it in
+    if (!dispatch_) return;
+    const auto tellSender = [this, &result] {
+        const std::string* sent = reportedMessageId(result);
+        if (!sent) return;
+        RequestQueueActions::SendOutcomeKept kept;
+        kept.id = *sent;
+        kept.delivered = tivra::actionAs<Actions::TicketCreated>(result) || tivra::actionAs<Actions::CommentCreated>(result);
+        dispatch_(kept);
+    };
+    if (!conversation.table) return tellSender();  // the store holds no conversation to keep it in
     RequestTableState& table = *conversation.table;
     if (auto next = RequestTableReducer().reduce(table, result)) table = std::move(*next);
     const auto shown = shownTable(getState_);
@@ -297,6 +376,7 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
     LocalIDStore idStore;
     recordConversation(table, idStore, RequestsWithFailedMessagesIdStore{},
                        ConcreteCache::named(ConcreteCache::ticketsDirectory), dispatch_);
+    tellSender();
 }
 
 } // namespace belvakit

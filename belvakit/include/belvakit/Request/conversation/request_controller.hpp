@@ -130,6 +130,8 @@ private:
     void showActions(const Message& failed);
     void deleteMessages(const std::vector<Message>& messages);
     void retry(const std::vector<Message>& messages);
+    // The id the conversation is kept under, as far as the screen knows it yet.
+    std::optional<std::string> conversationId() const;
     void openAttachment(const Message& message);
     void presentPreview(const std::string& title, platform::ImagePtr image, std::optional<std::string> file);
     void registerRefreshHandler();

@@ -15,6 +15,7 @@
 #include "mirrowset/configurations.hpp"
 #include "platform/object.hpp"
 #include "platform/scheduler.hpp"
+#include "tivra/action.hpp"
 #include "uikit/button.hpp"
 #include "uikit/image_view.hpp"
 #include "uikit/label.hpp"
@@ -61,7 +62,8 @@ public:
     ~CreateRequestController() override;
     std::string_view className() const override { return "CreateRequestController"; }
 
-    // The form's copy of the store's slice.
+    // The form's own state: the store's slice as it stands for this form, which another form
+    // opened meanwhile does not take over.
     const CreateRequestState& state() const { return state_; }
 
     // The container: told when the form is done after a send. Without one the form leaves itself.
@@ -122,6 +124,8 @@ public:
 private:
     void buildForm(bool requiresName, bool requiresEmail);
     void subscribe();
+    void actionHeard(const tivra::Action& action);
+    void claimSharedSlices();
     void preAttach(const RequestUiConfiguration& configuration);
     void dispatchSend();
     void stateChanged(const CreateRequestState& next);
@@ -141,6 +145,12 @@ private:
     void layoutForm();
     std::shared_ptr<CreateRequestController> self();
 
+    const std::uint64_t formId_;
+    std::optional<RequestUiConfiguration> configuration_;
+    // The conversation and input slices and the send queue are this form's: no screen began
+    // another conversation in them since the form last took them.
+    bool ownsSlices_ = false;
+    bool claiming_ = false;
     CreateRequestState state_;
     bool attachmentsEnabled_;
     std::int64_t maxAttachmentSize_;
@@ -170,10 +180,6 @@ private:
     bool statusShown_ = false;
     bool loadingShown_ = false;
     bool formValid_ = false;
-    // A send is under way and its ticket has not come yet.
-    bool awaitingTicket_ = false;
-    // The queue drained without creating the ticket: drawn as a failure until the next send.
-    bool ticketMissing_ = false;
     // Numbers each status shown, so a timed hide touches only its own.
     std::uint64_t statusGeneration_ = 0;
     platform::TimerHandle finishTimer_;

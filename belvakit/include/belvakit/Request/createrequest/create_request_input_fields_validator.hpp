@@ -5,6 +5,7 @@
 #include "belvakit/Request/createrequest/validatable_text_field.hpp"
 #include "platform/notification_center.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -52,6 +53,9 @@ public:
     void textFieldDidEndEditing(ValidatableTextField& field) override;
     void textViewDidBeginEditing(TextView& textView) override;
     void textViewDidChange(TextView& textView) override;
+
+    // The form whose edits it reports.
+    std::uint64_t formId = 0;
 
 private:
     CreateRequestInputFieldsValidator() = default;

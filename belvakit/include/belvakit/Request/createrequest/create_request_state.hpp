@@ -3,6 +3,8 @@
 #include "belvakit/Request/createrequest/attachment_button_state.hpp"
 #include "platform/color.hpp"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace belvakit {
@@ -19,6 +21,10 @@ struct CreateRequestState {
     platform::Color primaryColor;
     Sending sending = Sending::unsent;
     AttachmentButtonState attachmentButtonState = AttachmentButtonState::hidden;
+    // Which form this is, and the id of the send it waits on: other forms' sends and outcomes
+    // leave it alone.
+    std::uint64_t formId = 0;
+    std::optional<std::string> sendId;
 
     // Leaves out `referrerUrl` and `primaryColor`: a change of only these doesn't redraw.
     bool operator==(const CreateRequestState& other) const;

@@ -11,6 +11,8 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
+#include <unordered_map>
 
 namespace belvakit {
 
@@ -49,8 +51,15 @@ private:
                            RequestQueueState queueState, RequestUiConfiguration config);
 
     void enqueueOperationsFor(const RequestQueueActions::DispatchDetails& details);
-    void enqueue(std::shared_ptr<RequestOperation> operation);
+    // Owned by the conversation shown unless `owner` says otherwise.
+    void enqueue(std::shared_ptr<RequestOperation> operation, std::shared_ptr<Conversation> owner = nullptr);
     bool hasWork(const Conversation& conversation) const;
+    // The ticket of `conversation`, or of the visit whose ticket it waits for.
+    static std::optional<TicketInfo> ticketOf(const Conversation& conversation);
+    // A ticket for `conversation` is being created, or waits to be.
+    bool awaitsTicket(const Conversation& conversation) const;
+    // The latest left visit, with work still to do, of the conversation that `details` is sent in.
+    std::shared_ptr<Conversation> earlierVisit(const RequestQueueActions::DispatchDetails& details) const;
     // The shown conversation's work goes on without a screen; what comes next belongs to a new
     // conversation in `state`.
     void moveOn(const tivra::GetState& getState, const RequestQueueState& state);
@@ -61,8 +70,11 @@ private:
 
     std::deque<std::shared_ptr<RequestOperation>> requestOperations_;
     std::deque<std::shared_ptr<Conversation>> owners_;  // the conversation of each waiting operation
+    // Sends still being prepared, by id, with the conversation shown when they were made.
+    std::unordered_map<std::string, std::shared_ptr<Conversation>> announced_;
     std::shared_ptr<Conversation> shown_;
     std::shared_ptr<Conversation> running_;  // owner of the operation in flight, if any
+    bool runningCreatesTicket_ = false;
     std::uint64_t runs_ = 0;                 // numbers each start, so a stray second report is known
     RequestUiConfiguration config_;
     mutable std::once_flag queueMade_;
