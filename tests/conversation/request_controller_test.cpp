@@ -3,6 +3,7 @@
 #include "belvakit/Request/conversation/request_controller.hpp"
 #include "belvakit/Request/queue/request_queue_actions.hpp"
 #include "belvakit/Request/requestlist/request_list_actions.hpp"
+#include "belvakit/attachments/cache.hpp"
 #include "belvakit/attachments/cache_keys.hpp"
 #include "belvakit/entry/localized_strings.hpp"
 #include "belvakit/entry/shared_store.hpp"
@@ -15,6 +16,9 @@
 #include "uikit/window.hpp"
 
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
 
 using namespace belvakit;
 using queue_testing::settle;
@@ -41,6 +45,24 @@ std::shared_ptr<InputImageViewModel> photo() {
     }
     return std::make_shared<InputImageViewModel>(image, "photo-1", std::nullopt, std::nullopt, FileType::png, "photo.png");
 }
+
+// Keeps the tickets cache's queue busy, as a slow disk does, until opened (or ten seconds pass).
+class SlowDisk {
+public:
+    SlowDisk() {
+        ConcreteCache::named(ConcreteCache::ticketsDirectory)->run([open = open_] {
+            const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+            while (!*open && std::chrono::steady_clock::now() < until) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
+    }
+    ~SlowDisk() { open(); }
+    SlowDisk(const SlowDisk&) = delete;
+    SlowDisk& operator=(const SlowDisk&) = delete;
+    void open() { *open_ = true; }
+
+private:
+    std::shared_ptr<std::atomic<bool>> open_ = std::make_shared<std::atomic<bool>>(false);
+};
 
 class ConversationScreenTest : public ::testing::Test {
 protected:
@@ -115,6 +137,49 @@ protected:
     }
 
     bool settled(const std::function<bool()>& done) { return settle(time, done); }
+
+    void close() {
+        window->setRootViewController(nullptr);
+        screen.reset();
+        navigation.reset();
+    }
+
+    // The ticket's saved copy comes back only after a send on it failed: while its screen still
+    // shows, or once it is closed and shown again. Either way it stays the help desk's ticket.
+    void failASendBeforeTheSavedCopyComesBack(bool closedFirst) {
+        const auto id = ticketWithHistory(1);
+        host->tickets().setOffline(true);
+        SlowDisk disk;
+        open(id);
+        typeAndSend("Written before the disk answered");
+        ASSERT_TRUE(settled([&] { return statusOf("Written before the disk answered") == DeliveryStatus::failed; }));
+        if (!closedFirst) {
+            disk.open();
+            ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+        }
+        close();
+        open(id);
+        disk.open();
+        ASSERT_TRUE(settled([&] {
+            return state().finishedLoading && statusOf("Written before the disk answered") == DeliveryStatus::failed;
+        })) << "the failed send was not kept";
+        EXPECT_EQ(screen->requestId(), id);
+
+        auto* retry = find("CRVretryButton");
+        ASSERT_TRUE(retry && uikit::tap(*retry));
+        auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+        ASSERT_TRUE(sheet);
+        auto* remove = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedDelete));
+        ASSERT_TRUE(remove && uikit::tap(*remove));
+        queue_testing::pass(time, platform::seconds(1));
+        EXPECT_TRUE(deletedFromList.empty()) << "the ticket was taken for one of the device's own";
+
+        host->tickets().setOffline(false);
+        typeAndSend("Once more");
+        ASSERT_TRUE(settled([&] { return statusOf("Once more") == DeliveryStatus::lastDelivered; }));
+        EXPECT_EQ(host->tickets().requests().size(), 1u) << "no new ticket";
+        EXPECT_EQ(host->tickets().comments(id).back().body, "Once more");
+    }
 
     // A ticket on the help desk with a long history, written before the screen opens.
     std::string ticketWithHistory(int agentComments) {
@@ -473,6 +538,14 @@ TEST_F(ConversationScreenTest, ATicketWhoseCommentsNeverLoadedStaysThatTicketThr
     ASSERT_TRUE(settled([&] { return statusOf("Second attempt") == DeliveryStatus::lastDelivered; }));
     EXPECT_EQ(host->tickets().requests().size(), 1u) << "no new ticket";
     EXPECT_EQ(host->tickets().comments(id).back().body, "Second attempt");
+}
+
+TEST_F(ConversationScreenTest, ASendThatFailedBeforeTheSavedCopyCameBackStaysOnItsTicket) {
+    failASendBeforeTheSavedCopyComesBack(false);
+}
+
+TEST_F(ConversationScreenTest, ASendThatFailedOnAScreenClosedBeforeTheSavedCopyCameIsKeptOnItsTicket) {
+    failASendBeforeTheSavedCopyComesBack(true);
 }
 
 TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesTakesItsNextMessage) {

@@ -115,6 +115,10 @@ void ConcreteCache::storeIfAbsent(const std::string& key, std::string bytes) {
     });
 }
 
+void Cache::update(const std::string& key, Change change) {
+    if (auto bytes = change(read(key))) store(key, std::move(*bytes));
+}
+
 void Cache::storeIfAbsent(const std::string& key, std::string bytes) {
     if (!fileURL(key)) store(key, std::move(bytes));
 }
@@ -167,6 +171,13 @@ std::optional<std::filesystem::path> ConcreteCache::fileURL(const std::string& k
     std::error_code error;
     if (!file || !std::filesystem::is_regular_file(*file, error)) return std::nullopt;
     return file;
+}
+
+void ConcreteCache::update(const std::string& key, Change change) {
+    // A read queued after this one sees its write: nothing comes between the look and the write.
+    queue_->async([queue = queue_, directory = path_, allowOverwrite = allowOverwrite_, key, change = std::move(change)] {
+        if (auto bytes = change(readEntry(directory, key))) write(directory, key, *bytes, allowOverwrite);
+    });
 }
 
 void ConcreteCache::run(std::function<void()> block) {

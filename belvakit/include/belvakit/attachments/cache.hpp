@@ -29,6 +29,10 @@ public:
     // Stores unless an entry exists. This default looks on the calling thread; a cache with a
     // queue looks and writes in one step on it.
     virtual void storeIfAbsent(const std::string& key, std::string bytes);
+    // Writes what `change` makes of the entry (nothing read: no entry), unless it makes nothing.
+    // This default reads on the calling thread; a cache with a queue reads and writes in one step on it.
+    using Change = std::function<std::optional<std::string>(std::optional<std::string> bytes)>;
+    virtual void update(const std::string& key, Change change);
     // The bytes of an entry, read on the calling thread: for blocks that `run` gave to the queue.
     virtual std::optional<std::string> read(const std::string& key) const;
     // The same for many entries at once, in the keys' order.
@@ -59,6 +63,7 @@ public:
     std::optional<std::filesystem::path> fileURL(const std::string& key) const override;
     void run(std::function<void()> block) override;
     void storeIfAbsent(const std::string& key, std::string bytes) override;
+    void update(const std::string& key, Change change) override;
     std::optional<std::string> read(const std::string& key) const override;
     // The directory is opened once for all of them.
     std::vector<std::optional<std::string>> readEntries(const std::vector<std::string>& keys) const override;

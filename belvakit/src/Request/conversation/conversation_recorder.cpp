@@ -16,7 +16,8 @@ bool failed(const Message& message) { return status(message) == DeliveryStatus::
 
 void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
                         const RequestsWithFailedMessagesIdStore& failedRemoteIds,
-                        const std::shared_ptr<Cache>& ticketsCache, const tivra::DispatchFunction& dispatch) {
+                        const std::shared_ptr<Cache>& ticketsCache, const tivra::DispatchFunction& dispatch,
+                        bool savedCopyRead) {
     if (state.remoteId && state.localId) {
         idStore.remoteToLocal[*state.remoteId] = *state.localId;
         idStore.addLocalId(*state.localId);
@@ -43,7 +44,7 @@ void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
         else
             failedRemoteIds.remove(*state.remoteId);
     }
-    persistConversation(state.tableData, state.localId, state.remoteId, state.mapLocalToRemote,
+    (savedCopyRead ? persistConversation : persistConversationOver)(state.tableData, state.localId, state.remoteId, state.mapLocalToRemote,
                         MessageList::currentVersion, state.ticketClosed, ticketsCache);
 }
 

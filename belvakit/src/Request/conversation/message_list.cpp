@@ -7,6 +7,7 @@
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/value.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -339,6 +340,37 @@ void persistConversation(const std::vector<Message>& messages, const std::option
     auto bytes = encodeConversation(version, platform::now(), messages, mapLocalToRemote, remoteRequestId, ticketClosed, sent);
     if (!bytes) return;
     cache->store(*key, std::move(*bytes));
+}
+
+void persistConversationOver(const std::vector<Message>& messages, const std::optional<std::string>& key,
+                             const std::optional<std::string>& remoteRequestId,
+                             const std::map<std::string, std::string>& mapLocalToRemote, int version,
+                             bool ticketClosed, const std::shared_ptr<Cache>& cache) {
+    if (!key || !cache) return;
+    MessageList list;
+    list.version = version;
+    for (const auto& message : messages)
+        if (status(message) != DeliveryStatus::notDelivered) list.messages.push_back(message);
+    list.mapLocalToRemote = mapLocalToRemote;
+    list.remoteRequestId = remoteRequestId;
+    list.ticketClosed = ticketClosed;
+    cache->update(*key, [list = std::move(list)](std::optional<std::string> bytes) mutable {
+        if (auto saved = decodeMessageList(bytes.value_or("")); saved && saved->version == list.version) {
+            std::vector<Message> merged;
+            for (auto& message : saved->messages) {
+                const bool mine = std::ranges::any_of(list.messages, [&](const Message& own) { return id(own) == id(message); });
+                if (!mine) merged.push_back(std::move(message));
+            }
+            merged.insert(merged.end(), std::make_move_iterator(list.messages.begin()),
+                          std::make_move_iterator(list.messages.end()));
+            list.messages = std::move(merged);
+            list.mapLocalToRemote.merge(saved->mapLocalToRemote);
+            if (!list.remoteRequestId) list.remoteRequestId = std::move(saved->remoteRequestId);
+            list.ticketClosed = list.ticketClosed || saved->ticketClosed;
+        }
+        list.timeStamp = platform::now();
+        return encodeMessageList(list);
+    });
 }
 
 void loadConversation(std::string_view data, int version, const LoadConversationCompletion& completion) {

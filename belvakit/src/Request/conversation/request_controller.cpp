@@ -390,7 +390,14 @@ void RequestController::openConversation() {
         RequestQueueActions::SetRequestId known;
         known.id = id;
         store_->dispatch(known);
+        // The help desk's ticket, known as such and by its key before the saved copy comes back: a
+        // send meanwhile is kept under the ticket, and never taken for a ticket of the device's own.
+        Actions::SetRemoteId remote;
+        remote.remoteRequestID = id;
+        remote.localId = key;
+        store_->dispatch(remote);
     }
+    savedCopyRead_ = false;
     progressBar_->stateMachine()->begin(sharedProgressSteps());
     std::weak_ptr<RequestController> weak = self();
     requestFetcher_.loadFromDisk(key, [weak, id, key, localOnly](std::vector<Message> messages,
@@ -406,15 +413,9 @@ void RequestController::openConversation() {
         loaded.localId = key;
         const auto* table = screen->tableState();
         screen->skipNextPersist_ = table && table->tableData.empty();
+        screen->savedCopyRead_ = true;
         screen->store_->dispatch(loaded);
         screen->skipNextPersist_ = false;
-        if (!localOnly) {
-            // The help desk's ticket, known as such before any of its comments arrive: a failed send
-            // on it is kept under the ticket, not taken for a ticket of the device's own.
-            Actions::SetRemoteId remote;
-            remote.remoteRequestID = id;
-            screen->store_->dispatch(remote);
-        }
         if (closed) screen->store_->dispatch(Actions::TicketClosed{});
         if (localOnly) {
             Actions::LoadedFailedRequest failed;
@@ -465,7 +466,7 @@ void RequestController::stateChanged() {
     const auto store = store_;
     idStore_.reload();
     recordConversation(*table, idStore_, failedRemoteIdStore_, skipNextPersist_ ? nullptr : ticketsCache_,
-                       [store](const tivra::Action& action) { store->dispatch(action); });
+                       [store](const tivra::Action& action) { store->dispatch(action); }, savedCopyRead_);
     skipNextPersist_ = false;
 
     if (const auto* input = state.value<InputFieldState>(tivra::stateKeyOf<InputFieldState>())) {

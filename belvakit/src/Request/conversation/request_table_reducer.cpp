@@ -409,6 +409,7 @@ std::optional<RequestTableState> RequestTableReducer::reduce(const RequestTableS
     if (const auto* remoteId = actionAs<Actions::SetRemoteId>(action)) {
         RequestTableState next = state;
         next.remoteId = remoteId->remoteRequestID;
+        if (!next.localId) next.localId = remoteId->localId;
         return next;
     }
     if (actionAs<Actions::TicketClosed>(action)) {

@@ -115,6 +115,8 @@ struct SettingsFetched final : tivra::Action {
 
 struct SetRemoteId final : tivra::Action {
     std::string remoteRequestID;
+    // The id its conversation is kept under on the device, for a table that has none yet.
+    std::optional<std::string> localId;
 };
 
 struct TicketClosed final : tivra::Action {};

@@ -42,6 +42,12 @@ void persistConversation(const std::vector<Message>& messages, const std::option
                          const std::optional<std::string>& remoteRequestId,
                          const std::map<std::string, std::string>& mapLocalToRemote, int version, bool ticketClosed,
                          const std::shared_ptr<Cache>& cache);
+// The same for a conversation whose saved entry was not read yet: the saved messages it lacks
+// stay, ahead of its own, so that writing it loses nothing the entry held.
+void persistConversationOver(const std::vector<Message>& messages, const std::optional<std::string>& key,
+                             const std::optional<std::string>& remoteRequestId,
+                             const std::map<std::string, std::string>& mapLocalToRemote, int version,
+                             bool ticketClosed, const std::shared_ptr<Cache>& cache);
 
 using LoadConversationCompletion =
     std::function<void(std::vector<Message> messages, std::map<std::string, std::string> mapLocalToRemote,

@@ -162,6 +162,8 @@ private:
     platform::Object lifetime_;
     // The first state after a load from disk is what the disk holds: it isn't written back.
     bool skipNextPersist_ = false;
+    // Until the saved copy is read, a write keeps what it holds that the table lacks.
+    bool savedCopyRead_ = true;
     // The send queue has work of this screen's: it, not the first load, ends the progress bar.
     bool queueWorking_ = false;
     bool started_ = false;
