@@ -114,6 +114,6 @@ TEST(RequestTableState, EqualityLooksAtActionTypeClosedFlagAndMessageRows) {
     right.ticketClosed = true;
     EXPECT_NE(left, right);
     right = left;
-    std::get<UserMessage>(right.tableData[0]).status = DeliveryStatus::failed;
+    right.tableData[0].edit<UserMessage>().status = DeliveryStatus::failed;
     EXPECT_NE(left, right);
 }

@@ -17,7 +17,7 @@ SystemMessage systemRow(const std::string& text) {
 }
 
 bool isDeliveredUserText(const Message& message) {
-    const auto* text = std::get_if<UserMessage>(&message);
+    const auto* text = message.getIf<UserMessage>();
     return text && (text->status == DeliveryStatus::delivered || text->status == DeliveryStatus::lastDelivered);
 }
 
@@ -115,20 +115,15 @@ std::vector<CellItem> recompute(const std::vector<Message>& tableData, const Req
     enterDay(0);
     for (std::size_t i = 0; i < tableData.size(); ++i) {
         const Message& message = tableData[i];
-        const Date date = std::visit([](const auto& record) { return record.createdAt; }, message);
+        const Date date = createdAt(message);
         const bool sameDay = knownDay ? dayStart <= date && date < dayEnd : calendar.isSameDay(date, runningDate);
         if (!sameDay) {
             enterDay(date);
             rows.emplace_back(DateItem{platform::base64Encode(platform::dateDescription(date)), date});
         }
         const bool endOfGroup = i + 1 == tableData.size() || !continuesGroup(message, tableData[i + 1]);
-        std::visit(
-            [&](const auto& record) {
-                using Record = std::decay_t<decltype(record)>;
-                auto& row = rows.emplace_back(std::in_place_type<Message>, std::in_place_type<Record>, record);
-                std::get<Record>(std::get<Message>(row)).isEndOfGroup = endOfGroup;
-            },
-            message);
+        // The row shares the message's record; only its flag is its own.
+        std::get<Message>(rows.emplace_back(message)).setIsEndOfGroup(endOfGroup);
         // The same place as insertingSystemMessage finds.
         if (noticeAfter && i == *noticeAfter) rows.emplace_back(systemRow(*state.systemMessage));
     }
