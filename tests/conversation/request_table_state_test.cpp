@@ -5,6 +5,8 @@
 #include "platform/base64.hpp"
 #include "table_fixtures.hpp"
 
+#include <algorithm>
+
 using namespace table_fixtures;
 
 namespace {
@@ -99,6 +101,33 @@ TEST_F(RequestTableRows, RecomputeIsTheFourStepsInOrderAndLeavesTheMessagesAlone
                     EXPECT_TRUE(EquatableCellItem(rows[i]) == EquatableCellItem(steps[i])) << i;
                 for (const auto& message : state.tableData) EXPECT_FALSE(isEndOfGroup(message));
             }
+}
+
+// A conversation is held once: its rows refer to the records of its messages, whichever group
+// ends they show, and a state copied by a reduction refers to the same records again.
+TEST_F(RequestTableRows, RowsShareTheRecordsOfTheirMessages) {
+    std::vector<Message> messages{Message(text("u1", t0), true), text("u2", t0 + 1), image("i1", "u2", t0 + 2),
+                                  Message(agent("a1", t0 + 86400), true), agent("a2", t0 + 86401)};
+    const auto state = stateWith(messages, "Notice");
+    std::size_t shared = 0;
+    for (const auto& row : state.cellItems) {
+        const auto* message = std::get_if<Message>(&row);
+        if (!message) continue;
+        const auto same = std::find_if(state.tableData.begin(), state.tableData.end(),
+                                       [&](const Message& kept) { return id(kept) == id(*message); });
+        ASSERT_NE(same, state.tableData.end());
+        EXPECT_TRUE(message->sharesRecordWith(*same)) << id(*message);
+        EXPECT_TRUE(same->sharesRecordWith(messages[static_cast<std::size_t>(same - state.tableData.begin())]));
+        ++shared;
+    }
+    EXPECT_EQ(shared, messages.size());
+    std::vector<bool> rowEnds;
+    std::vector<bool> keptEnds;
+    for (const auto& row : state.cellItems)
+        if (const auto* message = std::get_if<Message>(&row)) rowEnds.push_back(isEndOfGroup(*message));
+    for (const auto& message : state.tableData) keptEnds.push_back(isEndOfGroup(message));
+    EXPECT_EQ(rowEnds, (std::vector<bool>{false, false, true, false, true}));
+    EXPECT_EQ(keptEnds, (std::vector<bool>{true, false, false, true, false})) << "the messages keep their own flags";
 }
 
 TEST(RequestTableState, EqualityLooksAtActionTypeClosedFlagAndMessageRows) {

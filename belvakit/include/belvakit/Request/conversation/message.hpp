@@ -136,7 +136,8 @@ public:
         : box_(new BoxOf<Record>(std::move(record))), endOfGroup_(endOfGroup) {}
 
     Message(const Message& other) noexcept : box_(other.box_), endOfGroup_(other.endOfGroup_) { retain(); }
-    Message(Message&& other) noexcept : box_(std::exchange(other.box_, nullptr)), endOfGroup_(other.endOfGroup_) {}
+    Message(Message&& other) noexcept
+        : box_(std::exchange(other.box_, nullptr)), endOfGroup_(std::exchange(other.endOfGroup_, false)) {}
     Message& operator=(const Message& other) noexcept {
         Message copy(other);
         swap(copy);
@@ -233,7 +234,8 @@ private:
         }
     }
 
-    // A Message with no box holds an empty text message: defaults and moved-from ones.
+    // A Message with no box holds an empty text message: defaults and moved-from ones, which
+    // also lose their flag.
     static const Box& emptyBox();
     const Box& box() const { return box_ ? *box_ : emptyBox(); }
     // The box, after making it this Message's alone.
