@@ -20,7 +20,7 @@ Message::Box& Message::own() {
 
 void Message::release() noexcept {
     if (!box_ || box_->references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
-    dispatch(box_->index, [&]<class Record>(std::type_identity<Record>) { delete static_cast<BoxOf<Record>*>(box_); });
+    dispatch(index(), [&]<class Record>(std::type_identity<Record>) { delete static_cast<BoxOf<Record>*>(box_); });
     box_ = nullptr;
 }
 

@@ -34,7 +34,7 @@ RequestTableState withMessages(const RequestTableState& state, std::vector<Messa
     RequestTableState next = withoutMessages(state);
     next.tableData = std::move(messages);
     next.lastActionType = actionType;
-    recompute(next);
+    recompute(next, state);
     return next;
 }
 
@@ -99,7 +99,7 @@ RequestTableState withNamedAttachments(const RequestTableState& state, const std
             if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>) record.filename = interpolatedFilename(attachment);
         });
     }
-    recompute(next);
+    recompute(next, state);
     return next;
 }
 
@@ -286,7 +286,7 @@ std::optional<RequestTableState> RequestTabelCreationSubReducer::reduce(const Re
             setStatus(*sent, lastAttachment ? DeliveryStatus::delivered : DeliveryStatus::lastDelivered);
             setCreatedAt(*sent, ticket ? ticket->remoteCreatedAt : comment->remoteCreatedAt);
         }
-        recompute(next);
+        recompute(next, state);
         return next;
     }
 
@@ -307,7 +307,7 @@ std::optional<RequestTableState> RequestTabelCreationSubReducer::reduce(const Re
     if (ticketLocalId && !next.localId) next.localId = ticketLocalId;
     for (auto& message : next.tableData)
         if (id(message) == *failedId || isChildOf(message, *failedId)) setStatus(message, DeliveryStatus::failed);
-    recompute(next);
+    recompute(next, state);
     return next;
 }
 

@@ -133,11 +133,14 @@ public:
     Message() noexcept = default;
     template <MessageRecord Record>
     Message(Record record, bool endOfGroup = false)  // NOLINT: implicit, as a variant converts
-        : box_(new BoxOf<Record>(std::move(record))), endOfGroup_(endOfGroup) {}
+        : box_(new BoxOf<Record>(std::move(record))), kind_(indexOf<Record>), endOfGroup_(endOfGroup) {}
 
-    Message(const Message& other) noexcept : box_(other.box_), endOfGroup_(other.endOfGroup_) { retain(); }
+    Message(const Message& other) noexcept : box_(other.box_), kind_(other.kind_), endOfGroup_(other.endOfGroup_) {
+        retain();
+    }
     Message(Message&& other) noexcept
-        : box_(std::exchange(other.box_, nullptr)), endOfGroup_(std::exchange(other.endOfGroup_, false)) {}
+        : box_(std::exchange(other.box_, nullptr)), kind_(std::exchange(other.kind_, 0)),
+          endOfGroup_(std::exchange(other.endOfGroup_, false)) {}
     Message& operator=(const Message& other) noexcept {
         Message copy(other);
         swap(copy);
@@ -151,11 +154,12 @@ public:
     ~Message() { release(); }
     void swap(Message& other) noexcept {
         std::swap(box_, other.box_);
+        std::swap(kind_, other.kind_);
         std::swap(endOfGroup_, other.endOfGroup_);
     }
 
     // The kind, in the order of the record types above.
-    std::size_t index() const { return box_ ? box_->index : 0; }
+    std::size_t index() const { return kind_; }
     template <MessageRecord Record>
     bool holds() const {
         return index() == indexOf<Record>;
@@ -192,7 +196,7 @@ public:
     template <class Visitor>
     decltype(auto) update(Visitor&& visitor) {
         Box& mine = own();
-        return dispatch(mine.index, [&]<class Record>(std::type_identity<Record>) -> decltype(auto) {
+        return dispatch(index(), [&]<class Record>(std::type_identity<Record>) -> decltype(auto) {
             return visitor(static_cast<BoxOf<Record>&>(mine).record);
         });
     }
@@ -204,18 +208,16 @@ public:
 
 private:
     struct Box {
-        explicit Box(std::uint8_t kind) : index(kind) {}
         std::atomic<std::uint32_t> references{1};
-        const std::uint8_t index;
     };
     template <MessageRecord Record>
     struct BoxOf final : Box {
-        explicit BoxOf(Record value);
+        explicit BoxOf(Record value) : record(std::move(value)) {}
         Record record;
     };
 
     template <MessageRecord Record>
-    static constexpr std::size_t indexOf = std::same_as<Record, UserMessage>    ? 0
+    static constexpr std::uint8_t indexOf = std::same_as<Record, UserMessage>    ? 0
                                            : std::same_as<Record, AgentMessage> ? 1
                                            : std::same_as<Record, UserImage>    ? 2
                                            : std::same_as<Record, AgentImage>   ? 3
@@ -246,11 +248,10 @@ private:
     void release() noexcept;
 
     Box* box_ = nullptr;
+    // The kind, kept beside the pointer so that asking it reads no record.
+    std::uint8_t kind_ = 0;
     bool endOfGroup_ = false;
 };
-
-template <MessageRecord Record>
-Message::BoxOf<Record>::BoxOf(Record value) : Box(static_cast<std::uint8_t>(indexOf<Record>)), record(std::move(value)) {}
 
 // Anything that can occupy a row of the conversation table.
 using CellItem = std::variant<Message, DateItem, SystemMessage>;
