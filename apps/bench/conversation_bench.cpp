@@ -91,40 +91,41 @@ std::vector<Message> makeConversation() {
         const auto agent = random.below(3);
         const std::string avatar = "https://belva.example.com/avatars/" + std::to_string(900 + agent) + ".png";
         if (kind < 45) {
-            UserMessage message{uuid(random), sentStatus(random), sentence(random, 4, 40), std::nullopt, time,
-                                random.below(3) == 0};
+            UserMessage message{uuid(random), sentStatus(random), sentence(random, 4, 40), std::nullopt, time};
+            const bool endOfGroup = random.below(3) == 0;
             parent = message.id;
-            messages.emplace_back(std::move(message));
+            messages.emplace_back(std::move(message), endOfGroup);
         } else if (kind < 80) {
             auto body = sentence(random, 8, 60);
             AgentMessage message{std::to_string(100000 + i), body, "<p>" + body + "</p>", time, 900 + agent,
-                                 agents[agent], avatar, random.below(3) == 0};
+                                 agents[agent], avatar};
+            const bool endOfGroup = random.below(3) == 0;
             parent = message.id;
-            messages.emplace_back(std::move(message));
+            messages.emplace_back(std::move(message), endOfGroup);
         } else if (kind < 87) {
             const auto name = "IMG_" + std::to_string(4000 + i) + ".jpeg";
             messages.emplace_back(UserImage{uuid(random), parent, name, sentStatus(random), nullptr, nullptr,
                                             FileType::jpeg, "https://belva.example.com/attachments/" + name,
                                             "https://belva.example.com/attachments/thumb_" + name,
-                                            {4032, 3024}, time, false});
+                                            {4032, 3024}, time});
         } else if (kind < 92) {
             const auto name = "screenshot-" + std::to_string(i) + ".png";
             messages.emplace_back(AgentImage{std::to_string(200000 + i), parent, name, nullptr, nullptr,
                                              FileType::png, "https://belva.example.com/attachments/" + name,
                                              "https://belva.example.com/attachments/thumb_" + name,
-                                             {1170, 2532}, time, 900 + agent, agents[agent], avatar, false});
+                                             {1170, 2532}, time, 900 + agent, agents[agent], avatar});
         } else if (kind < 96) {
             const auto name = "invoice-" + std::to_string(i) + ".pdf";
             messages.emplace_back(UserFile{uuid(random), parent, name, sentStatus(random),
                                            static_cast<std::int64_t>(20000 + random.below(2000000)),
                                            "https://belva.example.com/attachments/" + name, FileType::pdf, time,
-                                           random.below(2) == 0, false});
+                                           random.below(2) == 0});
         } else {
             const auto name = "report-" + std::to_string(i) + ".xls";
             messages.emplace_back(AgentFile{std::to_string(300000 + i), parent, name,
                                             static_cast<std::int64_t>(5000 + random.below(500000)),
                                             "https://belva.example.com/attachments/" + name, FileType::xls, time,
-                                            random.below(2) == 0, 900 + agent, agents[agent], std::nullopt, false});
+                                            random.below(2) == 0, 900 + agent, agents[agent], std::nullopt});
         }
     }
     return messages;

@@ -64,9 +64,9 @@ struct DiffFixture {
         for (int i = 0; i < 16; ++i) newRows.erase(newRows.begin() + static_cast<std::ptrdiff_t>(at(newRows.size())));
         for (int i = 0; i < 17; ++i) {
             AgentMessage answer{"answer-" + std::to_string(i), "We are on it.", std::nullopt, 1800000000.0 + i, 901,
-                                "Grace Hopper", std::nullopt, true};
+                                "Grace Hopper", std::nullopt};
             const std::size_t place = i < 5 ? at(newRows.size()) : newRows.size();
-            newRows.insert(newRows.begin() + static_cast<std::ptrdiff_t>(place), Message(std::move(answer)));
+            newRows.insert(newRows.begin() + static_cast<std::ptrdiff_t>(place), Message(std::move(answer), true));
         }
     }
 };

@@ -59,7 +59,7 @@ Actions::MergeMessages remoteComments(RequestTableState& state) {
     Actions::MergeMessages merge;
     std::size_t paired = 0;
     for (std::size_t i = conversationSize; i-- > 0 && paired < remoteCount / 2;) {
-        auto* text = std::get_if<UserMessage>(&state.tableData[i]);
+        const auto* text = state.tableData[i].getIf<UserMessage>();
         if (!text) continue;
         const std::string remoteId = "remote-" + std::to_string(i);
         state.mapLocalToRemote[text->id] = remoteId;

@@ -64,18 +64,17 @@ std::string_view statusText(DeliveryStatus status) {
 std::string describeRow(const CellItem& row) {
     if (const auto* date = std::get_if<DateItem>(&row)) return "--- " + platform::dateDescription(date->date) + " ---";
     if (const auto* notice = std::get_if<SystemMessage>(&row)) return "(" + notice->message + ")";
-    return std::visit(
-        [](const auto& message) -> std::string {
-            using T = std::decay_t<decltype(message)>;
-            std::string text = std::string(rawValue(T::type)) + ": ";
-            if constexpr (TextMessage<T>) text += message.body;
-            else text += message.filename;
-            if constexpr (IdentifiableUserMessage<T>) text += "  — " + message.name;
-            if constexpr (DeliverableEvent<T>) text += "  [" + std::string(statusText(message.status)) + "]";
-            if (message.isEndOfGroup) text += "  |end of group";
-            return text;
-        },
-        std::get<Message>(row));
+    const auto& message = std::get<Message>(row);
+    return message.visit([&](const auto& record) -> std::string {
+        using T = std::decay_t<decltype(record)>;
+        std::string text = std::string(rawValue(T::type)) + ": ";
+        if constexpr (TextMessage<T>) text += record.body;
+        else text += record.filename;
+        if constexpr (IdentifiableUserMessage<T>) text += "  — " + record.name;
+        if constexpr (DeliverableEvent<T>) text += "  [" + std::string(statusText(record.status)) + "]";
+        if (isEndOfGroup(message)) text += "  |end of group";
+        return text;
+    });
 }
 
 // Sends one message through the queue and runs the main loop until the queue is dry.

@@ -74,8 +74,8 @@ TEST(FileFetcher, MarksDownloadedOnlyWhenBytesCameAndWritesAFileOnce) {
     fetcher.fetch(fileMessage(), keep);
     fetcher.fetch(UserMessage{.id = "1"}, keep);
     ASSERT_EQ(results.size(), 3u) << "every fetch ends, also without a provider or a file";
-    EXPECT_FALSE(std::get<UserFile>(results[0]).downloaded);
-    EXPECT_FALSE(std::get<UserFile>(results[1]).downloaded) << "the download failed";
+    EXPECT_FALSE(results[0].get<UserFile>().downloaded);
+    EXPECT_FALSE(results[1].get<UserFile>().downloaded) << "the download failed";
     drain(*f.cache);
     EXPECT_FALSE(f.cache->fileURL("12_data_ab.pdf"));
 
@@ -86,7 +86,7 @@ TEST(FileFetcher, MarksDownloadedOnlyWhenBytesCameAndWritesAFileOnce) {
     f.provider->bytes["https://belva.example.com/f/12"] = "%PDF-2";
     fetcher.fetch(fileMessage(), keep);
     ASSERT_EQ(results.size(), 2u);
-    EXPECT_TRUE(std::get<UserFile>(results[0]).downloaded);
+    EXPECT_TRUE(results[0].get<UserFile>().downloaded);
     drain(*f.cache);
     EXPECT_EQ(platform::readFile(f.cache->path() / "12_data_ab.pdf"), "%PDF-1");
 }
@@ -98,7 +98,7 @@ TEST(ImageFetcher, AFullImageFromTheNetworkIsKeptForTheRowAndThePreviewAndACache
     std::optional<Message> result;
     fetcher.fetch(imageMessage(), false, [&](Message message) { result = std::move(message); });
     testing_support::pumpMainQueueUntil([&] { return result.has_value(); });
-    const auto& image = std::get<AgentImage>(*result);
+    const auto& image = result->get<AgentImage>();
     ASSERT_NE(image.image, nullptr);
     EXPECT_EQ(image.image->width, 3);
     EXPECT_EQ(image.thumbnailImage, nullptr);
@@ -112,7 +112,7 @@ TEST(ImageFetcher, AFullImageFromTheNetworkIsKeptForTheRowAndThePreviewAndACache
     result.reset();
     fetcher.fetch(imageMessage(), true, [&](Message message) { result = std::move(message); });
     testing_support::pumpMainQueueUntil([&] { return result.has_value(); });
-    EXPECT_NE(std::get<AgentImage>(*result).thumbnailImage, nullptr);
+    EXPECT_NE(result->get<AgentImage>().thumbnailImage, nullptr);
     EXPECT_EQ(f.provider->requested, std::vector<std::string>{"https://belva.example.com/i/30"});
 }
 
@@ -127,7 +127,7 @@ TEST(ImageFetcher, WithoutAnImageTheMessageComesBackAsItWas) {
     ImageFetcher{f.provider, f.cache}.fetch(UserMessage{.id = "1"}, true, keep);
     ASSERT_TRUE(testing_support::pumpMainQueueUntil([&] { return results.size() == 4; }));
     for (const auto& message : results) {
-        if (const auto* image = std::get_if<AgentImage>(&message)) {
+        if (const auto* image = message.getIf<AgentImage>()) {
             EXPECT_EQ(image->image, nullptr);
             EXPECT_EQ(image->thumbnailImage, nullptr);
         }
@@ -159,7 +159,7 @@ TEST(AttachmentFetcher, AsksOnceForEachAttachmentAndTakesFilesFromTheCacheOnly) 
     EXPECT_EQ(fetcher.attachmentsFetched().size(), 3u);
     bool sawDownloadedFile = false;
     for (const auto& message : filled)
-        if (const auto* file = std::get_if<UserFile>(&message)) sawDownloadedFile = file->downloaded && file->id == "12";
+        if (const auto* file = message.getIf<UserFile>()) sawDownloadedFile = file->downloaded && file->id == "12";
     EXPECT_TRUE(sawDownloadedFile);
 }
 
@@ -197,7 +197,7 @@ TEST(AttachmentFetcher, AFailedKeyIsAskedForAgainOnlyAfterAGrowingWait) {
     fetcher.fetchAttachments(table);
     EXPECT_EQ(requests(), 3u);
     ASSERT_EQ(filled.size(), 1u);
-    EXPECT_NE(std::get<AgentImage>(filled[0]).thumbnailImage, nullptr);
+    EXPECT_NE(filled[0].get<AgentImage>().thumbnailImage, nullptr);
     // Once it came, it is not asked for again.
     time.advance(AttachmentFetcher::longestRetryDelay);
     fetcher.fetchAttachments(table);

@@ -24,31 +24,31 @@ TEST(CommentToMessages, UserCommentOfAttachmentsAloneHasNoTextAndAgentRowsCarryT
     auto messages = messagesFromComment(comment(false, "[a.png, b.pdf]", {attachment(11, "a.png", FileType::png),
                                                                          attachment(12, "b.pdf", FileType::pdf)}));
     ASSERT_EQ(messages.size(), 2u);
-    const auto& image = std::get<UserImage>(messages[0]);
+    const auto& image = messages[0].get<UserImage>();
     EXPECT_EQ(image.id, "11");
     EXPECT_EQ(image.parentId, "10");
     EXPECT_EQ(image.status, DeliveryStatus::delivered);
     EXPECT_EQ(image.imageUrl, "https://files/11");
     EXPECT_EQ(image.createdAt, 1700000050);
-    const auto& file = std::get<UserFile>(messages[1]);
+    const auto& file = messages[1].get<UserFile>();
     EXPECT_EQ(file.size, 2048);
     EXPECT_FALSE(file.downloaded);
 
     messages = messagesFromComment(comment(false, "[a.png]", {attachment(11, "a.png", FileType::png),
                                                               attachment(12, "b.heic", FileType::heic)}));
     ASSERT_EQ(messages.size(), 3u) << "a text unlike the joined names stays";
-    EXPECT_EQ(std::get<UserMessage>(messages[0]).htmlBody, "<p>html</p>");
-    EXPECT_TRUE(std::holds_alternative<UserImage>(messages[2])) << "HEIC is an image";
-    EXPECT_TRUE(std::holds_alternative<UserFile>(messagesFromComment(
-        comment(false, "x", {attachment(13, "c", FileType::unknown)}))[1]));
+    EXPECT_EQ(messages[0].get<UserMessage>().htmlBody, "<p>html</p>");
+    EXPECT_TRUE(messages[2].holds<UserImage>()) << "HEIC is an image";
+    EXPECT_TRUE(messagesFromComment(
+        comment(false, "x", {attachment(13, "c", FileType::unknown)}))[1].holds<UserFile>());
 
     // Agent rows carry their author and keep their text.
     messages = messagesFromComment(
         comment(true, "[a.png]", {attachment(11, "a.png", FileType::jpeg), attachment(12, "r.pdf", FileType::pdf)}));
     ASSERT_EQ(messages.size(), 3u);
-    EXPECT_EQ(std::get<AgentMessage>(messages[0]).name, "Ada");
-    EXPECT_EQ(std::get<AgentImage>(messages[1]).avatarURL, "https://avatars/3");
-    EXPECT_EQ(std::get<AgentFile>(messages[2]).userID, 3);
+    EXPECT_EQ(messages[0].get<AgentMessage>().name, "Ada");
+    EXPECT_EQ(messages[1].get<AgentImage>().avatarURL, "https://avatars/3");
+    EXPECT_EQ(messages[2].get<AgentFile>().userID, 3);
 }
 
 TEST(LocalMessages, TextAndChosenAttachmentsAreQueuedTogether) {
@@ -66,11 +66,11 @@ TEST(LocalMessages, TextAndChosenAttachmentsAreQueuedTogether) {
         {std::make_shared<InputImageViewModel>(picture, "img-1", std::nullopt, std::nullopt, FileType::png, std::nullopt),
          std::make_shared<InputFileViewModel>("report", 99, nullptr, "bytes", "file-1", FileType::pdf, "pdf")});
     ASSERT_EQ(messages.size(), 3u);
-    const auto& image = std::get<UserImage>(messages[1]);
+    const auto& image = messages[1].get<UserImage>();
     EXPECT_EQ(image.id, "img-1");
     EXPECT_EQ(image.parentId, "T");
     EXPECT_EQ(image.image, picture);
-    const auto& file = std::get<UserFile>(messages[2]);
+    const auto& file = messages[2].get<UserFile>();
     EXPECT_EQ(file.filename, "report.pdf");
     EXPECT_EQ(file.status, DeliveryStatus::notDelivered);
     EXPECT_TRUE(file.downloaded);

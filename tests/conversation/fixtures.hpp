@@ -9,7 +9,7 @@ using namespace belvakit;
 
 inline UserMessage userMessage(std::string id, DeliveryStatus status = DeliveryStatus::delivered) {
     return {.id = std::move(id), .status = status, .body = "Hello there", .htmlBody = "<p>Hello there</p>",
-            .createdAt = 1700000000.25, .isEndOfGroup = true};
+            .createdAt = 1700000000.25};
 }
 
 inline AgentMessage agentMessage(std::string id, std::int64_t userID = 77) {
@@ -26,7 +26,7 @@ inline UserImage userImage(std::string id, DeliveryStatus status = DeliveryStatu
 inline AgentImage agentImage(std::string id) {
     return {.id = std::move(id), .parentId = "P2", .filename = "screen.jpeg", .fileType = FileType::heic,
             .imageUrl = "https://belva.example.com/i/2", .thumbnailUrl = "https://belva.example.com/t/2",
-            .imageSize = {1024, 768.75}, .createdAt = 1700000300, .userID = 78, .name = "Grace", .isEndOfGroup = true};
+            .imageSize = {1024, 768.75}, .createdAt = 1700000300, .userID = 78, .name = "Grace"};
 }
 
 inline UserFile userFile(std::string id, DeliveryStatus status = DeliveryStatus::lastDelivered) {

@@ -17,9 +17,7 @@ TEST(EquatableMessage, ComparesIdGroupEndAndTheFieldsOfSharedCapabilities) {
     EXPECT_TRUE(sameRow(userMessage("1"), userMessage("1")));
     EXPECT_FALSE(sameRow(userMessage("1"), userMessage("2")));
 
-    auto endChanged = userMessage("1");
-    endChanged.isEndOfGroup = !endChanged.isEndOfGroup;
-    EXPECT_FALSE(sameRow(userMessage("1"), endChanged));
+    EXPECT_FALSE(sameRow(userMessage("1"), Message(userMessage("1"), true)));
 
     auto bodyChanged = userMessage("1");
     bodyChanged.body = "Other";
@@ -39,7 +37,6 @@ TEST(EquatableMessage, ComparesIdGroupEndAndTheFieldsOfSharedCapabilities) {
     // A user message and a user file of one id share only the status.
     auto text = userMessage("same", DeliveryStatus::failed);
     auto file = userFile("same", DeliveryStatus::failed);
-    file.isEndOfGroup = text.isEndOfGroup;
     EXPECT_TRUE(sameRow(text, file));
     file.status = DeliveryStatus::delivered;
     EXPECT_FALSE(sameRow(text, file));

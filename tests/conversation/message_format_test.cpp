@@ -73,8 +73,8 @@ std::string listWith(const json::array& messages, std::int64_t version = 1) {
 } // namespace
 
 TEST(MessageFormat, EveryRecordKindSurvivesARoundTrip) {
-    const std::vector<Message> all{userMessage("1"), agentMessage("2"), userImage("3"),
-                                   agentImage("4"),  userFile("5"),     agentFile("6")};
+    const std::vector<Message> all{Message(userMessage("1"), true), agentMessage("2"), userImage("3"),
+                                   Message(agentImage("4"), true), userFile("5"), agentFile("6")};
     for (const auto& message : all) {
         const auto back = decodeMessage(encodeMessage(message));
         ASSERT_TRUE(back) << encodeMessage(message);
@@ -87,13 +87,13 @@ TEST(MessageFormat, EveryRecordKindSurvivesARoundTrip) {
     agent.avatarURL.reset();
     agent.htmlBody.reset();
     EXPECT_EQ(encoded(agent).at("html_body"), "");
-    const auto agentBack = std::get<AgentMessage>(*decodeMessage(encodeMessage(agent)));
+    const auto agentBack = (*decodeMessage(encodeMessage(agent))).get<AgentMessage>();
     EXPECT_EQ(agentBack.avatarURL, std::optional<std::string>(""));
     EXPECT_EQ(agentBack.htmlBody, std::optional<std::string>(""));
     auto picture = userImage("3");
     picture.image = platform::makeImage(2, 2);
     picture.thumbnailImage = platform::makeImage(1, 1);
-    const auto pictureBack = std::get<UserImage>(*decodeMessage(encodeMessage(picture)));
+    const auto pictureBack = (*decodeMessage(encodeMessage(picture))).get<UserImage>();
     EXPECT_EQ(pictureBack.image, nullptr);
     EXPECT_EQ(pictureBack.thumbnailImage, nullptr);
 }
@@ -273,9 +273,9 @@ TEST(PersistConversation, StampsThePlatformClockAndReadsEveryDateBackBitForBit) 
                       std::bit_cast<std::uint64_t>(createdAt(messages[i])))
                 << "message " << i;
             const auto sizeOf = [](const Message& m) {
-                return std::visit([](const auto& r) -> std::optional<platform::Size> {
+                return m.visit([](const auto& r) -> std::optional<platform::Size> {
                     if constexpr (requires { r.imageSize; }) return r.imageSize; else return std::nullopt;
-                }, m);
+                });
             };
             if (const auto original = sizeOf(messages[i])) {
                 const auto back = sizeOf(loaded.messages[i]);

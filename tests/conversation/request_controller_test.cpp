@@ -132,7 +132,7 @@ protected:
 
     std::optional<DeliveryStatus> statusOf(const std::string& body) const {
         for (const auto& message : state().tableData)
-            if (const auto* text = std::get_if<UserMessage>(&message); text && text->body == body) return text->status;
+            if (const auto* text = message.getIf<UserMessage>(); text && text->body == body) return text->status;
         return std::nullopt;
     }
 
@@ -305,7 +305,7 @@ TEST_F(ConversationScreenTest, AnAgentsAnswerArrivesAsABatchInsertWhileTheUserRe
                update.indexPaths.back().row == table().numberOfRowsInSection(0) - 1;
     }));
     EXPECT_EQ(table().contentOffset(), offset);
-    const auto* answer = std::get_if<AgentMessage>(&state().tableData.back());
+    const auto* answer = state().tableData.back().getIf<AgentMessage>();
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->htmlBody, "<p>Sorry to hear. Is the <b>cartridge</b> new?</p>");
 
@@ -350,7 +350,7 @@ TEST_F(ConversationScreenTest, ASendWhileOfflineFailsOffersRetryAndSucceedsOnceO
     ASSERT_TRUE(settled([&] { return statusOf("Hello?") == DeliveryStatus::lastDelivered; }));
     EXPECT_FALSE(find("CRVerrorStatusView"));
     EXPECT_EQ(host->tickets().comments(id).back().body, "Hello?");
-    EXPECT_EQ(std::get<UserMessage>(state().tableData.back()).body, "Hello?") << "the retried row goes to the bottom";
+    EXPECT_EQ(state().tableData.back().get<UserMessage>().body, "Hello?") << "the retried row goes to the bottom";
 }
 
 // The user picks Retry and the host takes the sheet away before its exit ends, so the row still

@@ -135,9 +135,9 @@ TEST_F(RequestTableReducerTest, PreparedAttachmentsNameTheirRows) {
     Actions::AttachmentsPrepared prepared;
     prepared.attachments = {upload("i1"), upload("i2", "notes.png"), upload("L", "not-an-attachment"), upload("gone", "x")};
     const auto state = reduce(withMessages({text("L", t0), image("i1", "L", t0), image("i2", "L", t0)}), prepared);
-    EXPECT_EQ(std::get<UserImage>(state.tableData[1]).filename, "Attachmenti1.png");
-    EXPECT_EQ(std::get<UserImage>(state.tableData[2]).filename, "notes.png");
-    EXPECT_EQ(std::get<UserMessage>(state.tableData[0]).body, "body of L");
+    EXPECT_EQ(state.tableData[1].get<UserImage>().filename, "Attachmenti1.png");
+    EXPECT_EQ(state.tableData[2].get<UserImage>().filename, "notes.png");
+    EXPECT_EQ(state.tableData[0].get<UserMessage>().body, "body of L");
 }
 
 TEST_F(RequestTableReducerTest, MergePairsMappedRowsAndOrdersTheRestByDate) {
@@ -152,11 +152,11 @@ TEST_F(RequestTableReducerTest, MergePairsMappedRowsAndOrdersTheRestByDate) {
     const auto state = reduce(local, merge);
     // Equal dates put the remote row first; a later unmapped one goes after every local row.
     EXPECT_EQ(ids(state.tableData), (Strings{"L1", "200", "L2", "300"}));
-    const auto& paired = std::get<UserMessage>(state.tableData[0]);
+    const auto& paired = state.tableData[0].get<UserMessage>();
     EXPECT_EQ(paired.body, "server body");
     EXPECT_EQ(paired.createdAt, t0 + 3);
     EXPECT_EQ(paired.status, DeliveryStatus::lastDelivered);
-    EXPECT_TRUE(std::holds_alternative<AgentMessage>(mergedMessage(agent("1", t0), text("1", t0))));
+    EXPECT_TRUE(mergedMessage(agent("1", t0), text("1", t0)).holds<AgentMessage>());
 }
 
 TEST_F(RequestTableReducerTest, MappedAttachmentsFindTheirRemoteRowAnywhere) {
@@ -170,7 +170,7 @@ TEST_F(RequestTableReducerTest, MappedAttachmentsFindTheirRemoteRowAnywhere) {
     merge.messages = {text("100", t0 + 1), image("102", "100", t0 + 1), remoteImage};  // attachments swapped
     const auto state = reduce(local, merge);
     EXPECT_EQ(ids(state.tableData), (Strings{"L", "i1", "i2", "L2"}));
-    const auto& merged = std::get<UserImage>(state.tableData[1]);
+    const auto& merged = state.tableData[1].get<UserImage>();
     EXPECT_EQ(merged.imageUrl, "https://files/101");
     EXPECT_EQ(merged.parentId, "L");
     EXPECT_EQ(merged.thumbnailImage, localImage.thumbnailImage);

@@ -5,6 +5,9 @@
 #include "platform/base64.hpp"
 #include "table_fixtures.hpp"
 
+#include <algorithm>
+#include <random>
+
 using namespace table_fixtures;
 
 namespace {
@@ -101,6 +104,107 @@ TEST_F(RequestTableRows, RecomputeIsTheFourStepsInOrderAndLeavesTheMessagesAlone
             }
 }
 
+// A conversation is held once: its rows refer to the records of its messages, whichever group
+// ends they show, and a state copied by a reduction refers to the same records again.
+TEST_F(RequestTableRows, RowsShareTheRecordsOfTheirMessages) {
+    std::vector<Message> messages{Message(text("u1", t0), true), text("u2", t0 + 1), image("i1", "u2", t0 + 2),
+                                  Message(agent("a1", t0 + 86400), true), agent("a2", t0 + 86401)};
+    const auto state = stateWith(messages, "Notice");
+    std::size_t shared = 0;
+    for (const auto& row : state.cellItems) {
+        const auto* message = std::get_if<Message>(&row);
+        if (!message) continue;
+        const auto same = std::find_if(state.tableData.begin(), state.tableData.end(),
+                                       [&](const Message& kept) { return id(kept) == id(*message); });
+        ASSERT_NE(same, state.tableData.end());
+        EXPECT_TRUE(message->sharesRecordWith(*same)) << id(*message);
+        EXPECT_TRUE(same->sharesRecordWith(messages[static_cast<std::size_t>(same - state.tableData.begin())]));
+        ++shared;
+    }
+    EXPECT_EQ(shared, messages.size());
+    std::vector<bool> rowEnds;
+    std::vector<bool> keptEnds;
+    for (const auto& row : state.cellItems)
+        if (const auto* message = std::get_if<Message>(&row)) rowEnds.push_back(isEndOfGroup(*message));
+    for (const auto& message : state.tableData) keptEnds.push_back(isEndOfGroup(message));
+    EXPECT_EQ(rowEnds, (std::vector<bool>{false, false, true, false, true}));
+    EXPECT_EQ(keptEnds, (std::vector<bool>{true, false, false, true, false})) << "the messages keep their own flags";
+}
+
+namespace {
+
+// A conversation of a few days, of every kind that groups or dates differently.
+Message randomMessage(std::mt19937& random, int serial, Date& at) {
+    at += random() % 4 == 0 ? 86400 * static_cast<int>(random() % 3) - 3600 : 60;
+    const std::string id = "m" + std::to_string(serial);
+    const auto status = static_cast<DeliveryStatus>(random() % 4);
+    switch (random() % 4) {
+    case 0: return agent(id, at, 7 + static_cast<int>(random() % 2));
+    case 1: return image(id, "m" + std::to_string(serial - 1 - static_cast<int>(random() % 3)), at, status);
+    default: return text(id, at, status);
+    }
+}
+
+std::optional<std::string> randomNotice(std::mt19937& random) {
+    return random() % 3 == 0 ? std::nullopt : std::optional<std::string>("notice " + std::to_string(random() % 2));
+}
+
+} // namespace
+
+// Rows kept from an earlier state are the rows a derivation from scratch gives, whatever changed
+// in between: messages added, gone, changed or moved anywhere, the notice, the closed flag, the
+// calendar, or an earlier state whose notice changed after its rows were made.
+TEST_F(RequestTableRows, RowsKeptFromAnEarlierStateAreTheRowsOfAFreshDerivation) {
+    int kept = 0;  // states that kept rows
+    for (unsigned seed = 1; seed <= 3000; ++seed) {
+        std::mt19937 random(seed);
+        platform::Calendar::setCurrent(platform::Calendar("en_US", "UTC"));
+        Date at = t0;
+        int serial = 0;
+        RequestTableState previous;
+        const int count = static_cast<int>(random() % 14);
+        for (int i = 0; i < count; ++i) previous.tableData.push_back(randomMessage(random, serial++, at));
+        previous.systemMessage = randomNotice(random);
+        previous.ticketClosed = random() % 4 == 0;
+        recompute(previous);
+        if (random() % 6 == 0) previous.systemMessage = randomNotice(random);  // changed without new rows
+
+        RequestTableState next;
+        next.tableData = previous.tableData;
+        next.systemMessage = random() % 5 == 0 ? randomNotice(random) : previous.systemMessage;
+        next.ticketClosed = random() % 5 == 0 ? !previous.ticketClosed : previous.ticketClosed;
+        auto& messages = next.tableData;
+        for (int changes = static_cast<int>(random() % 3); changes > 0; --changes) {
+            const std::size_t place = messages.empty() ? 0 : random() % messages.size();
+            switch (random() % 5) {
+            case 0: messages.push_back(randomMessage(random, serial++, at)); break;
+            case 1: messages.insert(messages.begin() + static_cast<std::ptrdiff_t>(place), randomMessage(random, serial++, at)); break;
+            case 2: if (!messages.empty()) messages.erase(messages.begin() + static_cast<std::ptrdiff_t>(place)); break;
+            case 3: if (!messages.empty()) setStatus(messages[place], static_cast<DeliveryStatus>(random() % 4)); break;
+            default: if (!messages.empty()) setCreatedAt(messages[place], createdAt(messages[place]) + 86400); break;
+            }
+        }
+        if (random() % 10 == 0) platform::Calendar::setCurrent(platform::Calendar("en_US", "America/New_York"));
+
+        const std::size_t keptRows = recompute(next, previous);
+        const auto fresh = recompute(next.tableData, next);
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        ASSERT_EQ(rowIds(next.cellItems), rowIds(fresh));
+        for (std::size_t row = 0; row < fresh.size(); ++row) {
+            ASSERT_TRUE(EquatableCellItem(next.cellItems[row]) == EquatableCellItem(fresh[row])) << "row " << row;
+            ASSERT_EQ(id(next.cellItems[row]), id(fresh[row])) << "row " << row;
+        }
+        std::size_t message = 0;
+        for (const auto& row : next.cellItems) {
+            if (const auto* shown = std::get_if<Message>(&row)) {
+                ASSERT_TRUE(shown->sharesRecordWith(messages[message++]));
+            }
+        }
+        kept += keptRows > 0;
+    }
+    EXPECT_GT(kept, 1000) << "most changes keep the rows before them";
+}
+
 TEST(RequestTableState, EqualityLooksAtActionTypeClosedFlagAndMessageRows) {
     RequestTableState left;
     left.tableData = {text("u1", t0)};
@@ -114,6 +218,6 @@ TEST(RequestTableState, EqualityLooksAtActionTypeClosedFlagAndMessageRows) {
     right.ticketClosed = true;
     EXPECT_NE(left, right);
     right = left;
-    std::get<UserMessage>(right.tableData[0]).status = DeliveryStatus::failed;
+    right.tableData[0].edit<UserMessage>().status = DeliveryStatus::failed;
     EXPECT_NE(left, right);
 }

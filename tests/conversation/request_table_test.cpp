@@ -18,11 +18,11 @@ namespace D = belvakit::DiffHandler;
 namespace {
 
 UserMessage userText(std::string id, DeliveryStatus status = DeliveryStatus::delivered, std::string body = "hello") {
-    return UserMessage{std::move(id), status, std::move(body), std::nullopt, 1700000000, false};
+    return UserMessage{std::move(id), status, std::move(body), std::nullopt, 1700000000};
 }
 
 AgentMessage agentText(std::string id, std::string body = "agent", std::optional<std::string> html = std::nullopt) {
-    return AgentMessage{std::move(id), std::move(body), std::move(html), 1700000000, 7, "Ada", std::nullopt, false};
+    return AgentMessage{std::move(id), std::move(body), std::move(html), 1700000000, 7, "Ada", std::nullopt};
 }
 
 UserImage userImage(std::string id, platform::ImagePtr image = nullptr) {
@@ -74,8 +74,7 @@ public:
         case 3: return Message(userImage(rowId, below(2) ? image_ : nullptr));
         default: {
             auto text = userText(rowId, static_cast<DeliveryStatus>(below(4)), "body " + std::to_string(below(3)));
-            text.isEndOfGroup = below(2) == 0;
-            return Message(text);
+            return Message(std::move(text), below(2) == 0);
         }
         }
     }
@@ -93,11 +92,11 @@ public:
                     setIsEndOfGroup(copy, !isEndOfGroup(copy));
                 break;
             default:
-                if (auto* text = std::get_if<UserMessage>(&copy))
+                if (auto* text = copy.editIf<UserMessage>())
                     text->body += "!";
-                else if (auto* agent = std::get_if<AgentMessage>(&copy))
+                else if (auto* agent = copy.editIf<AgentMessage>())
                     agent->body += "!";
-                else if (auto* image = std::get_if<UserImage>(&copy))
+                else if (auto* image = copy.editIf<UserImage>())
                     image->image = image->image ? nullptr : image_;
                 break;
             }

@@ -16,11 +16,11 @@ using Strings = std::vector<std::string>;
 inline constexpr Date t0 = 1700000000;  // 2023-11-14 22:13:20 UTC
 
 inline UserMessage text(std::string id, Date at, DeliveryStatus status = DeliveryStatus::delivered) {
-    return UserMessage{id, status, "body of " + id, std::nullopt, at, false};
+    return UserMessage{id, status, "body of " + id, std::nullopt, at};
 }
 
 inline AgentMessage agent(std::string id, Date at, std::int64_t userID = 7) {
-    return AgentMessage{id, "agent says " + id, std::nullopt, at, userID, "Ada", std::nullopt, false};
+    return AgentMessage{id, "agent says " + id, std::nullopt, at, userID, "Ada", std::nullopt};
 }
 
 inline UserImage image(std::string id, std::string parentId, Date at, DeliveryStatus status = DeliveryStatus::delivered) {

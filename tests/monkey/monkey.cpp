@@ -394,7 +394,7 @@ private:
                 auto listening = sharedStore()->addActionListener([&removed](const tivra::Action& action) {
                     if (const auto* deletion = tivra::actionAs<Actions::DeleteMessages>(action))
                         for (const auto& message : deletion->messages)
-                            if (const auto* text = std::get_if<UserMessage>(&message))
+                            if (const auto* text = message.getIf<UserMessage>())
                                 if (auto marker = markerOf(text->body)) removed.insert(*marker);
                 });
                 tap();
@@ -834,11 +834,11 @@ private:
         std::string where;
         for (const auto& [key, list] : storedConversations())
             for (const auto& message : list.messages)
-                if (const auto* text = std::get_if<UserMessage>(&message); text && markerOf(text->body) == options_.watch)
+                if (const auto* text = message.getIf<UserMessage>(); text && markerOf(text->body) == options_.watch)
                     where += " " + key + ":" + statusName(text->status);
         if (const auto* table = sharedStore()->state().valueOfType<RequestTableState>())
             for (const auto& message : table->tableData)
-                if (const auto* text = std::get_if<UserMessage>(&message); text && markerOf(text->body) == options_.watch)
+                if (const auto* text = message.getIf<UserMessage>(); text && markerOf(text->body) == options_.watch)
                     where += " table(" + table->localId.value_or("-") + "):" + statusName(text->status);
         {
             const LocalIDStore ids;
@@ -1028,7 +1028,7 @@ private:
         std::map<long, int> seen;
         for (std::size_t row = 0; row < items.size(); ++row) {
             const auto* message = std::get_if<Message>(&items[row]);
-            const auto* text = message ? std::get_if<UserMessage>(message) : nullptr;
+            const auto* text = message ? message->getIf<UserMessage>() : nullptr;
             const auto marker = text ? markerOf(text->body) : std::nullopt;
             if (!marker) continue;
             expect(++seen[*marker] == 1, markerText(*marker) + " shows twice in ticket " + id);
@@ -1084,7 +1084,7 @@ private:
         std::map<long, std::vector<StoredMessage>> stored;
         for (const auto& [key, list] : storedConversations())
             for (const auto& message : list.messages)
-                if (const auto* text = std::get_if<UserMessage>(&message))
+                if (const auto* text = message.getIf<UserMessage>())
                     if (auto marker = markerOf(text->body)) stored[*marker].push_back({key, text->status});
         for (const auto& [marker, sent] : ledger_) {
             const std::string what = markerText(marker) + " (sent at step " + std::to_string(sent.step) + " in " + sent.group.name + ")";

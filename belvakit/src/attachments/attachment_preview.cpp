@@ -6,14 +6,12 @@
 namespace belvakit {
 
 AttachmentDetailPresenter::AttachmentDetailPresenter(const Message& message, const Cache& cache) {
-    std::visit(
-        [&](const auto& record) {
-            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>) {
-                previewItem_.previewItemURL = cache.fileURL(fileCacheKey(record.id, record.filename));
-                previewItem_.previewItemTitle = record.filename;
-            }
-        },
-        message);
+    message.visit([&](const auto& record) {
+        if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>) {
+            previewItem_.previewItemURL = cache.fileURL(fileCacheKey(record.id, record.filename));
+            previewItem_.previewItemTitle = record.filename;
+        }
+    });
 }
 
 std::optional<SharedDocumentError> SharedDocument::loadFromContents(const std::any& contents, const std::string&) {

@@ -18,11 +18,19 @@ void putImage(Record& record, bool thumbnail, platform::ImagePtr image) {
 
 // The message with its image or thumbnail set, for image records.
 Message withImage(Message message, bool thumbnail, platform::ImagePtr image) {
-    std::visit(
-        [&](auto& record) {
-            if constexpr (ImageMessage<std::decay_t<decltype(record)>>) putImage(record, thumbnail, std::move(image));
-        },
-        message);
+    if (!message.holds<UserImage>() && !message.holds<AgentImage>()) return message;
+    message.update([&](auto& record) {
+        if constexpr (ImageMessage<std::decay_t<decltype(record)>>) putImage(record, thumbnail, std::move(image));
+    });
+    return message;
+}
+
+// The file message, marked as on the device.
+Message downloadedFile(Message message) {
+    if (!message.holds<UserFile>() && !message.holds<AgentFile>()) return message;
+    message.update([](auto& record) {
+        if constexpr (FileMessage<std::decay_t<decltype(record)>>) record.downloaded = true;
+    });
     return message;
 }
 
@@ -34,14 +42,12 @@ struct ImageSource {
 };
 
 std::optional<ImageSource> imageSource(const Message& message, bool thumbnail) {
-    return std::visit(
-        [&](const auto& record) -> std::optional<ImageSource> {
-            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
-                return ImageSource{record.id, record.filename, thumbnail ? record.thumbnailUrl : record.imageUrl};
-            else
-                return std::nullopt;
-        },
-        message);
+    return message.visit([&](const auto& record) -> std::optional<ImageSource> {
+        if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+            return ImageSource{record.id, record.filename, thumbnail ? record.thumbnailUrl : record.imageUrl};
+        else
+            return std::nullopt;
+    });
 }
 
 void keepEncoded(Cache& cache, const ImageSource& source, bool thumbnail, const platform::ImagePtr& image) {
@@ -70,40 +76,34 @@ void fetchFromNetwork(const std::shared_ptr<AttachmentsProvider>& provider, cons
 }
 
 bool hasImage(const Message& message, bool thumbnail) {
-    return std::visit(
-        [&](const auto& record) {
-            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
-                return (thumbnail ? record.thumbnailImage : record.image) != nullptr;
-            else
-                return false;
-        },
-        message);
+    return message.visit([&](const auto& record) {
+        if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+            return (thumbnail ? record.thumbnailImage : record.image) != nullptr;
+        else
+            return false;
+    });
 }
 
 } // namespace
 
 void FileFetcher::fetch(const Message& fileMessage, MessageCompletion completion) const {
-    std::visit(
-        [&](const auto& record) {
-            using Record = std::decay_t<decltype(record)>;
-            if constexpr (FileMessage<Record>) {
-                if (!attachmentsProvider) return completion(fileMessage);
-                attachmentsProvider->getAttachment(
-                    record.attachmentUrl, [record, cache = cache, completion = std::move(completion)](
-                                              std::optional<std::string> data,
-                                              std::optional<dastrel::ProviderError> error) {
-                        // Downloaded means the bytes are here: a failed download can be tapped again.
-                        if (!data || error) return completion(Message(record));
-                        if (cache) cache->storeIfAbsent(fileCacheKey(record.id, record.filename), std::move(*data));
-                        Record downloaded = record;
-                        downloaded.downloaded = true;
-                        completion(Message(std::move(downloaded)));
-                    });
-            } else {
-                completion(fileMessage);
-            }
-        },
-        fileMessage);
+    fileMessage.visit([&](const auto& record) {
+        using Record = std::decay_t<decltype(record)>;
+        if constexpr (FileMessage<Record>) {
+            if (!attachmentsProvider) return completion(fileMessage);
+            attachmentsProvider->getAttachment(
+                record.attachmentUrl, [fileMessage, key = fileCacheKey(record.id, record.filename), cache = cache,
+                                       completion = std::move(completion)](std::optional<std::string> data,
+                                                                           std::optional<dastrel::ProviderError> error) {
+                    // Downloaded means the bytes are here: a failed download can be tapped again.
+                    if (!data || error) return completion(fileMessage);
+                    if (cache) cache->storeIfAbsent(key, std::move(*data));
+                    completion(downloadedFile(fileMessage));
+                });
+        } else {
+            completion(fileMessage);
+        }
+    });
 }
 
 void ImageFetcher::fetch(const Message& imageMessage, bool thumbnail, MessageCompletion completion) const {
@@ -166,31 +166,27 @@ void AttachmentFetcher::fetchAttachments(const std::vector<Message>& messages, b
         });
     };
     for (const auto& message : messages) {
-        std::visit(
-            [&](const auto& record) {
-                using Record = std::decay_t<decltype(record)>;
-                if constexpr (FileMessage<Record>) {
-                    if (!fileFetcher_.cache) return;
-                    const auto key = fileCacheKey(record.id, record.filename);
-                    if (!keys_->begin(key)) return;
-                    fileFetcher_.cache->fetch(key, [record, key, finished](std::optional<std::string> bytes) {
-                        if (!bytes) return finished(key, std::nullopt);
-                        Record downloaded = record;
-                        downloaded.downloaded = true;
-                        finished(key, Message(std::move(downloaded)));
-                    });
-                } else if constexpr (ImageMessage<Record>) {
-                    if (thumbnails ? record.thumbnailImage != nullptr : record.image != nullptr) return;
-                    const auto key = thumbnails ? thumbnailCacheKey(record.id, record.filename)
-                                                : imageCacheKey(record.id, record.filename);
-                    if (!keys_->begin(key)) return;
-                    imageFetcher_.fetch(message, thumbnails, [key, thumbnails, finished](Message filled) {
-                        if (!hasImage(filled, thumbnails)) return finished(key, std::nullopt);
-                        finished(key, std::move(filled));
-                    });
-                }
-            },
-            message);
+        message.visit([&](const auto& record) {
+            using Record = std::decay_t<decltype(record)>;
+            if constexpr (FileMessage<Record>) {
+                if (!fileFetcher_.cache) return;
+                const auto key = fileCacheKey(record.id, record.filename);
+                if (!keys_->begin(key)) return;
+                fileFetcher_.cache->fetch(key, [message, key, finished](std::optional<std::string> bytes) {
+                    if (!bytes) return finished(key, std::nullopt);
+                    finished(key, downloadedFile(message));
+                });
+            } else if constexpr (ImageMessage<Record>) {
+                if (thumbnails ? record.thumbnailImage != nullptr : record.image != nullptr) return;
+                const auto key = thumbnails ? thumbnailCacheKey(record.id, record.filename)
+                                            : imageCacheKey(record.id, record.filename);
+                if (!keys_->begin(key)) return;
+                imageFetcher_.fetch(message, thumbnails, [key, thumbnails, finished](Message filled) {
+                    if (!hasImage(filled, thumbnails)) return finished(key, std::nullopt);
+                    finished(key, std::move(filled));
+                });
+            }
+        });
     }
 }
 

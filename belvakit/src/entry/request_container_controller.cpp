@@ -244,14 +244,12 @@ std::vector<AgentAvatarInfo> RequestContainerController::agentsOf(const RequestT
     std::set<std::int64_t> seen;
     const std::string requestId = table.remoteId.value_or(table.localId.value_or(""));
     for (auto message = table.tableData.rbegin(); message != table.tableData.rend(); ++message) {
-        std::visit(
-            [&](const auto& record) {
-                if constexpr (IdentifiableUserMessage<std::decay_t<decltype(record)>>) {
-                    if (!seen.insert(record.userID).second) return;
-                    agents.push_back({record.avatarURL, nullptr, requestId, record.name, record.userID});
-                }
-            },
-            *message);
+        message->visit([&](const auto& record) {
+            if constexpr (IdentifiableUserMessage<std::decay_t<decltype(record)>>) {
+                if (!seen.insert(record.userID).second) return;
+                agents.push_back({record.avatarURL, nullptr, requestId, record.name, record.userID});
+            }
+        });
     }
     return agents;
 }

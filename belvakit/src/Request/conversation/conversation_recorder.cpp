@@ -26,11 +26,11 @@ void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
         // One list row per conversation: only the first failure of a local id reports it. Every
         // later failed text would find the id known, so one look at the store does for all.
         const auto failedText = std::find_if(state.tableData.begin(), state.tableData.end(), [](const Message& message) {
-            const auto* text = std::get_if<UserMessage>(&message);
+            const auto* text = message.getIf<UserMessage>();
             return text && text->status == DeliveryStatus::failed;
         });
         if (failedText != state.tableData.end() && idStore.addLocalId(*state.localId)) {
-            const auto& text = std::get<UserMessage>(*failedText);
+            const auto& text = failedText->get<UserMessage>();
             Actions::RequestCreationOrUpdateError error;
             error.id = text.id;
             error.requestDescription = text.body;

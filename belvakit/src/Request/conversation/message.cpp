@@ -2,78 +2,88 @@
 
 namespace belvakit {
 
+const Message::Box& Message::emptyBox() {
+    // Never freed: Messages in static storage may outlive any other owner.
+    static const Box* const empty = new BoxOf<UserMessage>(UserMessage{});
+    return *empty;
+}
+
+Message::Box& Message::own() {
+    if (box_ && box_->references.load(std::memory_order_acquire) == 1) return *box_;
+    Box* mine = dispatch(index(), [&]<class Record>(std::type_identity<Record>) -> Box* {
+        return new BoxOf<Record>(static_cast<const BoxOf<Record>&>(box()).record);
+    });
+    release();
+    box_ = mine;
+    return *box_;
+}
+
+void Message::release() noexcept {
+    if (!box_ || box_->references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+    dispatch(index(), [&]<class Record>(std::type_identity<Record>) { delete static_cast<BoxOf<Record>*>(box_); });
+    box_ = nullptr;
+}
+
 const std::string& id(const Message& message) {
-    return std::visit([](const auto& record) -> const std::string& { return record.id; }, message);
+    return message.visit([](const auto& record) -> const std::string& { return record.id; });
 }
 
 EventType type(const Message& message) {
-    return std::visit([](const auto& record) { return record.type; }, message);
+    return message.visit([](const auto& record) { return record.type; });
 }
 
 Date createdAt(const Message& message) {
-    return std::visit([](const auto& record) { return record.createdAt; }, message);
+    return message.visit([](const auto& record) { return record.createdAt; });
 }
 
-bool isEndOfGroup(const Message& message) {
-    return std::visit([](const auto& record) { return record.isEndOfGroup; }, message);
-}
+bool isEndOfGroup(const Message& message) { return message.isEndOfGroup(); }
 
 void setCreatedAt(Message& message, Date value) {
-    std::visit([&](auto& record) { record.createdAt = value; }, message);
+    if (createdAt(message) == value) return;
+    message.update([&](auto& record) { record.createdAt = value; });
 }
 
-void setIsEndOfGroup(Message& message, bool value) {
-    std::visit([&](auto& record) { record.isEndOfGroup = value; }, message);
-}
+void setIsEndOfGroup(Message& message, bool value) { message.setIsEndOfGroup(value); }
 
 std::optional<DeliveryStatus> status(const Message& message) {
-    return std::visit(
-        [](const auto& record) -> std::optional<DeliveryStatus> {
-            if constexpr (DeliverableEvent<std::decay_t<decltype(record)>>)
-                return record.status;
-            else
-                return std::nullopt;
-        },
-        message);
+    return message.visit([](const auto& record) -> std::optional<DeliveryStatus> {
+        if constexpr (DeliverableEvent<std::decay_t<decltype(record)>>)
+            return record.status;
+        else
+            return std::nullopt;
+    });
 }
 
 bool setStatus(Message& message, DeliveryStatus value) {
-    return std::visit(
-        [&](auto& record) {
-            if constexpr (DeliverableEvent<std::decay_t<decltype(record)>>) {
-                record.status = value;
-                return true;
-            } else {
-                return false;
-            }
-        },
-        message);
+    const auto now = status(message);
+    if (!now) return false;
+    if (*now == value) return true;
+    message.update([&](auto& record) {
+        if constexpr (DeliverableEvent<std::decay_t<decltype(record)>>) record.status = value;
+    });
+    return true;
 }
 
 bool hasAttachment(const Message& message) {
-    return std::visit([](const auto& record) { return AttachmentMessage<std::decay_t<decltype(record)>>; }, message);
+    return message.visit([](const auto& record) { return AttachmentMessage<std::decay_t<decltype(record)>>; });
 }
 
 const std::string* parentIdOf(const Message& message) {
-    return std::visit(
-        [](const auto& record) -> const std::string* {
-            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
-                return &record.parentId;
-            else
-                return nullptr;
-        },
-        message);
+    return message.visit([](const auto& record) -> const std::string* {
+        if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
+            return &record.parentId;
+        else
+            return nullptr;
+    });
 }
 
 const std::string* bodyOf(const Message& message) {
-    return std::visit(
-        [](const auto& record) -> const std::string* {
-            if constexpr (TextMessage<std::decay_t<decltype(record)>>)
-                return &record.body;
-            else
-                return nullptr;
-        },
-        message);
+    return message.visit([](const auto& record) -> const std::string* {
+        if constexpr (TextMessage<std::decay_t<decltype(record)>>)
+            return &record.body;
+        else
+            return nullptr;
+    });
 }
 
 const std::string& id(const CellItem& item) {

@@ -130,14 +130,12 @@ void StatusView::show(Kind kind, const Message& message) {
         subscriptLabel->setAccessibilityIdentifier("CRVsendingStatusView");
         break;
     case Kind::agentName:
-        subscriptLabel->setText(std::visit(
-            [](const auto& record) -> std::string {
-                if constexpr (IdentifiableUserMessage<std::decay_t<decltype(record)>>)
-                    return record.name;
-                else
-                    return {};
-            },
-            message));
+        subscriptLabel->setText(message.visit([](const auto& record) -> std::string {
+            if constexpr (IdentifiableUserMessage<std::decay_t<decltype(record)>>)
+                return record.name;
+            else
+                return {};
+        }));
         subscriptLabel->setAccessibilityIdentifier("CRVagentNameStatusView");
         break;
     }
@@ -243,7 +241,7 @@ bool TextCell::shouldOpen(const platform::URL& url) {
 void TextCell::setMessage(const Message& message) {
     const auto* body = bodyOf(message);
     const std::string text = body ? *body : std::string();
-    if (const auto* agent = std::get_if<AgentMessage>(&message)) {
+    if (const auto* agent = message.getIf<AgentMessage>()) {
         // A body restored from disk has an empty html body: plain text, not a parse.
         const auto html = agent->htmlBody && !agent->htmlBody->empty() ? agent->htmlBody : std::nullopt;
         messageTextView->setAttributedText(messageCellText(true, agent->body, html));
@@ -303,14 +301,12 @@ ImageCell::ImageCell(uikit::TableViewCellStyle style, std::string reuseIdentifie
 
 void ImageCell::setMessage(const Message& message) {
     platform::ImagePtr picture;
-    std::visit(
-        [&](const auto& record) {
-            if constexpr (ImageMessage<std::decay_t<decltype(record)>>) {
-                picture = record.image ? record.image : record.thumbnailImage;
-                imageHolderView->setAccessibilityLabel(record.filename);
-            }
-        },
-        message);
+    message.visit([&](const auto& record) {
+        if constexpr (ImageMessage<std::decay_t<decltype(record)>>) {
+            picture = record.image ? record.image : record.thumbnailImage;
+            imageHolderView->setAccessibilityLabel(record.filename);
+        }
+    });
     attachmentImageView->setImage(picture);
     attachmentImageView->setHidden(!picture);
     placeholderView->setHidden(picture != nullptr);
@@ -324,16 +320,14 @@ uikit::Rect ImageCell::imageFrame(double cellWidth) const {
     const double tallest = std::max(40.0, std::min(basis * 0.8, 320.0));
     platform::Size natural{4, 3};
     if (message_) {
-        std::visit(
-            [&](const auto& record) {
-                if constexpr (ImageMessage<std::decay_t<decltype(record)>>) {
-                    if (record.imageSize.width > 0 && record.imageSize.height > 0)
-                        natural = record.imageSize;
-                    else if (const auto& shown = record.image ? record.image : record.thumbnailImage)
-                        if (shown->width > 0 && shown->height > 0) natural = shown->size();
-                }
-            },
-            *message_);
+        message_->visit([&](const auto& record) {
+            if constexpr (ImageMessage<std::decay_t<decltype(record)>>) {
+                if (record.imageSize.width > 0 && record.imageSize.height > 0)
+                    natural = record.imageSize;
+                else if (const auto& shown = record.image ? record.image : record.thumbnailImage)
+                    if (shown->width > 0 && shown->height > 0) natural = shown->size();
+            }
+        });
     }
     double w = std::min(widest, std::max(natural.width, 40.0));
     double h = w * natural.height / natural.width;
@@ -386,18 +380,16 @@ void FileCell::setMessage(const Message& message) {
     const auto theme = CRVLegacyTheme::currentAppliedTheme();
     const bool agent = !status(message).has_value();
     const auto text = agent ? theme->primaryTextColor : platform::Color::white();
-    std::visit(
-        [&](const auto& record) {
-            if constexpr (FileMessage<std::decay_t<decltype(record)>>) {
-                filenameLabel->setText(record.filename);
-                sizeLabel->setText(fileSizeText(record.size));
-                iconView->setImage(icon(record.fileType));
-                attachmentView->setAccessibilityLabel(
-                    localized(agent ? LocalizedKey::requestsConversationsAgentFileAccessibility
-                                    : LocalizedKey::requestsConversationsUserFileAccessibility));
-            }
-        },
-        message);
+    message.visit([&](const auto& record) {
+        if constexpr (FileMessage<std::decay_t<decltype(record)>>) {
+            filenameLabel->setText(record.filename);
+            sizeLabel->setText(fileSizeText(record.size));
+            iconView->setImage(icon(record.fileType));
+            attachmentView->setAccessibilityLabel(
+                localized(agent ? LocalizedKey::requestsConversationsAgentFileAccessibility
+                                : LocalizedKey::requestsConversationsUserFileAccessibility));
+        }
+    });
     filenameLabel->setFont(theme->mainFont);
     filenameLabel->setTextColor(text);
     sizeLabel->setFont(theme->metaTextFont);

@@ -40,12 +40,15 @@ bool continuesGroupOf(const L& left, const R& right) {
 } // namespace
 
 bool rowsEqual(const Message& left, const Message& right) {
-    if (id(left) != id(right) || isEndOfGroup(left) != isEndOfGroup(right)) return false;
-    return std::visit([](const auto& l, const auto& r) { return sameContent(l, r); }, left, right);
+    if (isEndOfGroup(left) != isEndOfGroup(right)) return false;
+    // Most rows of two states are copies of one message.
+    if (left.sharesRecordWith(right)) return true;
+    if (id(left) != id(right)) return false;
+    return left.visit([&](const auto& l) { return right.visit([&](const auto& r) { return sameContent(l, r); }); });
 }
 
 bool continuesGroup(const Message& left, const Message& right) {
-    return std::visit([](const auto& l, const auto& r) { return continuesGroupOf(l, r); }, left, right);
+    return left.visit([&](const auto& l) { return right.visit([&](const auto& r) { return continuesGroupOf(l, r); }); });
 }
 
 bool EquatableMessage::operator==(const EquatableMessage& other) const { return rowsEqual(message_, other.message_); }

@@ -20,7 +20,7 @@ namespace {
 // Writing: every key of a record's column, absent html body and avatar as empty strings.
 
 template <class Record>
-void writeRecord(const Record& record, platform::JsonWriter& out) {
+void writeRecord(const Record& record, bool isEndOfGroup, platform::JsonWriter& out) {
     out.beginObject();
     out.key("id");
     out.string(record.id);
@@ -77,24 +77,22 @@ void writeRecord(const Record& record, platform::JsonWriter& out) {
         out.string(record.avatarURL ? std::string_view(*record.avatarURL) : std::string_view());
     }
     out.key("isEndOfGroup");
-    out.boolean(record.isEndOfGroup);
+    out.boolean(isEndOfGroup);
     out.endObject();
 }
 
 void writeMessage(const Message& message, platform::JsonWriter& out) {
-    std::visit([&](const auto& record) { writeRecord(record, out); }, message);
+    message.visit([&](const auto& record) { writeRecord(record, isEndOfGroup(message), out); });
 }
 
 // JSON has no text for these; writing them would give a file that cannot be read back.
 bool isWritable(const Message& message) {
-    return std::visit(
-        [](const auto& record) {
-            bool finite = std::isfinite(record.createdAt);
-            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
-                finite = finite && std::isfinite(record.imageSize.width) && std::isfinite(record.imageSize.height);
-            return finite;
-        },
-        message);
+    return message.visit([](const auto& record) {
+        bool finite = std::isfinite(record.createdAt);
+        if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+            finite = finite && std::isfinite(record.imageSize.width) && std::isfinite(record.imageSize.height);
+        return finite;
+    });
 }
 
 // Reading: each requirement names a key and the exact JSON type its value must have.
@@ -179,8 +177,9 @@ template <class Record>
 std::optional<Message> readRecord(const json::object& object) {
     const Reader in(object);
     Record record;
+    bool endOfGroup = false;
     bool ok = in.string("id", record.id) && in.floating("createdAt", record.createdAt) &&
-              in.boolean("isEndOfGroup", record.isEndOfGroup);
+              in.boolean("isEndOfGroup", endOfGroup);
     if constexpr (AttachmentMessage<Record>)
         ok = ok && in.string("parentId", record.parentId) && in.string("filename", record.filename) &&
              in.fileType("fileType", record.fileType);
@@ -198,7 +197,7 @@ std::optional<Message> readRecord(const json::object& object) {
         ok = ok && in.number("userID", record.userID) && in.string("name", record.name) &&
              in.string("avatarURL", record.avatarURL);
     if (!ok) return std::nullopt;
-    return Message(std::move(record));
+    return Message(std::move(record), endOfGroup);
 }
 
 std::optional<Message> readMessage(const json::object& object) {

@@ -88,40 +88,34 @@ bool isDeviceId(const std::string& id) {
 }
 
 bool isImageRow(const Message& message) {
-    return std::holds_alternative<UserImage>(message) || std::holds_alternative<AgentImage>(message);
+    return message.holds<UserImage>() || message.holds<AgentImage>();
 }
 
 std::string filenameOf(const Message& message) {
-    return std::visit(
-        [](const auto& record) -> std::string {
-            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
-                return record.filename;
-            else
-                return {};
-        },
-        message);
+    return message.visit([](const auto& record) -> std::string {
+        if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
+            return record.filename;
+        else
+            return {};
+    });
 }
 
 platform::ImagePtr imageOf(const Message& message) {
-    return std::visit(
-        [](const auto& record) -> platform::ImagePtr {
-            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
-                return record.image ? record.image : record.thumbnailImage;
-            else
-                return nullptr;
-        },
-        message);
+    return message.visit([](const auto& record) -> platform::ImagePtr {
+        if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+            return record.image ? record.image : record.thumbnailImage;
+        else
+            return nullptr;
+    });
 }
 
 bool downloaded(const Message& message) {
-    return std::visit(
-        [](const auto& record) {
-            if constexpr (FileMessage<std::decay_t<decltype(record)>>)
-                return record.downloaded;
-            else
-                return false;
-        },
-        message);
+    return message.visit([](const auto& record) {
+        if constexpr (FileMessage<std::decay_t<decltype(record)>>)
+            return record.downloaded;
+        else
+            return false;
+    });
 }
 
 } // namespace
@@ -646,7 +640,7 @@ void RequestController::retry(const std::vector<Message>& messages) {
     details.conversation = conversationId();
     std::vector<Message> files;
     for (const auto& message : messages) {
-        if (const auto* text = std::get_if<UserMessage>(&message)) {
+        if (const auto* text = message.getIf<UserMessage>()) {
             details.id = text->id;
             details.body = text->body;
         } else if (hasAttachment(message)) {
@@ -664,14 +658,12 @@ void RequestController::retry(const std::vector<Message>& messages) {
     auto send = [store = store_, details, files](const std::vector<std::optional<std::string>>& kept) mutable {
         for (std::size_t i = 0; i < files.size(); ++i) {
             const Message& file = files[i];
-            const auto type = std::visit(
-                [](const auto& record) {
-                    if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
-                        return record.fileType;
-                    else
-                        return FileType::unknown;
-                },
-                file);
+            const auto type = file.visit([](const auto& record) {
+                if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
+                    return record.fileType;
+                else
+                    return FileType::unknown;
+            });
             std::optional<std::string> data = i < kept.size() ? kept[i] : std::nullopt;
             if (!data)
                 if (const auto image = imageOf(file)) {
@@ -697,14 +689,12 @@ void RequestController::openAttachment(const Message& message) {
     const std::string filename = filenameOf(message);
     std::weak_ptr<RequestController> weak = self();
     if (isImageRow(message)) {
-        if (const auto full = std::visit(
-                [](const auto& record) -> platform::ImagePtr {
-                    if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
-                        return record.image;
-                    else
-                        return nullptr;
-                },
-                message)) {
+        if (const auto full = message.visit([](const auto& record) -> platform::ImagePtr {
+            if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                return record.image;
+            else
+                return nullptr;
+        })) {
             presentPreview(filename, full, std::nullopt);
             return;
         }
@@ -713,14 +703,12 @@ void RequestController::openAttachment(const Message& message) {
             platform::MainQueue::shared().async([weak, filename, filled = std::move(filled)] {
                 auto screen = weak.lock();
                 if (!screen) return;
-                const auto image = std::visit(
-                    [](const auto& record) -> platform::ImagePtr {
-                        if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
-                            return record.image;
-                        else
-                            return nullptr;
-                    },
-                    filled);
+                const auto image = filled.visit([](const auto& record) -> platform::ImagePtr {
+                    if constexpr (ImageMessage<std::decay_t<decltype(record)>>)
+                        return record.image;
+                    else
+                        return nullptr;
+                });
                 if (!image) {
                     CoreLogger::error("Unable to show attachment: no image for " + filename);
                     return;

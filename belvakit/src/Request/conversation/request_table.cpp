@@ -43,7 +43,7 @@ std::optional<std::string_view> logLine(DiffHandler::Kind kind) {
 // A row the user sent just now, still on its way.
 bool isOwnFreshText(const CellItem& item) {
     const auto* message = std::get_if<Message>(&item);
-    const auto* text = message ? std::get_if<UserMessage>(message) : nullptr;
+    const auto* text = message ? message->getIf<UserMessage>() : nullptr;
     return text && text->status == DeliveryStatus::notDelivered;
 }
 

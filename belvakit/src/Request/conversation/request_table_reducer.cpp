@@ -34,7 +34,7 @@ RequestTableState withMessages(const RequestTableState& state, std::vector<Messa
     RequestTableState next = withoutMessages(state);
     next.tableData = std::move(messages);
     next.lastActionType = actionType;
-    recompute(next);
+    recompute(next, state);
     return next;
 }
 
@@ -46,8 +46,8 @@ RequestTableState withLastAction(const RequestTableState& state, ActionTypes act
 
 // Inline, as the merge asks it of every local row.
 bool isAttachment(const Message& message) {
-    return std::holds_alternative<UserImage>(message) || std::holds_alternative<AgentImage>(message) ||
-           std::holds_alternative<UserFile>(message) || std::holds_alternative<AgentFile>(message);
+    return message.holds<UserImage>() || message.holds<AgentImage>() ||
+           message.holds<UserFile>() || message.holds<AgentFile>();
 }
 
 bool isChildOf(const Message& message, const std::string& parentId) {
@@ -93,14 +93,13 @@ RequestTableState withNamedAttachments(const RequestTableState& state, const std
     for (const auto& attachment : attachments) {
         const auto found = indexById.find(attachment.id);
         if (found == indexById.end()) continue;
-        std::visit(
-            [&](auto& record) {
-                if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>)
-                    record.filename = interpolatedFilename(attachment);
-            },
-            next.tableData[found->second]);
+        auto& message = next.tableData[found->second];
+        if (!hasAttachment(message)) continue;
+        message.update([&](auto& record) {
+            if constexpr (AttachmentMessage<std::decay_t<decltype(record)>>) record.filename = interpolatedFilename(attachment);
+        });
     }
-    recompute(next);
+    recompute(next, state);
     return next;
 }
 
@@ -130,12 +129,7 @@ std::string interpolatedFilename(const Upload::Attachment& attachment) {
 Message mergedMessage(const Message& remote, const Message& local) {
     if (remote.index() != local.index()) return remote;
     Message result = local;
-    std::visit(
-        [&](auto& record) {
-            using Record = std::decay_t<decltype(record)>;
-            takeServerFields(record, std::get<Record>(remote));
-        },
-        result);
+    result.update([&](auto& record) { takeServerFields(record, remote.get<std::decay_t<decltype(record)>>()); });
     return result;
 }
 
@@ -292,7 +286,7 @@ std::optional<RequestTableState> RequestTabelCreationSubReducer::reduce(const Re
             setStatus(*sent, lastAttachment ? DeliveryStatus::delivered : DeliveryStatus::lastDelivered);
             setCreatedAt(*sent, ticket ? ticket->remoteCreatedAt : comment->remoteCreatedAt);
         }
-        recompute(next);
+        recompute(next, state);
         return next;
     }
 
@@ -313,7 +307,7 @@ std::optional<RequestTableState> RequestTabelCreationSubReducer::reduce(const Re
     if (ticketLocalId && !next.localId) next.localId = ticketLocalId;
     for (auto& message : next.tableData)
         if (id(message) == *failedId || isChildOf(message, *failedId)) setStatus(message, DeliveryStatus::failed);
-    recompute(next);
+    recompute(next, state);
     return next;
 }
 

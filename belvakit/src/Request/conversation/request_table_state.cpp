@@ -17,7 +17,7 @@ SystemMessage systemRow(const std::string& text) {
 }
 
 bool isDeliveredUserText(const Message& message) {
-    const auto* text = std::get_if<UserMessage>(&message);
+    const auto* text = message.getIf<UserMessage>();
     return text && (text->status == DeliveryStatus::delivered || text->status == DeliveryStatus::lastDelivered);
 }
 
@@ -93,49 +93,151 @@ std::vector<CellItem> appendingClosedMessage(std::vector<CellItem> cells, const 
     return cells;
 }
 
-// The four steps in one pass over the messages: a conversation can hold thousands of them, and
-// every change recomputes its rows.
-std::vector<CellItem> recompute(const std::vector<Message>& tableData, const RequestTableState& state) {
-    const platform::Calendar calendar = platform::Calendar::current();
-    const auto noticeAfter = systemMessageAfter(state);
-    std::vector<CellItem> rows;
-    // Room for a date row every few dozen messages and the two notices; more days cost one regrowth.
-    rows.reserve(tableData.size() + tableData.size() / 32 + 3);
-    // The running date's day as [start, end), so that one calendar lookup serves all its messages.
-    Date runningDate = 0;
-    Date dayStart = 0;
-    Date dayEnd = 0;
-    bool knownDay = false;
-    const auto enterDay = [&](Date date) {
-        runningDate = date;
-        const auto day = calendar.dayInterval(date);
-        knownDay = day.has_value();
-        if (day) std::tie(dayStart, dayEnd) = *day;
-    };
-    enterDay(0);
-    for (std::size_t i = 0; i < tableData.size(); ++i) {
+namespace {
+
+// The running date's day as [start, end), so that one calendar lookup serves all its messages.
+class Dating {
+public:
+    explicit Dating(const platform::Calendar& calendar) : calendar_(calendar) { enter(0); }
+
+    bool sameDay(Date date) const {
+        return knownDay_ ? dayStart_ <= date && date < dayEnd_ : calendar_.isSameDay(date, runningDate_);
+    }
+    void enter(Date date) {
+        runningDate_ = date;
+        const auto day = calendar_.dayInterval(date);
+        knownDay_ = day.has_value();
+        if (day) std::tie(dayStart_, dayEnd_) = *day;
+    }
+
+private:
+    const platform::Calendar& calendar_;
+    Date runningDate_ = 0;
+    Date dayStart_ = 0;
+    Date dayEnd_ = 0;
+    bool knownDay_ = false;
+};
+
+std::string calendarKey(const platform::Calendar& calendar) {
+    return calendar.localeId() + '\n' + calendar.timeZoneId();
+}
+
+// The rows of messages [from, end), after those of the messages before `from`.
+void appendRows(std::vector<CellItem>& rows, const std::vector<Message>& tableData, std::size_t from, Dating& dating,
+                std::optional<std::size_t> noticeAfter, const RequestTableState& state) {
+    for (std::size_t i = from; i < tableData.size(); ++i) {
         const Message& message = tableData[i];
-        const Date date = std::visit([](const auto& record) { return record.createdAt; }, message);
-        const bool sameDay = knownDay ? dayStart <= date && date < dayEnd : calendar.isSameDay(date, runningDate);
-        if (!sameDay) {
-            enterDay(date);
+        const Date date = createdAt(message);
+        if (!dating.sameDay(date)) {
+            dating.enter(date);
             rows.emplace_back(DateItem{platform::base64Encode(platform::dateDescription(date)), date});
         }
         const bool endOfGroup = i + 1 == tableData.size() || !continuesGroup(message, tableData[i + 1]);
-        std::visit(
-            [&](const auto& record) {
-                using Record = std::decay_t<decltype(record)>;
-                auto& row = rows.emplace_back(std::in_place_type<Message>, std::in_place_type<Record>, record);
-                std::get<Record>(std::get<Message>(row)).isEndOfGroup = endOfGroup;
-            },
-            message);
+        // The row shares the message's record; only its flag is its own.
+        std::get<Message>(rows.emplace_back(message)).setIsEndOfGroup(endOfGroup);
         // The same place as insertingSystemMessage finds.
         if (noticeAfter && i == *noticeAfter) rows.emplace_back(systemRow(*state.systemMessage));
     }
     if (noticeAfter && *noticeAfter >= tableData.size()) rows.emplace_back(systemRow(*state.systemMessage));
+}
+
+void reserveRows(std::vector<CellItem>& rows, std::size_t messages) {
+    // Room for a date row every few dozen messages and the two notices; more days cost one regrowth.
+    rows.reserve(messages + messages / 32 + 3);
+}
+
+// The rows of `previous` that stay the rows of the messages before `from`: the rows of those
+// messages and the notice after the last of them, without the date row of message `from`. With
+// the last date row among them, where the dating goes on. Nothing when those rows don't hold
+// the earlier messages in order, or not the notice `notice` (text and message it follows) alone.
+struct KeptRows {
+    std::size_t count = 0;
+    std::optional<Date> lastDate;
+};
+
+std::optional<KeptRows> keptRows(const RequestTableState& previous, std::size_t from,
+                                 std::optional<std::pair<std::size_t, const std::string*>> notice) {
+    KeptRows kept;
+    std::size_t messages = 0;
+    std::optional<Date> lastDate;
+    bool noticeSeen = false;
+    const auto& rows = previous.cellItems;
+    const auto isNotice = [&](std::size_t row) {
+        const auto* text = std::get_if<SystemMessage>(&rows[row]);
+        if (!text) return false;
+        if (noticeSeen || !notice || notice->first + 1 != messages || text->message != *notice->second) return false;
+        noticeSeen = true;
+        return true;
+    };
+    for (std::size_t row = 0; row < rows.size() && messages < from; ++row) {
+        if (const auto* message = std::get_if<Message>(&rows[row])) {
+            if (!message->sharesRecordWith(previous.tableData[messages])) return std::nullopt;
+            ++messages;
+            kept.count = row + 1;
+            kept.lastDate = lastDate;
+        } else if (const auto* date = std::get_if<DateItem>(&rows[row])) {
+            lastDate = date->date;
+        } else if (!isNotice(row)) {
+            return std::nullopt;
+        }
+    }
+    if (messages < from) return std::nullopt;
+    if (kept.count < rows.size() && std::holds_alternative<SystemMessage>(rows[kept.count])) {
+        if (!isNotice(kept.count)) return std::nullopt;
+        ++kept.count;
+    }
+    if (notice.has_value() != noticeSeen) return std::nullopt;
+    return kept;
+}
+
+} // namespace
+
+// The four steps in one pass over the messages: a conversation can hold thousands of them, and
+// every change recomputes its rows.
+std::vector<CellItem> recompute(const std::vector<Message>& tableData, const RequestTableState& state) {
+    const platform::Calendar calendar = platform::Calendar::current();
+    std::vector<CellItem> rows;
+    reserveRows(rows, tableData.size());
+    Dating dating(calendar);
+    appendRows(rows, tableData, 0, dating, systemMessageAfter(state), state);
     return appendingClosedMessage(std::move(rows), state);
 }
 
-void recompute(RequestTableState& state) { state.cellItems = recompute(state.tableData, state); }
+void recompute(RequestTableState& state) {
+    state.cellItems = recompute(state.tableData, state);
+    state.rowsCalendar = calendarKey(platform::Calendar::current());
+}
+
+std::size_t recompute(RequestTableState& state, const RequestTableState& previous) {
+    const platform::Calendar calendar = platform::Calendar::current();
+    const auto& messages = state.tableData;
+    const auto& before = previous.tableData;
+    std::size_t same = 0;
+    for (const std::size_t common = std::min(messages.size(), before.size());
+         same < common && messages[same].sharesRecordWith(before[same]);)
+        ++same;
+    // The last of them ends its group or not by the message after it, which may be another now.
+    const std::size_t from = same == 0 ? 0 : same - 1;
+    const auto noticeAfter = systemMessageAfter(state);
+    // The notice among the kept rows, if it goes there.
+    std::optional<std::pair<std::size_t, const std::string*>> keptNotice;
+    if (noticeAfter && *noticeAfter < from) keptNotice.emplace(*noticeAfter, &*state.systemMessage);
+    std::optional<KeptRows> kept;
+    const std::string calendarUsed = calendarKey(calendar);
+    if (from > 0 && previous.rowsCalendar == calendarUsed) kept = keptRows(previous, from, keptNotice);
+    if (!kept) {
+        recompute(state);
+        return 0;
+    }
+    std::vector<CellItem> rows;
+    reserveRows(rows, messages.size());
+    rows.assign(previous.cellItems.begin(), previous.cellItems.begin() + static_cast<std::ptrdiff_t>(kept->count));
+    Dating dating(calendar);
+    if (kept->lastDate) dating.enter(*kept->lastDate);
+    appendRows(rows, messages, from, dating, noticeAfter, state);
+    state.cellItems = appendingClosedMessage(std::move(rows), state);
+    state.rowsCalendar = calendarUsed;
+    return kept->count;
+}
 
 } // namespace belvakit

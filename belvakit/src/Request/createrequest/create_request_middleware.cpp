@@ -84,7 +84,7 @@ void updateIdentityFromForm(const std::shared_ptr<corvane::Corvane>& core, const
 void prepareDispatchDetails(std::vector<Message> messages, std::vector<InputAttachmentViewStatePtr> attachments,
                             std::function<void(const RequestQueueActions::DispatchDetails&)> dispatchDetails) {
     if (messages.empty() || !dispatchDetails) return;
-    const auto* text = std::get_if<UserMessage>(&messages.front());
+    const auto* text = messages.front().getIf<UserMessage>();
     if (!text) return;
     RequestQueueActions::DispatchDetails details;
     details.id = text->id;

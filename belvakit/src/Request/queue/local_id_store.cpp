@@ -55,7 +55,7 @@ void fetchNext(std::shared_ptr<Cache> cache, std::vector<std::string> remaining,
     const auto key = remaining[next];
     cache->fetch(key, [cache, remaining = std::move(remaining), next, gathered = std::move(gathered),
                        completion = std::move(completion)](std::optional<std::string> bytes) mutable {
-        loadConversation(bytes.value_or(""), MessageList::currentVersion,
+        loadConversation(bytes ? std::string_view(*bytes) : std::string_view(), MessageList::currentVersion,
                          [&](std::vector<Message> messages, auto&&...) {
                              if (auto request = requestFrom(messages)) gathered.push_back(std::move(*request));
                          });

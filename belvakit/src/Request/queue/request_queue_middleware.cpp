@@ -64,9 +64,11 @@ bool sameConversation(const RequestTableState& shown, const RequestTableState& l
 // Takes what `shown` knows into `kept`, losing nothing either holds: a message in both keeps the
 // shown version unless only the kept one has its outcome yet.
 void absorb(RequestTableState& kept, const RequestTableState& shown) {
+    // The index views the ids of these copies, which stay while `kept` takes other messages.
+    const std::vector<Message> before = kept.tableData;
     std::unordered_map<std::string_view, std::size_t> index;
-    index.reserve(kept.tableData.size());
-    for (std::size_t i = 0; i < kept.tableData.size(); ++i) index.emplace(id(kept.tableData[i]), i);
+    index.reserve(before.size());
+    for (std::size_t i = 0; i < before.size(); ++i) index.emplace(id(before[i]), i);
     std::vector<Message> added;
     for (const auto& message : shown.tableData) {
         const auto found = index.find(id(message));

@@ -4,10 +4,14 @@
 #include "belvakit/Request/conversation/file_type.hpp"
 #include "platform/image.hpp"
 
+#include <atomic>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <variant>
 
 namespace belvakit {
@@ -16,7 +20,8 @@ namespace belvakit {
 using Date = double;
 
 // The records of a conversation. Each is a plain value; a change is a copy with a field replaced.
-// `parentId` is the id of the text message an attachment belongs to.
+// `parentId` is the id of the text message an attachment belongs to. Whether a row ends its group
+// belongs to the Message that holds the record, not to the record.
 
 struct UserMessage {
     static constexpr EventType type = EventType::userMessage;
@@ -25,7 +30,6 @@ struct UserMessage {
     std::string body;
     std::optional<std::string> htmlBody;
     Date createdAt = 0;
-    bool isEndOfGroup = false;
 };
 
 struct AgentMessage {
@@ -37,7 +41,6 @@ struct AgentMessage {
     std::int64_t userID = 0;
     std::string name;
     std::optional<std::string> avatarURL;
-    bool isEndOfGroup = false;
 };
 
 struct UserImage {
@@ -53,7 +56,6 @@ struct UserImage {
     std::string thumbnailUrl;
     platform::Size imageSize;
     Date createdAt = 0;
-    bool isEndOfGroup = false;
 };
 
 struct AgentImage {
@@ -71,7 +73,6 @@ struct AgentImage {
     std::int64_t userID = 0;
     std::string name;
     std::optional<std::string> avatarURL;
-    bool isEndOfGroup = false;
 };
 
 struct UserFile {
@@ -85,7 +86,6 @@ struct UserFile {
     FileType fileType = FileType::unknown;
     Date createdAt = 0;
     bool downloaded = false;
-    bool isEndOfGroup = false;
 };
 
 struct AgentFile {
@@ -101,7 +101,6 @@ struct AgentFile {
     std::int64_t userID = 0;
     std::string name;
     std::optional<std::string> avatarURL;
-    bool isEndOfGroup = false;
 };
 
 // Rows that are not messages and are never persisted.
@@ -117,8 +116,143 @@ struct DateItem {
     Date date = 0;
 };
 
-// A persisted record of any kind.
-using Message = std::variant<UserMessage, AgentMessage, UserImage, AgentImage, UserFile, AgentFile>;
+template <class T>
+concept MessageRecord = std::same_as<T, UserMessage> || std::same_as<T, AgentMessage> || std::same_as<T, UserImage> ||
+                        std::same_as<T, AgentImage> || std::same_as<T, UserFile> || std::same_as<T, AgentFile>;
+
+// A persisted record of any kind, and whether it ends its group of rows.
+//
+// The record is immutable and shared by every copy: a conversation's messages, its table rows,
+// the states a store keeps and the actions that carry them are copied often, and a copy costs a
+// reference instead of the record's strings. A change (`edit`, `update`) first gives this Message
+// a record of its own when another one shares it. The end-of-group flag is the handle's, so rows
+// that group differently still share their record. Copies may be used on different threads.
+class Message {
+public:
+    // An empty text message.
+    Message() noexcept = default;
+    template <MessageRecord Record>
+    Message(Record record, bool endOfGroup = false)  // NOLINT: implicit, as a variant converts
+        : box_(new BoxOf<Record>(std::move(record))), kind_(indexOf<Record>), endOfGroup_(endOfGroup) {}
+
+    Message(const Message& other) noexcept : box_(other.box_), kind_(other.kind_), endOfGroup_(other.endOfGroup_) {
+        retain();
+    }
+    Message(Message&& other) noexcept
+        : box_(std::exchange(other.box_, nullptr)), kind_(std::exchange(other.kind_, 0)),
+          endOfGroup_(std::exchange(other.endOfGroup_, false)) {}
+    Message& operator=(const Message& other) noexcept {
+        Message copy(other);
+        swap(copy);
+        return *this;
+    }
+    Message& operator=(Message&& other) noexcept {
+        Message taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    ~Message() { release(); }
+    void swap(Message& other) noexcept {
+        std::swap(box_, other.box_);
+        std::swap(kind_, other.kind_);
+        std::swap(endOfGroup_, other.endOfGroup_);
+    }
+
+    // The kind, in the order of the record types above.
+    std::size_t index() const { return kind_; }
+    template <MessageRecord Record>
+    bool holds() const {
+        return index() == indexOf<Record>;
+    }
+    template <MessageRecord Record>
+    const Record* getIf() const {
+        return holds<Record>() ? &static_cast<const BoxOf<Record>&>(box()).record : nullptr;
+    }
+    // Throws std::bad_variant_access for another kind.
+    template <MessageRecord Record>
+    const Record& get() const {
+        if (const auto* record = getIf<Record>()) return *record;
+        throw std::bad_variant_access();
+    }
+    // `visitor(record)` with the record as its own type; every call must return the same type.
+    template <class Visitor>
+    decltype(auto) visit(Visitor&& visitor) const {
+        return dispatch(index(), [&]<class Record>(std::type_identity<Record>) -> decltype(auto) {
+            return visitor(static_cast<const BoxOf<Record>&>(box()).record);
+        });
+    }
+
+    // The record of this kind to change, made this Message's own first; null for another kind.
+    template <MessageRecord Record>
+    Record* editIf() {
+        return holds<Record>() ? &static_cast<BoxOf<Record>&>(own()).record : nullptr;
+    }
+    template <MessageRecord Record>
+    Record& edit() {
+        if (auto* record = editIf<Record>()) return *record;
+        throw std::bad_variant_access();
+    }
+    // `visitor(record)` on a record of this Message's own, to change it.
+    template <class Visitor>
+    decltype(auto) update(Visitor&& visitor) {
+        Box& mine = own();
+        return dispatch(index(), [&]<class Record>(std::type_identity<Record>) -> decltype(auto) {
+            return visitor(static_cast<BoxOf<Record>&>(mine).record);
+        });
+    }
+
+    bool isEndOfGroup() const { return endOfGroup_; }
+    void setIsEndOfGroup(bool endOfGroup) { endOfGroup_ = endOfGroup; }
+    // Whether both hold the very same record, so that their contents are equal without a look.
+    bool sharesRecordWith(const Message& other) const { return box_ == other.box_; }
+
+private:
+    struct Box {
+        std::atomic<std::uint32_t> references{1};
+    };
+    template <MessageRecord Record>
+    struct BoxOf final : Box {
+        explicit BoxOf(Record value) : record(std::move(value)) {}
+        Record record;
+    };
+
+    template <MessageRecord Record>
+    static constexpr std::uint8_t indexOf = std::same_as<Record, UserMessage>    ? 0
+                                           : std::same_as<Record, AgentMessage> ? 1
+                                           : std::same_as<Record, UserImage>    ? 2
+                                           : std::same_as<Record, AgentImage>   ? 3
+                                           : std::same_as<Record, UserFile>     ? 4
+                                                                                : 5;
+
+    template <class Call>
+    static decltype(auto) dispatch(std::size_t index, Call&& call) {
+        switch (index) {
+        case 1: return call(std::type_identity<AgentMessage>{});
+        case 2: return call(std::type_identity<UserImage>{});
+        case 3: return call(std::type_identity<AgentImage>{});
+        case 4: return call(std::type_identity<UserFile>{});
+        case 5: return call(std::type_identity<AgentFile>{});
+        default: return call(std::type_identity<UserMessage>{});
+        }
+    }
+
+    // A Message with no box holds an empty text message: defaults and moved-from ones, which
+    // also lose their flag.
+    static const Box& emptyBox();
+    const Box& box() const { return box_ ? *box_ : emptyBox(); }
+    // The box, after making it this Message's alone.
+    Box& own();
+    void retain() const noexcept {
+        if (box_) box_->references.fetch_add(1, std::memory_order_relaxed);
+    }
+    void release() noexcept;
+
+    Box* box_ = nullptr;
+    // The kind, kept beside the pointer so that asking it reads no record.
+    std::uint8_t kind_ = 0;
+    bool endOfGroup_ = false;
+};
+
 // Anything that can occupy a row of the conversation table.
 using CellItem = std::variant<Message, DateItem, SystemMessage>;
 

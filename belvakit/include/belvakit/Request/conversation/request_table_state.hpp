@@ -2,6 +2,7 @@
 
 #include "belvakit/Request/conversation/message.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -37,6 +38,9 @@ struct RequestTableState {
     ActionTypes lastActionType = ActionTypes::noAction;
     bool finishedLoading = false;
     std::int64_t maxAttachmentSize = 0;
+    // The calendar `recompute` dated `cellItems` in; empty for rows it didn't derive. Rows are
+    // taken over from an earlier state only when it dated them in the calendar of the time.
+    std::string rowsCalendar;
 
     // Only what the table's listener redraws for: the action type, the closed flag and the
     // messages as rows.
@@ -55,5 +59,9 @@ std::vector<CellItem> appendingClosedMessage(std::vector<CellItem> cells, const 
 std::vector<CellItem> recompute(const std::vector<Message>& tableData, const RequestTableState& state);
 // Stores the rows of the state's own messages in it.
 void recompute(RequestTableState& state);
+// The same, keeping the rows of `previous` for the messages at the start of the conversation that
+// are still the very same records, where those rows cannot have changed: a change near the end
+// of a long conversation costs a copy of its rows, not their derivation. The number of rows kept.
+std::size_t recompute(RequestTableState& state, const RequestTableState& previous);
 
 } // namespace belvakit
