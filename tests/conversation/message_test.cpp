@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <random>
 #include <string>
 #include <thread>
@@ -51,8 +52,8 @@ void change(Message& message, std::mt19937& random) {
     case 1: setCreatedAt(message, createdAt(message) + 1); break;
     case 2: setStatus(message, status(message) == DeliveryStatus::failed ? DeliveryStatus::delivered : DeliveryStatus::failed); break;
     case 3:
-        if (auto* text = message.editIf<UserMessage>()) text->body += "!";
-        else if (auto* agent = message.editIf<AgentMessage>()) agent->body += "?";
+        if (!message.edit<UserMessage>([](UserMessage& text) { text.body += "!"; }))
+            message.edit<AgentMessage>([](AgentMessage& agent) { agent.body += "?"; });
         break;
     default:
         message.update([](auto& record) { record.id += "'"; });
@@ -117,6 +118,9 @@ TEST(Message, CopiesBehaveAsIndependentValuesUnderRandomOperations) {
             for (std::size_t i = 0; i < pool.size(); ++i) {
                 ASSERT_EQ(encodeMessage(pool[i]), expected[i].text) << "seed " << seed << " step " << step << " slot " << i;
                 ASSERT_EQ(isEndOfGroup(pool[i]), expected[i].endOfGroup) << "seed " << seed << " step " << step;
+                // What the Message keeps beside its record follows the record.
+                ASSERT_EQ(createdAt(pool[i]), pool[i].visit([](const auto& record) { return record.createdAt; }));
+                ASSERT_EQ(pool[i].idHash(), std::hash<std::string_view>{}(id(pool[i])));
             }
         }
     }
@@ -141,7 +145,8 @@ TEST(Message, SharesItsRecordUntilChangedAndAnswersForItsKind) {
     Message agent = AgentMessage{"a1", "hi", std::nullopt, 1.0, 3, "Ada", std::nullopt};
     EXPECT_FALSE(setStatus(agent, DeliveryStatus::failed)) << "agent rows have no status";
     EXPECT_EQ(agent.getIf<UserMessage>(), nullptr);
-    EXPECT_EQ(agent.editIf<UserMessage>(), nullptr);
+    EXPECT_FALSE(agent.edit<UserMessage>([](UserMessage& text) { text.body = "never"; }));
+    EXPECT_EQ(*bodyOf(agent), "hi");
     EXPECT_THROW((void)agent.get<UserImage>(), std::bad_variant_access);
     EXPECT_TRUE(agent.holds<AgentMessage>());
     EXPECT_EQ(agent.index(), 1u);
@@ -160,7 +165,7 @@ TEST(Message, CopiesMayBeUsedAndDroppedOnDifferentThreads) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < 2000; ++i) {
                 Message copy = shared;
-                if (i % 3 == 0) copy.edit<UserMessage>().body = "thread " + std::to_string(t);
+                if (i % 3 == 0) copy.edit<UserMessage>([&](UserMessage& text) { text.body = "thread " + std::to_string(t); });
                 if (i % 7 == 0) kept[t].push_back(std::move(copy));
             }
         });

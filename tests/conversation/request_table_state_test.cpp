@@ -218,6 +218,6 @@ TEST(RequestTableState, EqualityLooksAtActionTypeClosedFlagAndMessageRows) {
     right.ticketClosed = true;
     EXPECT_NE(left, right);
     right = left;
-    right.tableData[0].edit<UserMessage>().status = DeliveryStatus::failed;
+    right.tableData[0].edit<UserMessage>([](UserMessage& text) { text.status = DeliveryStatus::failed; });
     EXPECT_NE(left, right);
 }

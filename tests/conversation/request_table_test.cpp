@@ -92,12 +92,11 @@ public:
                     setIsEndOfGroup(copy, !isEndOfGroup(copy));
                 break;
             default:
-                if (auto* text = copy.editIf<UserMessage>())
-                    text->body += "!";
-                else if (auto* agent = copy.editIf<AgentMessage>())
-                    agent->body += "!";
-                else if (auto* image = copy.editIf<UserImage>())
-                    image->image = image->image ? nullptr : image_;
+                copy.update([&](auto& record) {
+                    using Record = std::decay_t<decltype(record)>;
+                    if constexpr (TextMessage<Record>) record.body += "!";
+                    if constexpr (std::is_same_v<Record, UserImage>) record.image = record.image ? nullptr : image_;
+                });
                 break;
             }
             return copy;

@@ -8,6 +8,18 @@ const Message::Box& Message::emptyBox() {
     return *empty;
 }
 
+std::size_t Message::emptyIdHash() {
+    static const std::size_t hash = std::hash<std::string_view>{}({});
+    return hash;
+}
+
+void Message::sync() {
+    visit([&](const auto& record) {
+        createdAt_ = record.createdAt;
+        idHash_ = std::hash<std::string_view>{}(record.id);
+    });
+}
+
 Message::Box& Message::own() {
     if (box_ && box_->references.load(std::memory_order_acquire) == 1) return *box_;
     Box* mine = dispatch(index(), [&]<class Record>(std::type_identity<Record>) -> Box* {
@@ -18,8 +30,7 @@ Message::Box& Message::own() {
     return *box_;
 }
 
-void Message::release() noexcept {
-    if (!box_ || box_->references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+void Message::destroy() noexcept {
     dispatch(index(), [&]<class Record>(std::type_identity<Record>) { delete static_cast<BoxOf<Record>*>(box_); });
     box_ = nullptr;
 }
@@ -30,10 +41,6 @@ const std::string& id(const Message& message) {
 
 EventType type(const Message& message) {
     return message.visit([](const auto& record) { return record.type; });
-}
-
-Date createdAt(const Message& message) {
-    return message.visit([](const auto& record) { return record.createdAt; });
 }
 
 bool isEndOfGroup(const Message& message) { return message.isEndOfGroup(); }
@@ -62,10 +69,6 @@ bool setStatus(Message& message, DeliveryStatus value) {
         if constexpr (DeliverableEvent<std::decay_t<decltype(record)>>) record.status = value;
     });
     return true;
-}
-
-bool hasAttachment(const Message& message) {
-    return message.visit([](const auto& record) { return AttachmentMessage<std::decay_t<decltype(record)>>; });
 }
 
 const std::string* parentIdOf(const Message& message) {

@@ -3,7 +3,10 @@
 #include "belvakit/Request/conversation/actions.hpp"
 #include "belvakit/Request/queue/comment_mapping.hpp"
 
+#include <boost/unordered/unordered_flat_set.hpp>
+
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <set>
 #include <string_view>
@@ -169,7 +172,15 @@ Pairs pairMessages(const std::vector<Message>& remote, const std::vector<Message
         }
         return false;
     };
+    // Most local messages of a long conversation have no remote copy and no mapping: the hashes
+    // of the keys set them aside without a search of the map and the index, or a look at their ids.
+    const std::hash<std::string_view> hash;
+    boost::unordered_flat_set<std::size_t> keyHashes;
+    keyHashes.reserve(remoteByKey.size() + map.size());
+    for (const auto& [key, j] : remoteByKey) keyHashes.insert(hash(key));
+    for (const auto& [localId, remoteId] : map) keyHashes.insert(hash(localId));
     for (std::size_t i = 0; i < local.size(); ++i) {
+        if (!keyHashes.contains(local[i].idHash())) continue;
         const std::string& localId = id(local[i]);
         const std::string& key = mappedId(localId, map);
         if (!take(i, key) && &key != &localId) take(i, localId);

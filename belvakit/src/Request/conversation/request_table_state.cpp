@@ -31,8 +31,8 @@ std::optional<std::size_t> systemMessageAfter(const RequestTableState& state) {
     const std::string& parent = id(*delivered);
     std::size_t after = static_cast<std::size_t>(delivered - messages.begin());
     for (std::size_t index = after + 1; index < messages.size(); ++index) {
-        const auto* parentId = parentIdOf(messages[index]);
-        if (parentId && *parentId == parent) after = index;
+        if (!hasAttachment(messages[index])) continue;
+        if (*parentIdOf(messages[index]) == parent) after = index;
     }
     return after;
 }
@@ -146,47 +146,53 @@ void reserveRows(std::vector<CellItem>& rows, std::size_t messages) {
     rows.reserve(messages + messages / 32 + 3);
 }
 
-// The rows of `previous` that stay the rows of the messages before `from`: the rows of those
-// messages and the notice after the last of them, without the date row of message `from`. With
-// the last date row among them, where the dating goes on. Nothing when those rows don't hold
-// the earlier messages in order, or not the notice `notice` (text and message it follows) alone.
+// Copies to `rows` the rows of `previous` that stay the rows of the messages before `from`: the
+// rows of those messages and the notice after the last of them, without the date row of message
+// `from`. Answers with the last date row among them, where the dating goes on. False when those
+// rows don't hold the earlier messages in order, or not the notice `notice` (the message it
+// follows and its text) alone.
 struct KeptRows {
-    std::size_t count = 0;
     std::optional<Date> lastDate;
 };
 
-std::optional<KeptRows> keptRows(const RequestTableState& previous, std::size_t from,
-                                 std::optional<std::pair<std::size_t, const std::string*>> notice) {
+std::optional<KeptRows> keepRows(const RequestTableState& previous, std::size_t from,
+                                 std::optional<std::pair<std::size_t, const std::string*>> notice,
+                                 std::vector<CellItem>& rows) {
     KeptRows kept;
     std::size_t messages = 0;
-    std::optional<Date> lastDate;
+    std::size_t count = 0;  // the row after the last kept message
     bool noticeSeen = false;
-    const auto& rows = previous.cellItems;
-    const auto isNotice = [&](std::size_t row) {
-        const auto* text = std::get_if<SystemMessage>(&rows[row]);
-        if (!text) return false;
-        if (noticeSeen || !notice || notice->first + 1 != messages || text->message != *notice->second) return false;
+    const auto& shown = previous.cellItems;
+    const auto isNotice = [&](const CellItem& row) {
+        const auto* text = std::get_if<SystemMessage>(&row);
+        if (!text || noticeSeen || !notice || notice->first + 1 != messages || text->message != *notice->second)
+            return false;
         noticeSeen = true;
         return true;
     };
-    for (std::size_t row = 0; row < rows.size() && messages < from; ++row) {
-        if (const auto* message = std::get_if<Message>(&rows[row])) {
+    std::size_t row = 0;
+    for (; row < shown.size() && messages < from; ++row) {
+        const CellItem& item = shown[row];
+        if (const auto* message = std::get_if<Message>(&item)) {
             if (!message->sharesRecordWith(previous.tableData[messages])) return std::nullopt;
             ++messages;
-            kept.count = row + 1;
-            kept.lastDate = lastDate;
-        } else if (const auto* date = std::get_if<DateItem>(&rows[row])) {
-            lastDate = date->date;
-        } else if (!isNotice(row)) {
+            count = row + 1;
+        } else if (!std::holds_alternative<DateItem>(item) && !isNotice(item)) {
             return std::nullopt;
         }
+        rows.push_back(item);
     }
     if (messages < from) return std::nullopt;
-    if (kept.count < rows.size() && std::holds_alternative<SystemMessage>(rows[kept.count])) {
-        if (!isNotice(kept.count)) return std::nullopt;
-        ++kept.count;
+    if (count < shown.size() && std::holds_alternative<SystemMessage>(shown[count])) {
+        if (!isNotice(shown[count])) return std::nullopt;
+        rows.push_back(shown[count]);
     }
     if (notice.has_value() != noticeSeen) return std::nullopt;
+    for (auto at = rows.rbegin(); at != rows.rend(); ++at)
+        if (const auto* date = std::get_if<DateItem>(&*at)) {
+            kept.lastDate = date->date;
+            break;
+        }
     return kept;
 }
 
@@ -222,22 +228,24 @@ std::size_t recompute(RequestTableState& state, const RequestTableState& previou
     // The notice among the kept rows, if it goes there.
     std::optional<std::pair<std::size_t, const std::string*>> keptNotice;
     if (noticeAfter && *noticeAfter < from) keptNotice.emplace(*noticeAfter, &*state.systemMessage);
-    std::optional<KeptRows> kept;
     const std::string calendarUsed = calendarKey(calendar);
-    if (from > 0 && previous.rowsCalendar == calendarUsed) kept = keptRows(previous, from, keptNotice);
+    std::vector<CellItem> rows;
+    std::optional<KeptRows> kept;
+    if (from > 0 && previous.rowsCalendar == calendarUsed) {
+        reserveRows(rows, messages.size());
+        kept = keepRows(previous, from, keptNotice, rows);
+    }
     if (!kept) {
         recompute(state);
         return 0;
     }
-    std::vector<CellItem> rows;
-    reserveRows(rows, messages.size());
-    rows.assign(previous.cellItems.begin(), previous.cellItems.begin() + static_cast<std::ptrdiff_t>(kept->count));
+    const std::size_t keptCount = rows.size();
     Dating dating(calendar);
     if (kept->lastDate) dating.enter(*kept->lastDate);
     appendRows(rows, messages, from, dating, noticeAfter, state);
     state.cellItems = appendingClosedMessage(std::move(rows), state);
     state.rowsCalendar = calendarUsed;
-    return kept->count;
+    return keptCount;
 }
 
 } // namespace belvakit

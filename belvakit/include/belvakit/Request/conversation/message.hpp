@@ -8,8 +8,10 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -127,19 +129,27 @@ concept MessageRecord = std::same_as<T, UserMessage> || std::same_as<T, AgentMes
 // reference instead of the record's strings. A change (`edit`, `update`) first gives this Message
 // a record of its own when another one shares it. The end-of-group flag is the handle's, so rows
 // that group differently still share their record. Copies may be used on different threads.
+//
+// The kind, the date and a hash of the id are kept beside the pointer: walks over thousands of
+// messages (ordering, grouping, pairing by id) read them without reaching into each record.
 class Message {
 public:
     // An empty text message.
     Message() noexcept = default;
     template <MessageRecord Record>
     Message(Record record, bool endOfGroup = false)  // NOLINT: implicit, as a variant converts
-        : box_(new BoxOf<Record>(std::move(record))), kind_(indexOf<Record>), endOfGroup_(endOfGroup) {}
+        : box_(new BoxOf<Record>(std::move(record))), kind_(indexOf<Record>), endOfGroup_(endOfGroup) {
+        sync();
+    }
 
-    Message(const Message& other) noexcept : box_(other.box_), kind_(other.kind_), endOfGroup_(other.endOfGroup_) {
+    Message(const Message& other) noexcept
+        : box_(other.box_), createdAt_(other.createdAt_), idHash_(other.idHash_), kind_(other.kind_),
+          endOfGroup_(other.endOfGroup_) {
         retain();
     }
     Message(Message&& other) noexcept
-        : box_(std::exchange(other.box_, nullptr)), kind_(std::exchange(other.kind_, 0)),
+        : box_(std::exchange(other.box_, nullptr)), createdAt_(std::exchange(other.createdAt_, 0)),
+          idHash_(other.idHash_), kind_(std::exchange(other.kind_, 0)),
           endOfGroup_(std::exchange(other.endOfGroup_, false)) {}
     Message& operator=(const Message& other) noexcept {
         Message copy(other);
@@ -154,6 +164,8 @@ public:
     ~Message() { release(); }
     void swap(Message& other) noexcept {
         std::swap(box_, other.box_);
+        std::swap(createdAt_, other.createdAt_);
+        std::swap(idHash_, other.idHash_);
         std::swap(kind_, other.kind_);
         std::swap(endOfGroup_, other.endOfGroup_);
     }
@@ -182,25 +194,28 @@ public:
         });
     }
 
-    // The record of this kind to change, made this Message's own first; null for another kind.
-    template <MessageRecord Record>
-    Record* editIf() {
-        return holds<Record>() ? &static_cast<BoxOf<Record>&>(own()).record : nullptr;
-    }
-    template <MessageRecord Record>
-    Record& edit() {
-        if (auto* record = editIf<Record>()) return *record;
-        throw std::bad_variant_access();
-    }
     // `visitor(record)` on a record of this Message's own, to change it.
     template <class Visitor>
     decltype(auto) update(Visitor&& visitor) {
         Box& mine = own();
+        const Resync resync{*this};
         return dispatch(index(), [&]<class Record>(std::type_identity<Record>) -> decltype(auto) {
             return visitor(static_cast<BoxOf<Record>&>(mine).record);
         });
     }
+    // `change(record)` when the record is of this kind; whether it was.
+    template <MessageRecord Record, class Change>
+    bool edit(Change&& change) {
+        if (!holds<Record>()) return false;
+        update([&](auto& record) {
+            if constexpr (std::same_as<std::decay_t<decltype(record)>, Record>) change(record);
+        });
+        return true;
+    }
 
+    Date createdAt() const { return createdAt_; }
+    // std::hash of the id.
+    std::size_t idHash() const { return box_ ? idHash_ : emptyIdHash(); }
     bool isEndOfGroup() const { return endOfGroup_; }
     void setIsEndOfGroup(bool endOfGroup) { endOfGroup_ = endOfGroup; }
     // Whether both hold the very same record, so that their contents are equal without a look.
@@ -239,16 +254,28 @@ private:
     // A Message with no box holds an empty text message: defaults and moved-from ones, which
     // also lose their flag.
     static const Box& emptyBox();
+    static std::size_t emptyIdHash();
+    // Takes the date and the id's hash from the record.
+    void sync();
+    struct Resync {
+        Message& message;
+        ~Resync() { message.sync(); }
+    };
     const Box& box() const { return box_ ? *box_ : emptyBox(); }
     // The box, after making it this Message's alone.
     Box& own();
     void retain() const noexcept {
         if (box_) box_->references.fetch_add(1, std::memory_order_relaxed);
     }
-    void release() noexcept;
+    void release() noexcept {
+        if (box_ && box_->references.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy();
+    }
+    // Frees the box, whose last owner this Message was.
+    void destroy() noexcept;
 
     Box* box_ = nullptr;
-    // The kind, kept beside the pointer so that asking it reads no record.
+    Date createdAt_ = 0;
+    std::size_t idHash_ = 0;
     std::uint8_t kind_ = 0;
     bool endOfGroup_ = false;
 };
@@ -296,7 +323,7 @@ concept FileMessage = AttachmentMessage<T> && requires(const T& record) {
 // What every message has.
 const std::string& id(const Message& message);
 EventType type(const Message& message);
-Date createdAt(const Message& message);
+inline Date createdAt(const Message& message) { return message.createdAt(); }
 bool isEndOfGroup(const Message& message);
 void setCreatedAt(Message& message, Date createdAt);
 void setIsEndOfGroup(Message& message, bool isEndOfGroup);
@@ -304,7 +331,9 @@ void setIsEndOfGroup(Message& message, bool isEndOfGroup);
 std::optional<DeliveryStatus> status(const Message& message);
 // False (and no change) for agent rows.
 bool setStatus(Message& message, DeliveryStatus status);
-bool hasAttachment(const Message& message);
+inline bool hasAttachment(const Message& message) {
+    return !message.holds<UserMessage>() && !message.holds<AgentMessage>();
+}
 // The text an attachment belongs to; null for text rows.
 const std::string* parentIdOf(const Message& message);
 // The text of a text message; null for an attachment.
