@@ -148,17 +148,12 @@ void reserveRows(std::vector<CellItem>& rows, std::size_t messages) {
 
 // Copies to `rows` the rows of `previous` that stay the rows of the messages before `from`: the
 // rows of those messages and the notice after the last of them, without the date row of message
-// `from`. Answers with the last date row among them, where the dating goes on. False when those
+// `from`. `lastDate` is the last date row among them, where the dating goes on. False when those
 // rows don't hold the earlier messages in order, or not the notice `notice` (the message it
 // follows and its text) alone.
-struct KeptRows {
-    std::optional<Date> lastDate;
-};
-
-std::optional<KeptRows> keepRows(const RequestTableState& previous, std::size_t from,
-                                 std::optional<std::pair<std::size_t, const std::string*>> notice,
-                                 std::vector<CellItem>& rows) {
-    KeptRows kept;
+bool keepRows(const RequestTableState& previous, std::size_t from,
+              std::optional<std::pair<std::size_t, const std::string*>> notice, std::vector<CellItem>& rows,
+              std::optional<Date>& lastDate) {
     std::size_t messages = 0;
     std::size_t count = 0;  // the row after the last kept message
     bool noticeSeen = false;
@@ -170,30 +165,25 @@ std::optional<KeptRows> keepRows(const RequestTableState& previous, std::size_t 
         noticeSeen = true;
         return true;
     };
-    std::size_t row = 0;
-    for (; row < shown.size() && messages < from; ++row) {
+    for (std::size_t row = 0; row < shown.size() && messages < from; ++row) {
         const CellItem& item = shown[row];
         if (const auto* message = std::get_if<Message>(&item)) {
-            if (!message->sharesRecordWith(previous.tableData[messages])) return std::nullopt;
+            if (!message->sharesRecordWith(previous.tableData[messages])) return false;
             ++messages;
             count = row + 1;
-        } else if (!std::holds_alternative<DateItem>(item) && !isNotice(item)) {
-            return std::nullopt;
+        } else if (const auto* date = std::get_if<DateItem>(&item)) {
+            lastDate = date->date;  // every date row walked here comes before a kept message
+        } else if (!isNotice(item)) {
+            return false;
         }
         rows.push_back(item);
     }
-    if (messages < from) return std::nullopt;
+    if (messages < from) return false;
     if (count < shown.size() && std::holds_alternative<SystemMessage>(shown[count])) {
-        if (!isNotice(shown[count])) return std::nullopt;
+        if (!isNotice(shown[count])) return false;
         rows.push_back(shown[count]);
     }
-    if (notice.has_value() != noticeSeen) return std::nullopt;
-    for (auto at = rows.rbegin(); at != rows.rend(); ++at)
-        if (const auto* date = std::get_if<DateItem>(&*at)) {
-            kept.lastDate = date->date;
-            break;
-        }
-    return kept;
+    return notice.has_value() == noticeSeen;
 }
 
 } // namespace
@@ -230,10 +220,11 @@ std::size_t recompute(RequestTableState& state, const RequestTableState& previou
     if (noticeAfter && *noticeAfter < from) keptNotice.emplace(*noticeAfter, &*state.systemMessage);
     const std::string calendarUsed = calendarKey(calendar);
     std::vector<CellItem> rows;
-    std::optional<KeptRows> kept;
+    std::optional<Date> lastDate;
+    bool kept = false;
     if (from > 0 && previous.rowsCalendar == calendarUsed) {
         reserveRows(rows, messages.size());
-        kept = keepRows(previous, from, keptNotice, rows);
+        kept = keepRows(previous, from, keptNotice, rows, lastDate);
     }
     if (!kept) {
         recompute(state);
@@ -241,7 +232,7 @@ std::size_t recompute(RequestTableState& state, const RequestTableState& previou
     }
     const std::size_t keptCount = rows.size();
     Dating dating(calendar);
-    if (kept->lastDate) dating.enter(*kept->lastDate);
+    if (lastDate) dating.enter(*lastDate);
     appendRows(rows, messages, from, dating, noticeAfter, state);
     state.cellItems = appendingClosedMessage(std::move(rows), state);
     state.rowsCalendar = calendarUsed;
