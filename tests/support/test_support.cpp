@@ -4,8 +4,8 @@
 #include <cmath>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <random>
 
-#include "platform/uuid.hpp"
 
 namespace testing_support {
 
@@ -46,9 +46,18 @@ bool pumpMainQueueUntil(const std::function<bool()>& done, platform::Duration ti
     return reached;
 }
 
-TemporaryDirectory::TemporaryDirectory()
-    : path_((std::filesystem::temp_directory_path() / ("belva-test-" + platform::uuidString())).string()) {
-    std::filesystem::create_directories(path_);
+// Named from the system's randomness, not the id generator: a test that seeds that generator
+// would give two processes running at once the same directory.
+TemporaryDirectory::TemporaryDirectory() {
+    std::random_device device;
+    for (;;) {
+        const std::uint64_t word = (std::uint64_t{device()} << 32) | device();
+        const auto candidate = std::filesystem::temp_directory_path() / ("belva-test-" + std::to_string(word));
+        if (std::filesystem::create_directories(candidate)) {
+            path_ = candidate.string();
+            return;
+        }
+    }
 }
 
 TemporaryDirectory::~TemporaryDirectory() {
