@@ -69,6 +69,31 @@ TEST(Screens, AppearPresentAndDismissInOrderWithCompletionsInVirtualTime) {
     EXPECT_EQ(log, (std::vector<std::string>{"modal.willDisappear", "modal.didDisappear"}));
 }
 
+TEST(Screens, DismissingAPresenterTakesDownEveryScreenPresentedAboveIt) {
+    testing_support::VirtualTime time;
+    std::vector<std::string> log;
+    auto window = std::make_shared<Window>();
+    auto root = std::make_shared<Journal>("root", log);
+    window->setRootViewController(root);
+    auto middle = std::make_shared<Journal>("middle", log);
+    auto upper = std::make_shared<Journal>("upper", log);
+    root->presentViewController(middle, false);
+    middle->presentViewController(upper, false);
+    std::weak_ptr<ViewController> upperAlive = upper;
+    log.clear();
+
+    root->dismissViewController(true);
+    middle.reset();
+    upper.reset();
+    settle(time, 0.3);
+    // Nothing of the upper screen may stay in the window once nobody holds it.
+    EXPECT_EQ(window->subviews().size(), 1u);
+    EXPECT_TRUE(upperAlive.expired());
+    EXPECT_EQ(root->presentedViewController(), nullptr);
+    EXPECT_EQ(log, (std::vector<std::string>{"middle.willDisappear", "upper.willDisappear", "upper.didDisappear",
+                                             "middle.didDisappear"}));
+}
+
 TEST(Screens, NavigationPushesAndPopsWithTheBarsBackButtonAndKeepsContentBelowTheBar) {
     std::vector<std::string> log;
     auto window = std::make_shared<Window>();

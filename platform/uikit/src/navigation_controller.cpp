@@ -128,7 +128,9 @@ ViewController* NavigationController::visibleViewController() const {
 
 void NavigationController::refreshBar() {
     if (!bar_ || stack_.empty()) return;
-    bar_->show(stack_.back()->navigationItem(), stack_.size() > 1, [this] { popViewController(true); });
+    bar_->show(stack_.back()->navigationItem(), stack_.size() > 1, [weak = weak_from_this()] {
+        if (auto self = std::static_pointer_cast<NavigationController>(weak.lock())) self->popViewController(true);
+    });
 }
 
 void NavigationController::show(ViewController* leaving, bool animated) {

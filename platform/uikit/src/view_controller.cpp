@@ -134,14 +134,23 @@ void ViewController::dismissViewController(bool animated, std::function<void()> 
     }
     const Ptr leaving = presented_;
     if (!leaving) return;
-    leaving->beingDismissed_ = true;
-    leaving->beginAppearanceTransition(false, animated);
-    auto finish = [self = shared_from_this(), leaving, completion = std::move(completion)](bool) {
-        leaving->view()->removeFromSuperview();
-        leaving->endAppearanceTransition();
-        leaving->beingDismissed_ = false;
-        leaving->presenting_ = nullptr;
-        if (self->presented_ == leaving) self->presented_ = nullptr;
+    // Whatever the leaving screen presents goes with it, as on the platform; left behind, its
+    // views would stay in the window after their screens are gone.
+    std::vector<Ptr> chain;
+    for (Ptr screen = leaving; screen; screen = screen->presented_) chain.push_back(screen);
+    for (const auto& screen : chain) {
+        screen->beingDismissed_ = true;
+        screen->beginAppearanceTransition(false, animated);
+    }
+    auto finish = [self = shared_from_this(), chain = std::move(chain), completion = std::move(completion)](bool) {
+        for (auto screen = chain.rbegin(); screen != chain.rend(); ++screen) {
+            (*screen)->view()->removeFromSuperview();
+            (*screen)->endAppearanceTransition();
+            (*screen)->beingDismissed_ = false;
+            (*screen)->presenting_ = nullptr;
+            (*screen)->presented_ = nullptr;
+        }
+        if (self->presented_ == chain.front()) self->presented_ = nullptr;
         if (completion) completion();
     };
     if (animated) {
