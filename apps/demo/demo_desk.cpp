@@ -15,13 +15,13 @@
 
 namespace belvademo {
 
-std::string avatarPNG(int red, int green, int blue) {
-    constexpr int size = 80;
+platform::ImagePtr avatarImage(int size, int red, int green, int blue) {
     auto image = std::const_pointer_cast<platform::Image>(platform::makeImage(size, size));
+    const double scale = size / 80.0;
     for (int y = 0; y < size; ++y)
         for (int x = 0; x < size; ++x) {
-            const double dx = x - size / 2.0 + 0.5;
-            const double dy = y - size / 2.0 + 0.5;
+            const double dx = (x - size / 2.0 + 0.5) / scale;
+            const double dy = (y - size / 2.0 + 0.5) / scale;
             const bool figure = dx * dx + (dy + 10) * (dy + 10) < 256 || (dy > 14 && dx * dx + (dy - 38) * (dy - 38) < 700);
             auto* pixel = &image->rgba[static_cast<std::size_t>((y * size + x) * 4)];
             pixel[0] = static_cast<std::uint8_t>(figure ? 250 : red);
@@ -29,7 +29,11 @@ std::string avatarPNG(int red, int green, int blue) {
             pixel[2] = static_cast<std::uint8_t>(figure ? 250 : blue);
             pixel[3] = 255;
         }
-    return platform::encodePNG(*image).value_or("");
+    return image;
+}
+
+std::string avatarPNG(int red, int green, int blue) {
+    return platform::encodePNG(*avatarImage(80, red, green, blue)).value_or("");
 }
 
 namespace {

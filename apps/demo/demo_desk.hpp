@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/image.hpp"
 #include "sandbox/help_desk.hpp"
 
 #include <filesystem>
@@ -9,7 +10,9 @@
 
 namespace belvademo {
 
-// A round picture of a person, light on the colour, as the desk serves agents' avatars (PNG bytes).
+// A square picture of a person, light on the colour, `size` pixels wide.
+platform::ImagePtr avatarImage(int size, int red, int green, int blue);
+// The same, 80 pixels wide, as PNG bytes: as the desk serves agents' avatars.
 std::string avatarPNG(int red, int green, int blue);
 
 // The host application's help desk: an embedded desk in a directory of its own, made the core's,

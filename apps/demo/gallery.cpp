@@ -1,5 +1,7 @@
 #include "gallery.hpp"
 
+#include "demo_desk.hpp"
+
 #include "shots_article.hpp"
 #include "shots_container.hpp"
 #include "shots_conversation.hpp"
@@ -111,24 +113,6 @@ GalleryShot progressShot(const std::string& name, const std::string& title, doub
             }};
 }
 
-platform::ImagePtr roundAvatar(int red, int green, int blue) {
-    constexpr int size = 48;
-    auto image = std::const_pointer_cast<platform::Image>(platform::makeImage(size, size));
-    for (int y = 0; y < size; ++y)
-        for (int x = 0; x < size; ++x) {
-            const double dx = x - size / 2.0 + 0.5;
-            const double dy = y - size / 2.0 + 0.5;
-            const bool head = dx * dx + (dy + 6) * (dy + 6) < 100;
-            const bool shoulders = dy > 8 && dx * dx + (dy - 22) * (dy - 22) < 260;
-            auto* pixel = &image->rgba[static_cast<std::size_t>((y * size + x) * 4)];
-            const bool light = head || shoulders;
-            pixel[0] = static_cast<std::uint8_t>(light ? 255 : red);
-            pixel[1] = static_cast<std::uint8_t>(light ? 255 : green);
-            pixel[2] = static_cast<std::uint8_t>(light ? 255 : blue);
-            pixel[3] = 255;
-        }
-    return image;
-}
 
 class ThemedRows final : public uikit::TableViewDataSource, public uikit::TableViewDelegate {
 public:
@@ -210,9 +194,9 @@ std::vector<GalleryShot> galleryShots() {
     shots.push_back({"agent-title", "The agent title", 1.0, [] {
                          auto screen = std::make_shared<StageScreen>("Conversation", nullptr);
                          auto title = std::make_shared<AvatarTitle>(screen, "Conversation");
-                         title->setAgents({{std::nullopt, roundAvatar(52, 152, 219), "1", "Ada Byron", 1},
-                                           {std::nullopt, roundAvatar(230, 126, 34), "1", "Grace Hopper", 2},
-                                           {std::nullopt, roundAvatar(39, 174, 96), "1", "Linus Pauling", 3}});
+                         title->setAgents({{std::nullopt, avatarImage(48, 52, 152, 219), "1", "Ada Byron", 1},
+                                           {std::nullopt, avatarImage(48, 230, 126, 34), "1", "Grace Hopper", 2},
+                                           {std::nullopt, avatarImage(48, 39, 174, 96), "1", "Linus Pauling", 3}});
                          auto navigation = std::make_shared<uikit::NavigationController>(screen);
                          screen->view();
                          screen->kept.push_back(title);

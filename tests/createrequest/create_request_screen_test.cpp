@@ -130,6 +130,17 @@ protected:
         EXPECT_NE(button, nullptr);
         return button && button->isEnabled();
     }
+    // A second form, without name or email, pushed over the first.
+    std::shared_ptr<CreateRequestController> pushSecondForm() {
+        auto configuration = std::make_shared<RequestUiConfiguration>();
+        auto second = CreateRequestController::make(false, false, false, "", true, 1000,
+                                                     mirrowset::Configurations({configuration}));
+        if (!second) return nullptr;
+        navigation->pushViewController(second, false);
+        relayout();
+        return second;
+    }
+
     void tapSend() {
         auto* button = barButton("CRVsendButton");
         ASSERT_NE(button, nullptr);
@@ -605,12 +616,8 @@ TEST_F(CreateRequestScreenTest, TwoFormsOpenAtOnceEachFollowOnlyTheSendItStarted
     tapSend();
     ASSERT_EQ(first->state().sending, Sending::sending);
 
-    auto configuration = std::make_shared<RequestUiConfiguration>();
-    const auto second = CreateRequestController::make(false, false, false, "", true, 1000,
-                                                      mirrowset::Configurations({configuration}));
+    const auto second = pushSecondForm();
     ASSERT_TRUE(second);
-    navigation->pushViewController(second, false);
-    relayout();
     EXPECT_EQ(second->state().sending, Sending::unsent);
     EXPECT_EQ(first->state().sending, Sending::sending) << "the second form's start is not the first's";
     EXPECT_TRUE(first->state().hasEdits);
@@ -644,12 +651,8 @@ TEST_F(CreateRequestScreenTest, AFormShownAgainAfterAnotherFormsTicketMakesItsOw
     picker->pick(textFile("notes", 10));
     type("CRVmessageBodyField", "From the first form");
 
-    auto configuration = std::make_shared<RequestUiConfiguration>();
-    const auto second = CreateRequestController::make(false, false, false, "", true, 1000,
-                                                      mirrowset::Configurations({configuration}));
+    const auto second = pushSecondForm();
     ASSERT_TRUE(second);
-    navigation->pushViewController(second, false);
-    relayout();
     uikit::typeText(*second->descriptionTextview()->input(), "From the second form");
     second->send();
     ASSERT_TRUE(settled([&] { return second->state().sending == Sending::sent; }));

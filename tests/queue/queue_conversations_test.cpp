@@ -178,6 +178,23 @@ protected:
 
     std::string ticket(const std::string& body) { return openTicket(host_.tickets(), time_, body); }
 
+    // Starts a new conversation and opens `other` before the help desk answers; then the new one
+    // shows again, and if `byKey`, as a screen does for a ticket of its own: by its key, no ticket id.
+    std::string leaveANewTicketDuringItsCreation(Screen& screen, const std::string& other, bool byKey = true) {
+        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+        host_.tickets().setLatency(platform::milliseconds(300));
+        const auto first = screen.send("Opening words");
+        screen.open("L2", other);
+        sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+        if (byKey) {
+            Actions::MessagesLoadedFromDisk key;
+            key.localId = first;
+            sharedStore()->dispatch(key);
+        }
+        return first;
+    }
+
     testing_support::VirtualTime time_;
     queue_testing::FixedClock clock_;
     testing_support::TemporaryDirectory directory_;
@@ -323,19 +340,8 @@ TEST_P(QueueConversationsTest, MessagesOfANewTicketQueuedBehindAnotherTicketsWor
 // before the help desk answers: once the answer is in, its next message is a comment on that ticket.
 TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationKeepsTheTicketForItsNextMessage) {
     auto& desk = host_.tickets();
-    const auto t2 = ticket("Other ticket");
     Screen screen;
-    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
-    desk.setLatency(platform::milliseconds(300));
-    const auto first = screen.send("Opening words");
-    screen.open("L2", t2);
-
-    // Shown again as a screen does for a ticket of its own: by its key, no ticket id yet.
-    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
-    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
-    Actions::MessagesLoadedFromDisk key;
-    key.localId = first;
-    sharedStore()->dispatch(key);
+    leaveANewTicketDuringItsCreation(screen, ticket("Other ticket"));
     ASSERT_TRUE(settle(time_, [&] { return Screen::shown().remoteId.has_value(); })) << "the answer reaches the table shown";
     screen.send("And one more thing");
     ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
@@ -351,17 +357,8 @@ TEST_P(QueueConversationsTest, ANewTicketLeftTwiceBeforeItsAnswersKeepsEveryFail
     auto& desk = host_.tickets();
     const auto t2 = ticket("Other ticket");
     Screen screen;
-    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
-    desk.setLatency(platform::milliseconds(300));
     desk.setOffline(true);
-    const auto first = screen.send("Opening words");
-    screen.open("L2", t2);
-
-    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
-    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
-    Actions::MessagesLoadedFromDisk key;
-    key.localId = first;
-    sharedStore()->dispatch(key);
+    const auto first = leaveANewTicketDuringItsCreation(screen, t2);
     const auto later = screen.send("Written while the first waited");
     screen.open("L2", t2);
     ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
@@ -385,18 +382,7 @@ TEST_P(QueueConversationsTest, ANewTicketShownAgainDuringItsCreationTakesAMessag
         const auto other = ticket("Other ticket");
         const auto ticketsBefore = desk.requests().size();
         Screen screen;
-        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
-        desk.setLatency(platform::milliseconds(300));
-        const auto first = screen.send("Opening words");
-        screen.open("L2", other);
-
-        sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
-        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
-        if (namedByTable) {
-            Actions::MessagesLoadedFromDisk key;
-            key.localId = first;
-            sharedStore()->dispatch(key);
-        }
+        const auto first = leaveANewTicketDuringItsCreation(screen, other, namedByTable);
         const auto next = screen.send("Before the answer", false, namedByTable ? std::nullopt : std::optional(first));
         ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
 
