@@ -38,7 +38,7 @@ void settle(testing_support::VirtualTime& time, double seconds) {
 
 } // namespace
 
-TEST(Screens, AppearPresentAndDismissInOrderWithCompletionsInVirtualTime) {
+TEST(Screens, AppearPresentAndDismissInOrderWithCompletionsInVirtualTimeTakingDownWhatIsPresentedAbove) {
     testing_support::VirtualTime time;
     std::vector<std::string> log;
     auto window = std::make_shared<Window>();
@@ -67,14 +67,8 @@ TEST(Screens, AppearPresentAndDismissInOrderWithCompletionsInVirtualTime) {
     EXPECT_EQ(root->presentedViewController(), nullptr);
     EXPECT_EQ(modal->view()->superview(), nullptr);
     EXPECT_EQ(log, (std::vector<std::string>{"modal.willDisappear", "modal.didDisappear"}));
-}
 
-TEST(Screens, DismissingAPresenterTakesDownEveryScreenPresentedAboveIt) {
-    testing_support::VirtualTime time;
-    std::vector<std::string> log;
-    auto window = std::make_shared<Window>();
-    auto root = std::make_shared<Journal>("root", log);
-    window->setRootViewController(root);
+    // Dismissing a presenter takes down every screen presented above it.
     auto middle = std::make_shared<Journal>("middle", log);
     auto upper = std::make_shared<Journal>("upper", log);
     root->presentViewController(middle, false);
