@@ -73,9 +73,11 @@ TEST_F(InputFieldStoreTest, AttachmentsOverTheLimitNeverReachTheField) {
 
 TEST_F(InputFieldStoreTest, TheFieldFollowsTypingRemovalSendAndTheTicketsState) {
     Actions::PlaceHolderTextViewTextChanged typed;
-    typed.text = "   ";
-    store->dispatch(typed);
-    EXPECT_FALSE(input().canSend()) << "blank text is nothing to send";
+    for (const char* space : {"   ", " \t\n", "\u00a0\u00a0", "\u3000\u2028"}) {
+        typed.text = space;
+        store->dispatch(typed);
+        EXPECT_FALSE(input().canSend()) << "blank text is nothing to send";
+    }
 
     for (const auto* name : {"a", "b", "c"}) {
         Actions::AttachmentAdded added;

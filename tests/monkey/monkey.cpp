@@ -381,7 +381,17 @@ private:
                 tap();
                 if (alive->state().sending == CreateRequestState::Sending::sending &&
                     before != CreateRequestState::Sending::sending && !text.empty())
-                    recordSend(text, group);
+                {
+                    // Sent again after a failure, the form's text as the user left it takes the
+                    // place of what it failed to send.
+                    if (before == CreateRequestState::Sending::failure)
+                        if (auto earlier = formSends_.find(alive.get()); earlier != formSends_.end()) {
+                            note("the form sends again in place of " + markerText(earlier->second));
+                            ledger_.erase(earlier->second);
+                        }
+                    if (auto marker = recordSend(text, group)) formSends_[alive.get()] = *marker;
+                    else formSends_.erase(alive.get());
+                }
                 return;
             }
         }
@@ -816,17 +826,19 @@ private:
         return {GroupKind::form, "form:alone", ""};
     }
 
-    void recordSend(const std::string& text, const Group& group) {
+    // The marker the send is tracked by, if it is.
+    std::optional<long> recordSend(const std::string& text, const Group& group) {
         const auto marker = markerOf(text);
         ++result_.figures.sends;
         if (!marker || ledger_.contains(*marker)) {
             // Its text is not its own, but the ticket it may make is still its conversation's.
             untracked_.emplace_back(text, group);
             note("sent an untracked text");
-            return;
+            return std::nullopt;
         }
         ledger_[*marker] = Sent{*marker, text, group, step_};
         note("sent " + markerText(*marker) + " in " + group.name);
+        return marker;
     }
 
     // Where the watched send is kept, printed when that changes.
@@ -959,9 +971,10 @@ private:
             const std::string& ticket = where.front();
             const auto first = view.first[ticket];
             const Group* creator = first && ledger_.contains(*first) ? &ledger_.at(*first).group : nullptr;
+            // Untracked texts can repeat: the one from the send's own conversation is the likely creator.
             if (!first)
                 for (const auto& [text, group] : untracked_)
-                    if (text == view.firstBody[ticket]) creator = &group;
+                    if (text == view.firstBody[ticket] && (!creator || group.name == sent.group.name)) creator = &group;
             const std::string on = what + " is on ticket " + ticket;
             switch (sent.group.kind) {
             case GroupKind::ticket: expect(ticket == sent.group.ticket, on + ", not on ticket " + sent.group.ticket); break;
@@ -1124,6 +1137,7 @@ private:
     std::int64_t endUserId_ = 0;
     std::map<long, Sent> ledger_;
     std::vector<std::pair<std::string, Group>> untracked_;
+    std::map<const CreateRequestController*, long> formSends_;
     std::map<const uikit::ViewController*, std::pair<std::weak_ptr<RequestContainerController>, Group>> groups_;
     std::vector<std::string> localSeen_;
     std::string watched_;

@@ -5,11 +5,11 @@
 #include "belvakit/Request/conversation/request_table_state.hpp"
 #include "belvakit/toolkit/theme.hpp"
 #include "corvane/core_logger.hpp"
+#include "platform/trimming.hpp"
 #include "tivra/state.hpp"
 #include "tivra/state_key.hpp"
 
 #include <algorithm>
-#include <cctype>
 #include <typeinfo>
 
 namespace belvakit {
@@ -23,9 +23,8 @@ const A* exactly(const tivra::Action& action, const std::type_info& type) {
     return type == typeid(A) ? static_cast<const A*>(&action) : nullptr;
 }
 
-bool blank(const std::string& text) {
-    return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c); });
-}
+// Space as the platform knows it, no-break and ideographic spaces included.
+bool blank(const std::string& text) { return platform::trimmingWhitespaceAndNewlines(text).empty(); }
 
 // The identifier an attachment goes by when the picker takes it back.
 std::string removalIdentifier(const InputAttachmentViewState& attachment) {
