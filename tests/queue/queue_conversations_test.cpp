@@ -234,6 +234,36 @@ TEST_P(QueueConversationsTest, WorkQueuedForALeftTicketGoesToItAndIsKeptWithIt) 
     EXPECT_TRUE(kept.mapLocalToRemote.contains(m1));
 }
 
+// A ticket left with a send in flight is shown again, where the user deletes a failed message, and
+// left again before the send's answer: that answer changes only its own message in the saved
+// conversation, which keeps the later visit's deletion.
+TEST_P(QueueConversationsTest, ALateOutcomeForALeftTicketKeepsWhatALaterVisitSaved) {
+    auto& desk = host_.tickets();
+    const auto t1 = ticket("First ticket"), t2 = ticket("Second ticket");
+    Screen screen;
+    screen.open("L1", t1);
+    desk.setOffline(true);
+    const auto failed = screen.send("Failed while offline");
+    ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+    desk.setOffline(false);
+    desk.setLatency(platform::milliseconds(400));
+    const auto late = screen.send("Answered late");
+    screen.open("L2", t2);
+
+    screen.open("L1", t1);
+    Actions::DeleteMessages deletion;
+    deletion.messages.push_back(*find(Screen::shown().tableData, failed));
+    sharedStore()->dispatch(deletion);
+    ASSERT_EQ(find(screen.saved("L1").messages, failed), nullptr);
+    screen.open("L2", t2);
+    ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
+
+    const auto kept = screen.saved("L1");
+    EXPECT_EQ(find(kept.messages, failed), nullptr) << "the deleted message came back";
+    ASSERT_EQ(occurrences(kept.messages, late), 1);
+    EXPECT_TRUE(delivered(*find(kept.messages, late)));
+}
+
 // The end of a left ticket's work is not the end of what the screen shown now sends: a form opened
 // meanwhile is not told its message went out.
 TEST_P(QueueConversationsTest, ALeftTicketsEndIsNoEndForTheScreenShownNow) {

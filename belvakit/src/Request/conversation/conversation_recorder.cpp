@@ -17,7 +17,7 @@ bool failed(const Message& message) { return status(message) == DeliveryStatus::
 void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
                         const RequestsWithFailedMessagesIdStore& failedRemoteIds,
                         const std::shared_ptr<Cache>& ticketsCache, const tivra::DispatchFunction& dispatch,
-                        bool savedCopyRead) {
+                        const SavedFileWrite& write) {
     if (state.remoteId && state.localId) {
         idStore.remoteToLocal[*state.remoteId] = *state.localId;
         idStore.addLocalId(*state.localId);
@@ -44,8 +44,13 @@ void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
         else
             failedRemoteIds.remove(*state.remoteId);
     }
-    (savedCopyRead ? persistConversation : persistConversationOver)(state.tableData, state.localId, state.remoteId, state.mapLocalToRemote,
-                        MessageList::currentVersion, state.ticketClosed, ticketsCache);
+    const auto version = MessageList::currentVersion;
+    if (write.onlyChanges)
+        persistChangesOver(state.tableData, *write.onlyChanges, state.localId, state.remoteId, state.mapLocalToRemote,
+                           version, state.ticketClosed, ticketsCache);
+    else
+        (write.savedCopyRead ? persistConversation : persistConversationOver)(
+            state.tableData, state.localId, state.remoteId, state.mapLocalToRemote, version, state.ticketClosed, ticketsCache);
 }
 
 } // namespace belvakit

@@ -1,5 +1,6 @@
 #include "belvakit/Request/conversation/message_list.hpp"
 
+#include "belvakit/Request/conversation/message_equality.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "platform/clock.hpp"
 #include "platform/json.hpp"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <unordered_map>
 
 namespace belvakit {
 
@@ -341,11 +343,10 @@ void persistConversation(const std::vector<Message>& messages, const std::option
     cache->store(*key, std::move(*bytes));
 }
 
-void persistConversationOver(const std::vector<Message>& messages, const std::optional<std::string>& key,
-                             const std::optional<std::string>& remoteRequestId,
-                             const std::map<std::string, std::string>& mapLocalToRemote, int version,
-                             bool ticketClosed, const std::shared_ptr<Cache>& cache) {
-    if (!key || !cache) return;
+namespace {
+
+MessageList sentMessages(const std::vector<Message>& messages, const std::optional<std::string>& remoteRequestId,
+                         const std::map<std::string, std::string>& mapLocalToRemote, int version, bool ticketClosed) {
     MessageList list;
     list.version = version;
     for (const auto& message : messages)
@@ -353,16 +354,16 @@ void persistConversationOver(const std::vector<Message>& messages, const std::op
     list.mapLocalToRemote = mapLocalToRemote;
     list.remoteRequestId = remoteRequestId;
     list.ticketClosed = ticketClosed;
-    cache->update(*key, [list = std::move(list)](std::optional<std::string> bytes) mutable {
+    return list;
+}
+
+// Writes `list` under `key` on the cache's own thread, after `merge` took what it wants of the
+// saved entry, when that is a readable list of the same version.
+template <class Merge>
+void writeOver(const std::string& key, MessageList list, const std::shared_ptr<Cache>& cache, Merge merge) {
+    cache->update(key, [list = std::move(list), merge = std::move(merge)](std::optional<std::string> bytes) mutable {
         if (auto saved = decodeMessageList(bytes.value_or("")); saved && saved->version == list.version) {
-            std::vector<Message> merged;
-            for (auto& message : saved->messages) {
-                const bool mine = std::ranges::any_of(list.messages, [&](const Message& own) { return id(own) == id(message); });
-                if (!mine) merged.push_back(std::move(message));
-            }
-            merged.insert(merged.end(), std::make_move_iterator(list.messages.begin()),
-                          std::make_move_iterator(list.messages.end()));
-            list.messages = std::move(merged);
+            merge(list.messages, saved->messages);
             list.mapLocalToRemote.merge(saved->mapLocalToRemote);
             if (!list.remoteRequestId) list.remoteRequestId = std::move(saved->remoteRequestId);
             list.ticketClosed = list.ticketClosed || saved->ticketClosed;
@@ -370,6 +371,61 @@ void persistConversationOver(const std::vector<Message>& messages, const std::op
         list.timeStamp = platform::now();
         return encodeMessageList(list);
     });
+}
+
+auto byId(const std::string& wanted) {
+    return [&wanted](const Message& message) { return id(message) == wanted; };
+}
+
+} // namespace
+
+void persistConversationOver(const std::vector<Message>& messages, const std::optional<std::string>& key,
+                             const std::optional<std::string>& remoteRequestId,
+                             const std::map<std::string, std::string>& mapLocalToRemote, int version,
+                             bool ticketClosed, const std::shared_ptr<Cache>& cache) {
+    if (!key || !cache) return;
+    writeOver(*key, sentMessages(messages, remoteRequestId, mapLocalToRemote, version, ticketClosed), cache,
+              [](std::vector<Message>& mine, std::vector<Message>& saved) {
+                  std::vector<Message> merged;
+                  for (auto& message : saved)
+                      if (std::ranges::none_of(mine, byId(id(message)))) merged.push_back(std::move(message));
+                  merged.insert(merged.end(), std::make_move_iterator(mine.begin()), std::make_move_iterator(mine.end()));
+                  mine = std::move(merged);
+              });
+}
+
+void persistChangesOver(const std::vector<Message>& messages, const ConversationChanges& changes,
+                        const std::optional<std::string>& key, const std::optional<std::string>& remoteRequestId,
+                        const std::map<std::string, std::string>& mapLocalToRemote, int version, bool ticketClosed,
+                        const std::shared_ptr<Cache>& cache) {
+    if (!key || !cache) return;
+    writeOver(*key, sentMessages(messages, remoteRequestId, mapLocalToRemote, version, ticketClosed), cache,
+              [changes](std::vector<Message>& mine, std::vector<Message>& saved) {
+                  for (const auto& gone : changes.removed) std::erase_if(saved, byId(gone));
+                  for (const auto& wanted : changes.changed) {
+                      const auto own = std::ranges::find_if(mine, byId(wanted));
+                      if (own == mine.end()) continue;  // still queued: the send queue keeps it
+                      if (auto there = std::ranges::find_if(saved, byId(wanted)); there != saved.end())
+                          *there = *own;
+                      else
+                          saved.push_back(*own);
+                  }
+                  mine = std::move(saved);
+              });
+}
+
+ConversationChanges changesBetween(const std::vector<Message>& before, const std::vector<Message>& after) {
+    ConversationChanges changes;
+    std::unordered_map<std::string_view, const Message*> earlier;
+    for (const auto& message : before) earlier.emplace(id(message), &message);
+    for (const auto& message : after) {
+        const auto found = earlier.find(id(message));
+        if (found == earlier.end() || !(found->second->sharesRecordWith(message) || rowsEqual(*found->second, message)))
+            changes.changed.insert(id(message));
+        if (found != earlier.end()) earlier.erase(found);
+    }
+    for (const auto& [gone, message] : earlier) changes.removed.insert(std::string(gone));
+    return changes;
 }
 
 void loadConversation(std::string_view data, int version, const LoadConversationCompletion& completion) {

@@ -460,7 +460,7 @@ void RequestController::stateChanged() {
     const auto store = store_;
     idStore_.reload();
     recordConversation(*table, idStore_, failedRemoteIdStore_, skipNextPersist_ ? nullptr : ticketsCache_,
-                       [store](const tivra::Action& action) { store->dispatch(action); }, savedCopyRead_);
+                       [store](const tivra::Action& action) { store->dispatch(action); }, {.savedCopyRead = savedCopyRead_});
     skipNextPersist_ = false;
 
     if (const auto* input = state.value<InputFieldState>(tivra::stateKeyOf<InputFieldState>())) {

@@ -355,6 +355,7 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
     };
     if (!conversation.table) return tellSender();  // the store holds no conversation to keep it in
     RequestTableState& table = *conversation.table;
+    const auto before = table.tableData;
     if (auto next = RequestTableReducer().reduce(table, result)) table = std::move(*next);
     const auto shown = shownTable(getState_);
     if (shown && sameConversation(*shown, table)) {
@@ -376,8 +377,11 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
         return;
     }
     LocalIDStore idStore;
+    // The saved file may have moved on since this copy was taken, on a screen shown again
+    // meanwhile: only what this outcome changed is written over it.
     recordConversation(table, idStore, RequestsWithFailedMessagesIdStore{},
-                       ConcreteCache::named(ConcreteCache::ticketsDirectory), dispatch_);
+                       ConcreteCache::named(ConcreteCache::ticketsDirectory), dispatch_,
+                       {.onlyChanges = changesBetween(before, table.tableData)});
     tellSender();
 }
 

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,20 @@ void persistConversationOver(const std::vector<Message>& messages, const std::op
                              const std::optional<std::string>& remoteRequestId,
                              const std::map<std::string, std::string>& mapLocalToRemote, int version,
                              bool ticketClosed, const std::shared_ptr<Cache>& cache);
+
+// Which messages one step of a conversation touched, by id.
+struct ConversationChanges {
+    std::set<std::string> changed;  // new or different
+    std::set<std::string> removed;
+};
+ConversationChanges changesBetween(const std::vector<Message>& before, const std::vector<Message>& after);
+
+// Writes only what `changes` names over the saved entry, which keeps the rest: for a copy of the
+// conversation that may be older than the entry, such as the send queue's of a closed screen.
+void persistChangesOver(const std::vector<Message>& messages, const ConversationChanges& changes,
+                        const std::optional<std::string>& key, const std::optional<std::string>& remoteRequestId,
+                        const std::map<std::string, std::string>& mapLocalToRemote, int version, bool ticketClosed,
+                        const std::shared_ptr<Cache>& cache);
 
 using LoadConversationCompletion =
     std::function<void(std::vector<Message> messages, std::map<std::string, std::string> mapLocalToRemote,
