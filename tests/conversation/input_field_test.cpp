@@ -67,8 +67,7 @@ TEST_F(InputFieldStoreTest, AttachmentsOverTheLimitNeverReachTheField) {
     EXPECT_EQ(limits, (std::vector<std::int64_t>{100, 100}));
     // The picker takes back an image by its asset identifier.
     EXPECT_EQ(removals, (std::vector<std::string>{"over", "asset-7"}));
-    const auto lines = log.messages(platform::LogLevel::debug);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Attachment too large"), 2);
+    EXPECT_EQ(log.count(platform::LogLevel::debug, "Attachment too large"), 2u);
 }
 
 TEST_F(InputFieldStoreTest, TheFieldFollowsTypingRemovalSendAndTheTicketsState) {

@@ -80,9 +80,7 @@ protected:
 
     void TearDown() override {
         listening_.removeListener();
-        window->setRootViewController(nullptr);
-        screen.reset();
-        navigation.reset();
+        close();
         queue_testing::pass(time, platform::seconds(5));
         store->dispatch(RequestQueueActions::ResetQueue{});
         store->dispatch(Actions::InitializeRequestControllerState{});
@@ -90,8 +88,12 @@ protected:
         platform::setWallClock(previousClock_);
     }
 
+    static std::shared_ptr<RequestController> screenFor(std::optional<std::string> requestId, std::int64_t maxSize = 1 << 20) {
+        return RequestController::make(RequestUiConfiguration{}, std::move(requestId), nullptr, nullptr, true, maxSize);
+    }
+
     void open(std::optional<std::string> requestId, std::int64_t maxSize = 1 << 20) {
-        screen = RequestController::make(RequestUiConfiguration{}, std::move(requestId), nullptr, nullptr, true, maxSize);
+        screen = screenFor(std::move(requestId), maxSize);
         navigation = std::make_shared<uikit::NavigationController>(screen);
         window->setRootViewController(navigation);
         navigation->view()->setNeedsLayout();
@@ -139,6 +141,18 @@ protected:
 
     bool settled(const std::function<bool()>& done) { return settle(time, done); }
 
+    // Taps the failed row's retry button; the choice named `key` on the sheet that comes up.
+    uikit::View* retrySheetChoice(std::string_view key) {
+        auto* retry = find("CRVretryButton");
+        if (!retry || !uikit::tap(*retry)) return nullptr;
+        auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
+        return sheet ? uikit::findByIdentifier(*sheet->view(), localized(key)) : nullptr;
+    }
+    bool chooseOnRetrySheet(std::string_view key) {
+        auto* choice = retrySheetChoice(key);
+        return choice && uikit::tap(*choice);
+    }
+
     void close() {
         window->setRootViewController(nullptr);
         screen.reset();
@@ -170,12 +184,7 @@ protected:
         })) << "the failed send was not kept";
         EXPECT_EQ(screen->requestId(), id);
 
-        auto* retry = find("CRVretryButton");
-        ASSERT_TRUE(retry && uikit::tap(*retry));
-        auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
-        ASSERT_TRUE(sheet);
-        auto* remove = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedDelete));
-        ASSERT_TRUE(remove && uikit::tap(*remove));
+        ASSERT_TRUE(chooseOnRetrySheet(LocalizedKey::requestsCreateRequestFailedDelete));
         queue_testing::pass(time, platform::seconds(1));
         EXPECT_TRUE(deletedFromList.empty()) << "the ticket was taken for one of the device's own";
 
@@ -198,6 +207,12 @@ protected:
             desk.addAgentComment(id, agent, "Step " + std::to_string(i) + ": please try turning it off and on again.");
         }
         return id;
+    }
+
+    std::string secondTicket() {
+        host->tickets().createRequest({.requestDescription = "Second ticket"}, [](auto, auto) {});
+        EXPECT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
+        return host->tickets().requests().back().requestId;
     }
 
     testing_support::VirtualTime time;
@@ -365,12 +380,6 @@ TEST_F(ConversationScreenTest, ASecondSheetForASendAlreadyRetriedNeitherPostsNor
     const auto id = ticketWithHistory(1);
     open(id);
     ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
-    const auto sheetChoice = [&](std::string_view key) -> uikit::View* {
-        auto* retry = find("CRVretryButton");
-        if (!retry || !uikit::tap(*retry)) return nullptr;
-        auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
-        return sheet ? uikit::findByIdentifier(*sheet->view(), localized(key)) : nullptr;
-    };
     for (const std::string_view second : {LocalizedKey::requestsCreateRequestFailedRetry, LocalizedKey::requestsCreateRequestFailedDelete}) {
         const std::string body = "Are you there? " + localized(second);
         host->tickets().setOffline(true);
@@ -378,11 +387,10 @@ TEST_F(ConversationScreenTest, ASecondSheetForASendAlreadyRetriedNeitherPostsNor
         ASSERT_TRUE(settled([&] { return statusOf(body) == DeliveryStatus::failed; }));
         host->tickets().setOffline(false);
 
-        auto* first = sheetChoice(LocalizedKey::requestsCreateRequestFailedRetry);
-        ASSERT_TRUE(first && uikit::tap(*first));
+        ASSERT_TRUE(chooseOnRetrySheet(LocalizedKey::requestsCreateRequestFailedRetry));
         screen->dismissViewController(false);
         ASSERT_EQ(statusOf(body), DeliveryStatus::failed) << "the first choice waits for its sheet's exit";
-        auto* stale = sheetChoice(second);
+        auto* stale = retrySheetChoice(second);
         ASSERT_TRUE(stale);
         queue_testing::pass(time, platform::seconds(1));
         ASSERT_TRUE(uikit::tap(*stale));
@@ -409,12 +417,7 @@ TEST_F(ConversationScreenTest, ALocalTicketThatFailsIsListedOnceAndCanBeDeletedW
     // Deleting every message of the ticket takes it off the list.
     const auto localId = state().localId.value();
     for (int round = 0; round < 2; ++round) {
-        auto* retry = find("CRVretryButton");
-        ASSERT_TRUE(retry && uikit::tap(*retry));
-        auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
-        ASSERT_TRUE(sheet);
-        auto* remove = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedDelete));
-        ASSERT_TRUE(remove && uikit::tap(*remove));
+        ASSERT_TRUE(chooseOnRetrySheet(LocalizedKey::requestsCreateRequestFailedDelete));
         queue_testing::pass(time, platform::seconds(1));
     }
     EXPECT_TRUE(state().tableData.empty());
@@ -423,15 +426,13 @@ TEST_F(ConversationScreenTest, ALocalTicketThatFailsIsListedOnceAndCanBeDeletedW
 
 TEST_F(ConversationScreenTest, AScreenThatAnotherTicketsScreenCoveredGetsItsConversationBackAndSendsToItsTicket) {
     const auto first = ticketWithHistory(1);
-    host->tickets().createRequest({.requestDescription = "Second ticket"}, [](auto, auto) {});
-    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
-    const auto second = host->tickets().requests().back().requestId;
+    const auto second = secondTicket();
     open(first);
     ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 2; }));
     const auto firstScreen = screen;
 
     // A push opens the other ticket over it; the user reads it and goes back.
-    auto other = RequestController::make(RequestUiConfiguration{}, second, nullptr, nullptr, true, 1 << 20);
+    auto other = screenFor(second);
     navigation->pushViewController(other, false);
     window->layoutTree();
     ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == second; }));
@@ -451,14 +452,12 @@ TEST_F(ConversationScreenTest, AScreenThatAnotherTicketsScreenCoveredGetsItsConv
 
 TEST_F(ConversationScreenTest, AScreenOnViewKeepsItsTicketWhenAnotherStartsOutOfSight) {
     const auto first = ticketWithHistory(1);
-    host->tickets().createRequest({.requestDescription = "Second ticket"}, [](auto, auto) {});
-    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
-    const auto second = host->tickets().requests().back().requestId;
+    const auto second = secondTicket();
     open(first);
     ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 2; }));
 
     // The host starts the other ticket's screen under what the user sees, as a push handler may.
-    auto other = RequestController::make(RequestUiConfiguration{}, second, nullptr, nullptr, true, 1 << 20);
+    auto other = screenFor(second);
     other->loadViewIfNeeded();
     ASSERT_TRUE(settled([&] { return state().finishedLoading && state().remoteId == second; }));
     window->layoutTree();
@@ -480,9 +479,7 @@ TEST_F(ConversationScreenTest, ASendWhoseScreenClosedBeforeTheAnswerIsKeptAsFail
     ASSERT_EQ(state().tableData.size(), 1u);
     const auto localId = id(state().tableData[0]);  // a new ticket is kept under its first message's id
     const auto cache = screen->ticketsCache();
-    window->setRootViewController(nullptr);
-    screen.reset();
-    navigation.reset();
+    close();
     queue_testing::pass(time, platform::seconds(2));
 
     std::optional<MessageList> kept;
@@ -499,7 +496,7 @@ TEST_F(ConversationScreenTest, ASendWhoseScreenClosedBeforeTheAnswerIsKeptAsFail
 TEST_F(ConversationScreenTest, AScreenMadeEarlierKeepsTheTicketMapsOtherScreensSavedSince) {
     const auto other = ticketWithHistory(1);
     // Made before the new ticket exists, as a screen under another one is.
-    auto earlier = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    auto earlier = screenFor(other);
     open(std::nullopt);
     typeAndSend("A brand new ticket");
     ASSERT_TRUE(settled([&] { return statusOf("A brand new ticket") == DeliveryStatus::lastDelivered; }));
@@ -533,7 +530,7 @@ TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesT
     host->tickets().setLatency(platform::milliseconds(500));
     typeAndSend("The very first words");
     // Another ticket's screen starts before the help desk answers, and goes again.
-    auto covering = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    auto covering = screenFor(other);
     covering->loadViewIfNeeded();
     ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
     queue_testing::pass(time, platform::seconds(2));
@@ -554,7 +551,7 @@ TEST_F(ConversationScreenTest, ANewTicketShownAgainBeforeItsCreationAnswersTakes
     open(std::nullopt);
     host->tickets().setLatency(platform::milliseconds(500));
     typeAndSend("The very first words");
-    auto covering = RequestController::make(RequestUiConfiguration{}, other, nullptr, nullptr, true, 1 << 20);
+    auto covering = screenFor(other);
     covering->loadViewIfNeeded();
     covering.reset();
     ASSERT_FALSE(screen->requestId().has_value()) << "the creation has not answered yet";
@@ -576,17 +573,10 @@ TEST_F(ConversationScreenTest, ATicketOpenedByItsDeviceIdAfterItsRetryMadeItTalk
     ASSERT_TRUE(settled([&] { return statusOf("First try") == DeliveryStatus::failed; }));
     const auto localId = state().localId.value();  // the id its failed row in the list carries
     host->tickets().setOffline(false);
-    auto* retry = find("CRVretryButton");
-    ASSERT_TRUE(retry && uikit::tap(*retry));
-    auto sheet = std::dynamic_pointer_cast<uikit::AlertController>(screen->presentedViewController());
-    ASSERT_TRUE(sheet);
-    auto* again = uikit::findByIdentifier(*sheet->view(), localized(LocalizedKey::requestsCreateRequestFailedRetry));
-    ASSERT_TRUE(again && uikit::tap(*again));
+    ASSERT_TRUE(chooseOnRetrySheet(LocalizedKey::requestsCreateRequestFailedRetry));
     ASSERT_TRUE(settled([&] { return statusOf("First try") == DeliveryStatus::lastDelivered; }));
     const auto created = host->tickets().requests().back().requestId;
-    window->setRootViewController(nullptr);
-    screen.reset();
-    navigation.reset();
+    close();
 
     open(localId);
     ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
@@ -613,9 +603,7 @@ TEST_F(ConversationScreenTest, AnOpenTicketComesFromTheDiskFirstAndAFailedFetchO
     open(id);
     ASSERT_TRUE(settled([&] { return state().finishedLoading && state().tableData.size() == 4; }));
     const auto localId = state().localId.value();
-    window->setRootViewController(nullptr);
-    screen.reset();
-    navigation.reset();
+    close();
 
     // Again, offline: the conversation shows from the disk, and the failed fetch offers a retry.
     host->tickets().setOffline(true);
@@ -633,10 +621,6 @@ TEST_F(ConversationScreenTest, AnOpenTicketComesFromTheDiskFirstAndAFailedFetchO
     ASSERT_TRUE(settled([&] { return state().tableData.size() == 5; }));
 }
 
-} // namespace
-
-namespace {
-
 TEST_F(ConversationScreenTest, TheNextConversationShowsOnlyItsOwnMessages) {
     const auto first = ticketWithHistory(2);
     open(first);
@@ -644,10 +628,8 @@ TEST_F(ConversationScreenTest, TheNextConversationShowsOnlyItsOwnMessages) {
     host->tickets().setOffline(true);
     typeAndSend("Are you there?");
     ASSERT_TRUE(settled([&] { return statusOf("Are you there?") == DeliveryStatus::failed; }));
-    window->setRootViewController(nullptr);
     std::weak_ptr<RequestController> gone = screen;
-    screen.reset();
-    navigation.reset();
+    close();
     queue_testing::pass(time, platform::seconds(1));
     EXPECT_TRUE(gone.expired()) << "the screen outlives its window";
 
@@ -660,10 +642,6 @@ TEST_F(ConversationScreenTest, TheNextConversationShowsOnlyItsOwnMessages) {
     EXPECT_EQ(state().tableData.size(), 2u) << shown << " localId " << state().localId.value_or("-");
     EXPECT_FALSE(statusOf("Are you there?").has_value());
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(ConversationScreenTest, ASendDuringTheFirstLoadKeepsTheProgressBarUntilItsQueueIsDone) {
     const auto id = ticketWithHistory(1);
@@ -681,10 +659,6 @@ TEST_F(ConversationScreenTest, ASendDuringTheFirstLoadKeepsTheProgressBarUntilIt
     ASSERT_TRUE(settled([&] { return statusOf("Quick question") == DeliveryStatus::lastDelivered; }));
     ASSERT_TRUE(settled([&] { return progress.state() == ProgressState::idle; }));
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(ConversationScreenTest, TheKeyboardKeepsAReaderAtTheEndAtTheEnd) {
     const auto id = ticketWithHistory(20);
@@ -706,10 +680,6 @@ TEST_F(ConversationScreenTest, TheKeyboardKeepsAReaderAtTheEndAtTheEnd) {
     EXPECT_LT(table().frame().height(), before - 200);
     EXPECT_TRUE(lastRowShows());
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(ConversationScreenTest, AHelpCenterLinkInAnAgentsCommentOpensTheArticle) {
     const auto id = ticketWithHistory(1);

@@ -26,6 +26,12 @@ protected:
     std::shared_ptr<RequestTableReducer> reducer = std::make_shared<RequestTableReducer>();
 };
 
+Actions::TicketCreationError creationError(std::string id) {
+    Actions::TicketCreationError error;
+    error.id = std::move(id);
+    return error;
+}
+
 Upload::Attachment upload(std::string id, std::optional<std::string> filename = std::nullopt) {
     return Upload::Attachment{"", std::move(id), FileType::png, std::move(filename)};
 }
@@ -76,22 +82,13 @@ TEST_F(RequestTableReducerTest, CommentCreatedLabelsOnlyTheLastAttachmentOfTheNe
 
     // A ticket whose first message failed and that a later one makes keeps the conversation's id,
     // under which the device already keeps it.
-    auto failedFirst = reduce(withMessages({text("F", t0, queued)}), [] {
-        Actions::TicketCreationError error;
-        error.id = "F";
-        return error;
-    }());
+    auto failedFirst = reduce(withMessages({text("F", t0, queued)}), creationError("F"));
     ASSERT_EQ(failedFirst.localId, "F");
     failedFirst.tableData.push_back(text("T", t0 + 1, queued));
     state = reduce(failedFirst, ticket);
     EXPECT_EQ(state.localId, "F");
     EXPECT_EQ(state.remoteId, "42");
-    EXPECT_EQ(reduce(state, [] {
-                  Actions::TicketCreationError error;
-                  error.id = "T";
-                  return error;
-              }()).localId,
-              "F");
+    EXPECT_EQ(reduce(state, creationError("T")).localId, "F");
 }
 
 TEST_F(RequestTableReducerTest, ASendWhoseCommentAFetchBroughtFirstStaysOneRow) {
@@ -126,9 +123,7 @@ TEST_F(RequestTableReducerTest, FailuresMarkTheTextAndItsAttachments) {
     EXPECT_EQ(statusOf(state.tableData, "i1"), DeliveryStatus::failed);
     EXPECT_EQ(statusOf(state.tableData, "ok"), DeliveryStatus::delivered);
     EXPECT_EQ(state.lastActionType, ActionTypes::noAction);
-    Actions::TicketCreationError ticketError;
-    ticketError.id = "L";
-    EXPECT_EQ(reduce(sending, ticketError).localId, "L");
+    EXPECT_EQ(reduce(sending, creationError("L")).localId, "L");
 }
 
 TEST_F(RequestTableReducerTest, PreparedAttachmentsNameTheirRows) {
