@@ -108,6 +108,12 @@ protected:
         relayout();
         return form;
     }
+    // The form opened again in a fresh navigation, as a host does after the last one went.
+    std::shared_ptr<CreateRequestController> reopen(const Form& options = {}) {
+        window->setRootViewController(nullptr);
+        navigation = std::make_shared<uikit::NavigationController>(rootScreen = std::make_shared<uikit::ViewController>());
+        return open(options);
+    }
     void relayout() {
         const std::function<void(uikit::View&)> mark = [&](uikit::View& view) {
             view.setNeedsLayout();
@@ -209,9 +215,7 @@ TEST_F(CreateRequestScreenTest, TheFormAsksOnlyForWhatTheIdentityLacksAndStartsW
     EXPECT_EQ(opener->openedURLs()[0].absoluteString(), "https://example.com/referrer");
 
     // Asked for neither, with no logo and attachments off: the description alone.
-    window->setRootViewController(nullptr);
-    navigation = std::make_shared<uikit::NavigationController>(rootScreen = std::make_shared<uikit::ViewController>());
-    ASSERT_TRUE(open({.requiresName = false, .requiresEmail = false, .showLogo = false, .attachmentsEnabled = false}));
+    ASSERT_TRUE(reopen({.requiresName = false, .requiresEmail = false, .showLogo = false, .attachmentsEnabled = false}));
     EXPECT_EQ(uikit::findByIdentifier(*window, "CRVnameField"), nullptr);
     EXPECT_EQ(uikit::findByIdentifier(*window, "CRVemailField"), nullptr);
     EXPECT_EQ(form->inputFieldValidator()->views().size(), 1u);
@@ -454,8 +458,7 @@ TEST_F(CreateRequestScreenTest, AttachmentsLiveInTheInputFieldsSliceAndTheAccoun
     EXPECT_EQ(tooBig, std::vector<std::int64_t>{100});
     EXPECT_EQ(removed, std::vector<std::string>{"over-id"});
     EXPECT_EQ(status(), localized(LocalizedKey::requestsCreateRequestAttachmentFileTooBig));
-    const auto debug = log.messages(platform::LogLevel::debug);
-    EXPECT_NE(std::find(debug.begin(), debug.end(), "Attachment too large"), debug.end());
+    EXPECT_TRUE(log.contains(platform::LogLevel::debug, "Attachment too large"));
     EXPECT_TRUE(shown("CRVattachment_exact-id"));
     queue_testing::pass(time, platform::seconds(3.5));
     EXPECT_FALSE(shown("CRVcreateRequestStatusView"));
@@ -528,21 +531,14 @@ TEST_F(CreateRequestScreenTest, AttachmentsOffAtTheAccountDropPreAttachedFilesWi
     EXPECT_TRUE(form->attachmentCollectionView()->state().attachments.empty());
     EXPECT_TRUE(storeAttachmentIds().empty());
     EXPECT_FALSE(shown("CRVattachButton"));
-    auto errors = log.messages(platform::LogLevel::error);
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), disabled), 1);
+    EXPECT_EQ(log.count(platform::LogLevel::error, disabled), 1u);
 
     // Off at the account, the form says so even with nothing to pre-attach.
-    window->setRootViewController(nullptr);
-    navigation = std::make_shared<uikit::NavigationController>(rootScreen = std::make_shared<uikit::ViewController>());
-    ASSERT_TRUE(open({.attachmentsEnabled = false}));
-    errors = log.messages(platform::LogLevel::error);
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), disabled), 2);
+    ASSERT_TRUE(reopen({.attachmentsEnabled = false}));
+    EXPECT_EQ(log.count(platform::LogLevel::error, disabled), 2u);
     // On, it is quiet.
-    window->setRootViewController(nullptr);
-    navigation = std::make_shared<uikit::NavigationController>(rootScreen = std::make_shared<uikit::ViewController>());
-    ASSERT_TRUE(open());
-    errors = log.messages(platform::LogLevel::error);
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), disabled), 2);
+    ASSERT_TRUE(reopen());
+    EXPECT_EQ(log.count(platform::LogLevel::error, disabled), 2u);
 }
 
 TEST_F(CreateRequestScreenTest, LeavingWithUnsavedEditsAsksFirstAndWithoutEditsLeavesAtOnce) {
@@ -567,9 +563,7 @@ TEST_F(CreateRequestScreenTest, LeavingWithUnsavedEditsAsksFirstAndWithoutEditsL
     EXPECT_EQ(input("CRVnameField").text(), "Ann");
 
     // Deleting the text leaves no edits: the way out is open without a question.
-    input("CRVnameField").deleteBackward();
-    input("CRVnameField").deleteBackward();
-    input("CRVnameField").deleteBackward();
+    for (int i = 0; i < 3; ++i) input("CRVnameField").deleteBackward();
     EXPECT_FALSE(form->hasUnsavedEdits());
     uikit::tap(*barButton("CRVbackButton"));
     EXPECT_EQ(form->presentedViewController(), nullptr);
@@ -600,9 +594,7 @@ TEST_F(CreateRequestScreenTest, DiscardingOnAModalFormRunsItsOwnCancelButton) {
 
 TEST_F(CreateRequestScreenTest, WithoutARequestConfigurationThereIsNoForm) {
     EXPECT_EQ(CreateRequestController::make(true, true, true, "", true, 100, mirrowset::Configurations()), nullptr);
-    const auto debug = log.messages(platform::LogLevel::debug);
-    EXPECT_NE(std::find(debug.begin(), debug.end(), "No configuration found, please use RequestUi to present"),
-              debug.end());
+    EXPECT_TRUE(log.contains(platform::LogLevel::debug, "No configuration found, please use RequestUi to present"));
 }
 
 // A second form opened while the first still sends, pushed over it: the first keeps its send and
@@ -678,10 +670,7 @@ TEST_F(CreateRequestScreenTest, ANewFormStartsAfreshAfterAFinishedOneAndMakesANe
     tapSend();
     ASSERT_TRUE(settled([&] { return form->state().sending == Sending::sent; }));
     queue_testing::pass(time, platform::seconds(2.5));
-    window->setRootViewController(nullptr);
-
-    navigation = std::make_shared<uikit::NavigationController>(rootScreen = std::make_shared<uikit::ViewController>());
-    ASSERT_TRUE(open({.requiresName = false, .requiresEmail = false}));
+    ASSERT_TRUE(reopen({.requiresName = false, .requiresEmail = false}));
     EXPECT_EQ(form->state().sending, Sending::unsent);
     EXPECT_FALSE(form->state().hasEdits);
     const auto* table = sharedStore()->state().value<RequestTableState>(tivra::stateKeyOf<RequestTableState>());
