@@ -25,6 +25,12 @@ using queue_testing::settle;
 
 namespace {
 
+// What a screen does as it leaves what it showed: the queue moves on, the conversation slices empty.
+void leaveTheShownConversation() {
+    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
+    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+}
+
 // What the conversation screen does with the shared store: opens a conversation, sends, and keeps
 // the device's copy of the shown conversation after every change once the saved one is loaded.
 class Screen {
@@ -52,8 +58,7 @@ public:
     void open(const std::string& localId, const std::string& remoteId) {
         auto store = sharedStore();
         loaded_ = false;
-        store->dispatch(RequestQueueActions::ResetQueue{});
-        store->dispatch(Actions::InitializeRequestControllerState{});
+        leaveTheShownConversation();
         // The key and the ticket are known before the disk answers.
         Actions::MessagesLoadedFromDisk key;
         key.localId = localId;
@@ -185,8 +190,7 @@ protected:
         host_.tickets().setLatency(platform::milliseconds(300));
         const auto first = screen.send("Opening words");
         screen.open("L2", other);
-        sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
-        sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+        leaveTheShownConversation();
         if (byKey) {
             Actions::MessagesLoadedFromDisk key;
             key.localId = first;
@@ -277,8 +281,7 @@ TEST_P(QueueConversationsTest, ALeftTicketsEndIsNoEndForTheScreenShownNow) {
     auto listener = sharedStore()->addActionListener([&](const tivra::Action& action) {
         if (tivra::actionAs<RequestQueueActions::QueueCompleted>(action)) ++completions;
     });
-    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
-    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    leaveTheShownConversation();
     ASSERT_TRUE(settle(time_, [&] { return userBodies(desk, t1).size() == 2; }));
     queue_testing::pass(time_, platform::seconds(2));
     EXPECT_EQ(completions, 0);
@@ -354,8 +357,7 @@ TEST_P(QueueConversationsTest, MessagesOfANewTicketQueuedBehindAnotherTicketsWor
     screen.open("L1", t1);
     desk.setLatency(platform::milliseconds(200));
     screen.send("For T1");
-    sharedStore()->dispatch(RequestQueueActions::ResetQueue{});
-    sharedStore()->dispatch(Actions::InitializeRequestControllerState{});
+    leaveTheShownConversation();
     screen.send("Opening words");
     screen.send("And one more thing");
     ASSERT_TRUE(settle(time_, [&] { return screen.quiet(); }));
