@@ -27,8 +27,9 @@ namespace {
 class RequestContainerTest : public ContainerTest {
 protected:
     // A container for the ticket with stand-ins for its children, which record what they were given.
-    std::shared_ptr<RequestContainerController> container(std::optional<std::string> requestId = std::nullopt) {
-        auto made = requestId ? RequestUi::buildRequestUi(*requestId) : RequestUi::buildRequestUi();
+    std::shared_ptr<RequestContainerController> container(std::optional<std::string> requestId = std::nullopt,
+                                                          const mirrowset::ConfigurationList& configurations = {}) {
+        auto made = requestId ? RequestUi::buildRequestUi(*requestId, configurations) : RequestUi::buildRequestUi(configurations);
         made->conversationScreenBuilder = [this](const ConversationScreenInput& input, RequestContainerController&) {
             conversations.push_back(input);
             return standIn("conversation");
@@ -145,11 +146,7 @@ TEST_F(RequestContainerTest, HandsTheChildrenTheSettingsConfigurationAndSharedVi
     desk->settings()->setAttachments(true, 1234);
     auto configuration = std::make_shared<RequestUiConfiguration>();
     configuration->subject = "From the app";
-    auto screen = RequestUi::buildRequestUi("77", {configuration});
-    screen->conversationScreenBuilder = [this](const ConversationScreenInput& input, RequestContainerController&) {
-        conversations.push_back(input);
-        return standIn("conversation");
-    };
+    auto screen = container("77", {configuration});
     push(screen);
     ASSERT_EQ(conversations.size(), 1u);
     const auto& input = conversations[0];
@@ -214,14 +211,6 @@ TEST_F(RequestContainerTest, AConversationWithoutItsConfigurationSaysSoAndIsNotM
     bare.requestId = "12";
     EXPECT_EQ(RequestContainerController::defaultConversationScreenBuilder()(bare, *screen), nullptr);
     EXPECT_TRUE(logged(LogLevel::debug, "No configuration found, please use RequestUi to present"));
-
-    // A conversation that cannot be made leaves the container loading, with the error.
-    screen->conversationScreenBuilder = [](const ConversationScreenInput&, RequestContainerController&) {
-        return uikit::ViewController::Ptr();
-    };
-    push(screen);
-    EXPECT_TRUE(logged(LogLevel::error, "Failed to create conversations controller"));
-    EXPECT_EQ(shownChild(*screen), "loading");
 }
 
 TEST_F(RequestContainerTest, EveryAppearanceFetchesSettingsButOnlyAChangeRedraws) {
