@@ -3,7 +3,6 @@
 #include "belvakit/entry/Coordinator/coordinating_view_controller.hpp"
 #include "belvakit/entry/Coordinator/dismiss_util.hpp"
 #include "belvakit/entry/Coordinator/help_center_contact_us_router.hpp"
-#include "belvakit/Request/requestlist/request_list_view_controller.hpp"
 #include "belvakit/entry/request_ui.hpp"
 #include "quorvel/engine.hpp"
 
@@ -245,18 +244,6 @@ TEST_F(ContainerTest, TheFactoriesWorkWithAndWithoutACoreObject) {
     auto* coordinator = dynamic_cast<RequestCoordinator*>(list->coordinator.get());
     ASSERT_NE(coordinator, nullptr);
     EXPECT_EQ(coordinator->uiConfigurations, mirrowset::ConfigurationList{configuration});
-}
-
-TEST_F(ContainerTest, TheRequestListFactoryShowsTheListOnceTheSettingIsKnown) {
-    startCore(corvane::Identity::createAnonymous());
-    auto flow = RequestUi::buildRequestList();
-    push(flow);
-    run(0.5);
-    auto* list = dynamic_cast<RequestListViewController*>(flow->activeController().get());
-    ASSERT_NE(list, nullptr);
-    EXPECT_FALSE(flow->spinner->isAnimating());
-    EXPECT_EQ(flow->title(), list->title());
-    EXPECT_FALSE(flow->title().empty());
 }
 
 } // namespace
