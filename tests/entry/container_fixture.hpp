@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../queue/host_fixture.hpp"
 #include "belvakit/entry/request_container_controller.hpp"
 #include "corvane/corvane.hpp"
 #include "dastrel/support.hpp"
@@ -11,8 +12,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <string>
 
 namespace container_testing {
@@ -41,19 +40,9 @@ protected:
     }
 
     // Moves virtual time on in small strides, running what the main queue is handed on the way.
-    void run(double seconds) {
-        const int strides = static_cast<int>(std::lround(seconds / 0.05));
-        for (int i = 0; i < strides; ++i) {
-            while (platform::MainQueue::shared().runPending() > 0) {}
-            time.advance(platform::milliseconds(50));
-        }
-        while (platform::MainQueue::shared().runPending() > 0) {}
-    }
+    void run(double seconds) { queue_testing::pass(time, platform::seconds(seconds), platform::milliseconds(50)); }
 
-    bool logged(platform::LogLevel level, const std::string& text) const {
-        const auto messages = log.messages(level);
-        return std::find(messages.begin(), messages.end(), text) != messages.end();
-    }
+    bool logged(platform::LogLevel level, const std::string& text) const { return log.contains(level, text); }
 
     // Pushes the screen above the root and lets it appear.
     void push(const uikit::ViewController::Ptr& screen) {
