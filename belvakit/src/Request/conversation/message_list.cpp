@@ -357,6 +357,16 @@ MessageList sentMessages(const std::vector<Message>& messages, const std::option
     return list;
 }
 
+void dropRemoteTwins(MessageList& list) {
+    // A local message mapped to a remote comment is that comment: a fetch's copy of it goes.
+    std::set<std::string_view> present;
+    for (const auto& message : list.messages) present.insert(id(message));
+    std::set<std::string_view> twins;
+    for (const auto& [local, remote] : list.mapLocalToRemote)
+        if (local != remote && present.contains(local)) twins.insert(remote);
+    std::erase_if(list.messages, [&](const Message& message) { return twins.contains(id(message)); });
+}
+
 // Writes `list` under `key` on the cache's own thread, after `merge` took what it wants of the
 // saved entry, when that is a readable list of the same version.
 template <class Merge>
@@ -367,6 +377,7 @@ void writeOver(const std::string& key, MessageList list, const std::shared_ptr<C
             list.mapLocalToRemote.merge(saved->mapLocalToRemote);
             if (!list.remoteRequestId) list.remoteRequestId = std::move(saved->remoteRequestId);
             list.ticketClosed = list.ticketClosed || saved->ticketClosed;
+            dropRemoteTwins(list);
         }
         list.timeStamp = platform::now();
         return encodeMessageList(list);

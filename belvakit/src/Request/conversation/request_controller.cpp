@@ -396,7 +396,7 @@ void RequestController::openConversation() {
     std::weak_ptr<RequestController> weak = self();
     requestFetcher_.loadFromDisk(key, [weak, id, key, localOnly](std::vector<Message> messages,
                                                                  std::map<std::string, std::string> map,
-                                                                 std::optional<std::string>, bool closed) {
+                                                                 std::optional<std::string> remote, bool closed) {
         auto screen = weak.lock();
         if (!screen) return;
         // Another screen took the conversation meanwhile: it gets it back, and reads it again, when shown.
@@ -411,6 +411,19 @@ void RequestController::openConversation() {
         screen->store_->dispatch(loaded);
         screen->skipNextPersist_ = false;
         if (closed) screen->store_->dispatch(Actions::TicketClosed{});
+        // The send queue wrote the ticket it made into the file, while another screen held that
+        // ticket under a key of its own: the conversation talks to that ticket, not a new one.
+        if (localOnly && remote && !screen->queueWorking_) {
+            screen->requestId_ = *remote;
+            RequestQueueActions::SetRequestId known;
+            known.id = *remote;
+            screen->store_->dispatch(known);
+            Actions::SetRemoteId ticket;
+            ticket.remoteRequestID = *remote;
+            ticket.localId = key;
+            screen->store_->dispatch(ticket);
+            return screen->fetchComments(*remote);
+        }
         if (localOnly) {
             Actions::LoadedFailedRequest failed;
             failed.requestId = id;

@@ -114,6 +114,19 @@ std::vector<Message> missingMessagesOfSend(const RequestTableState& from, const 
     return missing;
 }
 
+// What an outcome changed in a left conversation's copy, and the messages of the send it reports
+// whatever their state there: the copy may be older than a retry made on a later visit.
+ConversationChanges changesOfOutcome(const std::vector<Message>& before, const std::vector<Message>& after,
+                                     const tivra::Action& result) {
+    auto changes = changesBetween(before, after);
+    if (const std::string* sent = reportedMessageId(result))
+        for (const auto& message : after) {
+            const std::string* parent = parentIdOf(message);
+            if (id(message) == *sent || (parent && *parent == *sent)) changes.changed.insert(id(message));
+        }
+    return changes;
+}
+
 } // namespace
 
 std::shared_ptr<RequestQueueMiddleWare> RequestQueueMiddleWare::make(
@@ -374,14 +387,20 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
             dispatch_(messages);
         }
         dispatch_(result);
+        // Shown under a key of its own (opened by its ticket id), the ticket is still this
+        // conversation's too: its file learns the outcome, or it would make a second ticket.
+        if (table.localId && shown->localId != table.localId)
+            persistChangesOver(table.tableData, changesOfOutcome(before, table.tableData, result), table.localId,
+                               table.remoteId, table.mapLocalToRemote, MessageList::currentVersion, table.ticketClosed,
+                               ConcreteCache::named(ConcreteCache::ticketsDirectory));
         return;
     }
     LocalIDStore idStore;
     // The saved file may have moved on since this copy was taken, on a screen shown again
-    // meanwhile: only what this outcome changed is written over it.
+    // meanwhile: only what this outcome concerns is written over it.
     recordConversation(table, idStore, RequestsWithFailedMessagesIdStore{},
                        ConcreteCache::named(ConcreteCache::ticketsDirectory), dispatch_,
-                       {.onlyChanges = changesBetween(before, table.tableData)});
+                       {.onlyChanges = changesOfOutcome(before, table.tableData, result)});
     tellSender();
 }
 
