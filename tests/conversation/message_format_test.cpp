@@ -22,6 +22,10 @@ class RecordingCache final : public Cache {
 public:
     void store(const std::string& key, std::string bytes) override { stored.emplace_back(key, std::move(bytes)); }
     void fetch(const std::string&, FetchCompletion completion) override { completion(std::nullopt); }
+    void update(const std::string& key, Change change) override {
+        const auto last = std::find_if(stored.rbegin(), stored.rend(), [&](const auto& entry) { return entry.first == key; });
+        if (auto bytes = change(last == stored.rend() ? std::nullopt : std::optional(last->second))) store(key, std::move(*bytes));
+    }
     std::optional<std::filesystem::path> fileURL(const std::string&) const override { return std::nullopt; }
     void run(std::function<void()> block) override { block(); }
     std::vector<std::pair<std::string, std::string>> stored;
@@ -224,6 +228,22 @@ TEST(PersistConversation, KeepsFailedAndAgentRowsButNotQueuedOnes) {
     EXPECT_EQ(idsOf(loaded.messages), (std::vector<std::string>{"failed", "agent", "sent-file"}));
     EXPECT_EQ(loaded.map.at("LOCAL-1"), "4711");
     EXPECT_TRUE(loaded.ticketClosed);
+}
+
+// An older copy writes only what it was asked to over the saved entry: a message deleted since
+// stays deleted, one added since stays, and a fetched copy of a comment the copy sent goes.
+TEST(PersistConversation, ChangesWrittenOverTheSavedEntryLeaveTheRestAsSaved) {
+    auto cache = std::make_shared<RecordingCache>();
+    persistConversation({agentMessage("a1"), userMessage("u1"), userMessage("R2"), agentMessage("x")}, "KEY", "4711",
+                        {{"u1", "R1"}}, 1, false, cache);
+    const std::vector<Message> older{agentMessage("a1"), userMessage("u1"), userMessage("deleted", DeliveryStatus::failed),
+                                     userMessage("L2")};
+    persistChangesOver(older, {.changed = {"L2"}, .removed = {}}, "KEY", std::nullopt, {{"L2", "R2"}}, 1, false, cache);
+
+    const auto loaded = load(cache->stored.back().second);
+    EXPECT_EQ(idsOf(loaded.messages), (std::vector<std::string>{"a1", "u1", "x", "L2"}));
+    EXPECT_EQ(loaded.map, (std::map<std::string, std::string>{{"u1", "R1"}, {"L2", "R2"}}));
+    EXPECT_EQ(loaded.remoteRequestId, "4711");
 }
 
 TEST(PersistConversation, WritesNothingWithoutAKeyOrForAnUnwritableValue) {

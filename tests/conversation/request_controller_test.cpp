@@ -512,6 +512,26 @@ TEST_F(ConversationScreenTest, AScreenMadeEarlierKeepsTheTicketMapsOtherScreensS
     EXPECT_EQ(stored.remoteToLocal.at(created), localId);
 }
 
+// A conversation of the device's own whose ticket was made while another screen showed that ticket
+// under a key of its own: its file knows the ticket, and its next message goes there.
+TEST_F(ConversationScreenTest, ADeviceConversationWhoseFileKnowsItsTicketSendsToIt) {
+    const auto ticket = ticketWithHistory(1);
+    const std::string key = "5F0E6C1A-7D4B-4C1E-9A57-2B8E0C6D9F31";
+    const UserMessage first{.id = key, .status = DeliveryStatus::delivered, .body = "My printer prints blank pages",
+                            .createdAt = 100};
+    persistConversation({first}, key, ticket, {{key, "remote-first"}}, MessageList::currentVersion, false,
+                        ConcreteCache::named(ConcreteCache::ticketsDirectory));
+    queue_testing::pass(time, platform::milliseconds(200));
+
+    open(key);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    EXPECT_EQ(state().remoteId, ticket);
+    typeAndSend("Any news?");
+    ASSERT_TRUE(settled([&] { return statusOf("Any news?") == DeliveryStatus::lastDelivered; }));
+    EXPECT_EQ(host->tickets().requests().size(), 1u) << "a second ticket was made";
+    EXPECT_EQ(host->tickets().comments(ticket).back().body, "Any news?");
+}
+
 TEST_F(ConversationScreenTest, ATicketWhoseCommentsNeverLoadedStaysThatTicketThroughAFailedSendAndItsDeletion) {
     failASendOnATicketThatNeverLoaded(SavedCopy::readAtOnce);
 }
