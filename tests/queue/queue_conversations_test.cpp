@@ -264,6 +264,7 @@ TEST_P(QueueConversationsTest, ALateOutcomeForALeftTicketKeepsWhatALaterVisitSav
 
     const auto kept = screen.saved("L1");
     EXPECT_EQ(find(kept.messages, failed), nullptr) << "the deleted message came back";
+    EXPECT_EQ(std::ranges::count(RequestsWithFailedMessagesIdStore{}.ids(), t1), 0) << "the ticket is listed as failed again";
     ASSERT_EQ(occurrences(kept.messages, late), 1);
     EXPECT_TRUE(delivered(*find(kept.messages, late)));
 }

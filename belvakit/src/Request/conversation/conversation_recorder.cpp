@@ -18,6 +18,11 @@ void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
                         const RequestsWithFailedMessagesIdStore& failedRemoteIds,
                         const std::shared_ptr<Cache>& ticketsCache, const tivra::DispatchFunction& dispatch,
                         const SavedFileWrite& write) {
+    // An older copy that writes only its changes tells only of their failures: a failed message
+    // it still holds may have been deleted since.
+    const auto failedNow = [&](const Message& message) {
+        return failed(message) && (!write.onlyChanges || write.onlyChanges->changed.contains(id(message)));
+    };
     if (state.remoteId && state.localId) {
         idStore.remoteToLocal[*state.remoteId] = *state.localId;
         idStore.addLocalId(*state.localId);
@@ -25,9 +30,8 @@ void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
     if (state.localId) {
         // One list row per conversation: only the first failure of a local id reports it. Every
         // later failed text would find the id known, so one look at the store does for all.
-        const auto failedText = std::find_if(state.tableData.begin(), state.tableData.end(), [](const Message& message) {
-            const auto* text = message.getIf<UserMessage>();
-            return text && text->status == DeliveryStatus::failed;
+        const auto failedText = std::find_if(state.tableData.begin(), state.tableData.end(), [&](const Message& message) {
+            return message.holds<UserMessage>() && failedNow(message);
         });
         if (failedText != state.tableData.end() && idStore.addLocalId(*state.localId)) {
             const auto& text = failedText->get<UserMessage>();
@@ -39,9 +43,9 @@ void recordConversation(const RequestTableState& state, LocalIDStore& idStore,
         }
     }
     if (state.remoteId) {
-        if (std::ranges::any_of(state.tableData, failed))
+        if (std::ranges::any_of(state.tableData, failedNow))
             failedRemoteIds.add(*state.remoteId);
-        else
+        else if (std::ranges::none_of(state.tableData, failed))
             failedRemoteIds.remove(*state.remoteId);
     }
     const auto version = MessageList::currentVersion;
