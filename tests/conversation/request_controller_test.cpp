@@ -532,6 +532,25 @@ TEST_F(ConversationScreenTest, ADeviceConversationWhoseFileKnowsItsTicketSendsTo
     EXPECT_EQ(host->tickets().comments(ticket).back().body, "Any news?");
 }
 
+// A conversation of the device's own, written in before its saved copy comes back: the ticket
+// its message makes is kept under the conversation's key, not under the message's id.
+TEST_F(ConversationScreenTest, ADeviceConversationKeepsItsKeyForAMessageSentBeforeTheDiskAnswered) {
+    const std::string key = "8C2D7E4B-1F3A-4E6B-9D0C-5A7B3E1F2C48";
+    persistConversation({UserMessage{.id = key, .status = DeliveryStatus::failed, .body = "Typed offline", .createdAt = 100}},
+                        key, std::nullopt, {}, MessageList::currentVersion, false,
+                        ConcreteCache::named(ConcreteCache::ticketsDirectory));
+    queue_testing::pass(time, platform::milliseconds(200));
+    SlowDisk disk;
+    open(key);
+    typeAndSend("Sent before the disk answered");
+    ASSERT_TRUE(settled([&] { return statusOf("Sent before the disk answered") == DeliveryStatus::lastDelivered; }));
+    disk.open();
+    ASSERT_TRUE(settled([&] { return statusOf("Typed offline") == DeliveryStatus::failed; }));
+    EXPECT_EQ(state().localId, key);
+    const auto created = state().remoteId.value();
+    EXPECT_EQ(LocalIDStore{}.remoteToLocal.at(created), key);
+}
+
 TEST_F(ConversationScreenTest, ATicketWhoseCommentsNeverLoadedStaysThatTicketThroughAFailedSendAndItsDeletion) {
     failASendOnATicketThatNeverLoaded(SavedCopy::readAtOnce);
 }

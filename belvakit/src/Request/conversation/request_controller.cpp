@@ -391,6 +391,13 @@ void RequestController::openConversation() {
         remote.localId = key;
         store_->dispatch(remote);
     }
+    if (localOnly) {
+        // Named before the disk answers: a message sent meanwhile stays with this conversation
+        // rather than naming a new one after itself.
+        Actions::NameConversation named;
+        named.localId = key;
+        store_->dispatch(named);
+    }
     savedCopyRead_ = false;
     progressBar_->stateMachine()->begin(sharedProgressSteps());
     std::weak_ptr<RequestController> weak = self();

@@ -411,6 +411,12 @@ std::optional<RequestTableState> RequestTableReducer::reduce(const RequestTableS
         next.maxAttachmentSize = settings->maxAttachmentSize;
         return next;
     }
+    if (const auto* named = actionAs<Actions::NameConversation>(action)) {
+        if (state.localId) return std::nullopt;
+        RequestTableState next = state;
+        next.localId = named->localId;
+        return next;
+    }
     if (const auto* remoteId = actionAs<Actions::SetRemoteId>(action)) {
         RequestTableState next = state;
         next.remoteId = remoteId->remoteRequestID;

@@ -113,6 +113,12 @@ struct SettingsFetched final : tivra::Action {
     std::string systemMessage;
 };
 
+// The id a conversation of the device's own is kept under, for a table that has none yet: known
+// when its screen opens, before the disk answers.
+struct NameConversation final : tivra::Action {
+    std::string localId;
+};
+
 struct SetRemoteId final : tivra::Action {
     std::string remoteRequestID;
     // The id its conversation is kept under on the device, for a table that has none yet.
