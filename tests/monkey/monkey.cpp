@@ -803,7 +803,17 @@ private:
         if (!id) {
             group = {GroupKind::fresh, "new:" + std::to_string(++screens_), ""};
         } else if (isNumber(*id)) {
-            group = {GroupKind::ticket, "ticket:" + *id + "#" + std::to_string(++screens_), *id};
+            // A number may also be the key a ticket opened by its id is kept under (its first
+            // comment's), listed as a conversation of the device: the screen then talks to the
+            // ticket its saved file names.
+            std::string ticket = *id;
+            const LocalIDStore ids;
+            if (!ids.remoteToLocal.contains(*id)) {
+                const auto stored = storedConversations();
+                if (const auto file = stored.find(*id); file != stored.end() && file->second.remoteRequestId)
+                    ticket = *file->second.remoteRequestId;
+            }
+            group = {GroupKind::ticket, "ticket:" + ticket + "#" + std::to_string(++screens_), ticket};
         } else if (isUuid(*id)) {
             group = {GroupKind::local, "local:" + *id, ""};
         } else {
