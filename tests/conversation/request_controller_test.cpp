@@ -195,6 +195,18 @@ protected:
         EXPECT_EQ(host->tickets().comments(id).back().body, "Once more");
     }
 
+    // A new ticket's first words, slow to answer; then another ticket's screen starts over it
+    // and takes the store's slices. That screen is returned.
+    std::shared_ptr<RequestController> startANewTicketAndCoverIt() {
+        const auto other = ticketWithHistory(1);
+        open(std::nullopt);
+        host->tickets().setLatency(platform::milliseconds(500));
+        typeAndSend("The very first words");
+        auto covering = screenFor(other);
+        covering->loadViewIfNeeded();
+        return covering;
+    }
+
     // A ticket on the help desk with a long history, written before the screen opens.
     std::string ticketWithHistory(int agentComments) {
         auto& desk = host->tickets();
@@ -564,13 +576,8 @@ TEST_F(ConversationScreenTest, ASendThatFailedOnAScreenClosedBeforeTheSavedCopyC
 }
 
 TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesTakesItsNextMessage) {
-    const auto other = ticketWithHistory(1);
-    open(std::nullopt);
-    host->tickets().setLatency(platform::milliseconds(500));
-    typeAndSend("The very first words");
     // Another ticket's screen starts before the help desk answers, and goes again.
-    auto covering = screenFor(other);
-    covering->loadViewIfNeeded();
+    auto covering = startANewTicketAndCoverIt();
     ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 2; }));
     queue_testing::pass(time, platform::seconds(2));
     covering.reset();
@@ -586,13 +593,7 @@ TEST_F(ConversationScreenTest, ANewTicketCreatedWhileAnotherScreenHeldTheSlicesT
 // As above, but the next message goes before the help desk has answered, while the screen's saved
 // copy is still being read: it waits for the ticket being created instead of making a second one.
 TEST_F(ConversationScreenTest, ANewTicketShownAgainBeforeItsCreationAnswersTakesTheNextMessageAsAComment) {
-    const auto other = ticketWithHistory(1);
-    open(std::nullopt);
-    host->tickets().setLatency(platform::milliseconds(500));
-    typeAndSend("The very first words");
-    auto covering = screenFor(other);
-    covering->loadViewIfNeeded();
-    covering.reset();
+    startANewTicketAndCoverIt();
     ASSERT_FALSE(screen->requestId().has_value()) << "the creation has not answered yet";
 
     typeAndSend("And what followed at once");
