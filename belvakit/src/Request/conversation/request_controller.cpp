@@ -381,17 +381,10 @@ void RequestController::openConversation() {
         return;
     }
     if (!localOnly) {
-        RequestQueueActions::SetRequestId known;
-        known.id = id;
-        store_->dispatch(known);
         // The help desk's ticket, known as such and by its key before the saved copy comes back: a
         // send meanwhile is kept under the ticket, and never taken for a ticket of the device's own.
-        Actions::SetRemoteId remote;
-        remote.remoteRequestID = id;
-        remote.localId = key;
-        store_->dispatch(remote);
-    }
-    if (localOnly) {
+        knowTicket(id, key);
+    } else {
         // Named before the disk answers: a message sent meanwhile stays with this conversation
         // rather than naming a new one after itself.
         Actions::NameConversation named;
@@ -422,13 +415,7 @@ void RequestController::openConversation() {
         // ticket under a key of its own: the conversation talks to that ticket, not a new one.
         if (localOnly && remote && !screen->queueWorking_) {
             screen->requestId_ = *remote;
-            RequestQueueActions::SetRequestId known;
-            known.id = *remote;
-            screen->store_->dispatch(known);
-            Actions::SetRemoteId ticket;
-            ticket.remoteRequestID = *remote;
-            ticket.localId = key;
-            screen->store_->dispatch(ticket);
+            screen->knowTicket(*remote, key);
             return screen->fetchComments(*remote);
         }
         if (localOnly) {
@@ -440,6 +427,16 @@ void RequestController::openConversation() {
         }
         screen->fetchComments(id);
     });
+}
+
+void RequestController::knowTicket(const std::string& requestId, const std::string& key) {
+    RequestQueueActions::SetRequestId known;
+    known.id = requestId;
+    store_->dispatch(known);
+    Actions::SetRemoteId remote;
+    remote.remoteRequestID = requestId;
+    remote.localId = key;
+    store_->dispatch(remote);
 }
 
 void RequestController::fetchComments(const std::string& requestId) {

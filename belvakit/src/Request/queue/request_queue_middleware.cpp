@@ -98,6 +98,12 @@ const std::string* reportedMessageId(const tivra::Action& result) {
     return nullptr;
 }
 
+// A message of the send whose id is `sent`: its text, or a file sent with it.
+bool ofSend(const Message& message, const std::string& sent) {
+    const std::string* parent = parentIdOf(message);
+    return id(message) == sent || (parent && *parent == sent);
+}
+
 // The messages of the send that `result` reports which `into` lacks.
 std::vector<Message> missingMessagesOfSend(const RequestTableState& from, const RequestTableState& into,
                                            const tivra::Action& result) {
@@ -105,8 +111,7 @@ std::vector<Message> missingMessagesOfSend(const RequestTableState& from, const 
     const std::string* sent = reportedMessageId(result);
     if (!sent) return missing;
     for (const auto& message : from.tableData) {
-        const std::string* parent = parentIdOf(message);
-        if (id(message) != *sent && !(parent && *parent == *sent)) continue;
+        if (!ofSend(message, *sent)) continue;
         const bool present = std::ranges::any_of(
             into.tableData, [&](const Message& shown) { return id(shown) == id(message); });
         if (!present) missing.push_back(message);
@@ -120,10 +125,8 @@ ConversationChanges changesOfOutcome(const std::vector<Message>& before, const s
                                      const tivra::Action& result) {
     auto changes = changesBetween(before, after);
     if (const std::string* sent = reportedMessageId(result))
-        for (const auto& message : after) {
-            const std::string* parent = parentIdOf(message);
-            if (id(message) == *sent || (parent && *parent == *sent)) changes.changed.insert(id(message));
-        }
+        for (const auto& message : after)
+            if (ofSend(message, *sent)) changes.changed.insert(id(message));
     return changes;
 }
 

@@ -124,6 +124,8 @@ private:
     bool reclaimConversation();
     void subscribe();
     void openConversation();
+    // Tells the queue and the table the help desk's ticket this conversation talks to, and its key.
+    void knowTicket(const std::string& requestId, const std::string& key);
     void fetchComments(const std::string& requestId);
     void stateChanged();
     void actionSeen(const tivra::Action& action);
