@@ -7,9 +7,10 @@ namespace platform {
 
 namespace {
 std::mutex clockMutex;
+// Never destroyed: a worker thread may still ask the time while the program's statics go.
 std::shared_ptr<WallClock>& currentClock() {
-    static std::shared_ptr<WallClock> clock = std::make_shared<SystemWallClock>();
-    return clock;
+    static auto* clock = new std::shared_ptr<WallClock>(std::make_shared<SystemWallClock>());
+    return *clock;
 }
 } // namespace
 

@@ -45,9 +45,10 @@ void MemoryLogSink::clear() {
 namespace log {
 namespace {
 std::mutex sinkMutex;
+// Never destroyed: a worker thread may still log while the program's statics go.
 std::shared_ptr<LogSink>& currentSink() {
-    static std::shared_ptr<LogSink> sink = std::make_shared<StderrLogSink>();
-    return sink;
+    static auto* sink = new std::shared_ptr<LogSink>(std::make_shared<StderrLogSink>());
+    return *sink;
 }
 } // namespace
 
