@@ -606,6 +606,32 @@ TEST_F(ConversationScreenTest, ANewTicketShownAgainBeforeItsCreationAnswersTakes
     EXPECT_EQ(comments[1].body, "And what followed at once");
 }
 
+// The host opens the new ticket by its id, before its creation answers, over the screen that is
+// creating it. Back on that screen, a message written before its saved copy is read still goes
+// to the ticket, not to a second one.
+TEST_F(ConversationScreenTest, ANewTicketOpenedByItsIdElsewhereTakesTheNextMessageBeforeItsFileIsRead) {
+    open(std::nullopt);
+    host->tickets().setLatency(platform::milliseconds(500));
+    typeAndSend("The very first words");
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 1; }));
+    const auto created = host->tickets().requests().back().requestId;
+    auto byId = screenFor(created);
+    byId->loadViewIfNeeded();
+    queue_testing::pass(time, platform::seconds(2));
+    ASSERT_EQ(state().remoteId, created) << "the screen shown takes the creation";
+    byId.reset();
+
+    host->tickets().setLatency(platform::Duration::zero());
+    SlowDisk disk;
+    typeAndSend("Written before the file was read");
+    ASSERT_TRUE(settled([&] { return statusOf("Written before the file was read") == DeliveryStatus::lastDelivered; }));
+    disk.open();
+    EXPECT_EQ(host->tickets().requests().size(), 1u) << "a second ticket was made";
+    EXPECT_EQ(host->tickets().comments(created).back().body, "Written before the file was read");
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    EXPECT_EQ(state().remoteId, created);
+}
+
 TEST_F(ConversationScreenTest, ATicketOpenedByItsDeviceIdAfterItsRetryMadeItTalksToTheHelpDesksTicket) {
     open(std::nullopt);
     host->tickets().setOffline(true);

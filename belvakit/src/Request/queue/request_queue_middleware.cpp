@@ -293,6 +293,17 @@ void RequestQueueMiddleWare::enqueueOperationsFor(const RequestQueueActions::Dis
             creationQueued = shown_->joins != nullptr;
         }
     }
+    if (owner == shown_ && !seen.hasTicket && !seen.requesting && !creationQueued && details.conversation)
+        if (const auto taken = ticketsTakenElsewhere_.find(*details.conversation); taken != ticketsTakenElsewhere_.end()) {
+            const TicketInfo ticket = taken->second;
+            requestDispatchQueue().sync([this, &ticket] { shown_->state = RequestQueueState::ticketCreated(ticket.first, ticket.second); });
+            seen.hasTicket = true;
+            // The table learns it too, or it would keep the conversation as the device's alone.
+            Actions::SetRemoteId known;
+            known.remoteRequestID = ticket.first;
+            known.localId = *details.conversation;
+            if (dispatch_) dispatch_(known);
+        }
     if (seen.hasTicket) {
         // The fetch goes first, so a comment sent after a long pause lands after what agents wrote.
         enqueue(std::make_shared<FetchNewCommentsOperation>(), owner);
@@ -391,11 +402,15 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
         }
         dispatch_(result);
         // Shown under a key of its own (opened by its ticket id), the ticket is still this
-        // conversation's too: its file learns the outcome, or it would make a second ticket.
-        if (table.localId && shown->localId != table.localId)
+        // conversation's too: it and its file learn the outcome, or it would make a second ticket.
+        if (table.localId && shown->localId != table.localId) {
+            std::optional<TicketInfo> ticket;
+            requestDispatchQueue().sync([&conversation, &ticket] { ticket = ticketInfo(conversation.state); });
+            if (ticket) ticketsTakenElsewhere_[*table.localId] = *ticket;
             persistChangesOver(table.tableData, changesOfOutcome(before, table.tableData, result), table.localId,
                                table.remoteId, table.mapLocalToRemote, MessageList::currentVersion, table.ticketClosed,
                                ConcreteCache::named(ConcreteCache::ticketsDirectory));
+        }
         return;
     }
     LocalIDStore idStore;

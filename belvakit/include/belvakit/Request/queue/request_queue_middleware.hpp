@@ -74,6 +74,10 @@ private:
     std::unordered_map<std::string, std::shared_ptr<Conversation>> announced_;
     std::shared_ptr<Conversation> shown_;
     std::shared_ptr<Conversation> running_;  // owner of the operation in flight, if any
+    // Tickets that left conversations made while the screen shown held them under a key of its
+    // own, by the left conversation's key: shown again, that conversation still talks to its
+    // ticket, even before its saved file says so.
+    std::unordered_map<std::string, TicketInfo> ticketsTakenElsewhere_;
     bool runningCreatesTicket_ = false;
     std::uint64_t runs_ = 0;                 // numbers each start, so a stray second report is known
     RequestUiConfiguration config_;
