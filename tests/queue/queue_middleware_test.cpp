@@ -171,6 +171,18 @@ TEST_F(QueueMiddlewareTest, AfterAResetWaitingWorkKeepsItsTicketAndNothingStarts
     EXPECT_EQ(completed_, 1);
 }
 
+TEST_F(QueueMiddlewareTest, AResetForgetsAShownTicketThatSendsNothingWhileAnotherConversationsWorkRuns) {
+    knownTicket("17");
+    auto first = operation("a");
+    run({first});
+    knownTicket("30");
+    store_->dispatch(RequestQueueActions::ResetQueue{});
+    EXPECT_EQ(middleware_->queueState(), State::initial()) << "only a reset in the shown conversation's own flight leaves it dirty";
+    first->finishWith(commentCreated(9));
+    EXPECT_EQ(middleware_->queueState(), State::initial());
+    EXPECT_EQ(journal_, (std::vector<std::string>{"a@17"}));
+}
+
 TEST_F(QueueMiddlewareTest, ASendFromAListenerOfAResultKeepsTheQueueOpenUntilItEnds) {
     auto first = operation("a"), nested = operation("nested");
     auto subscription = store_->addActionListener([&](const tivra::Action& action) {

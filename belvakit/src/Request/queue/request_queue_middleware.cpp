@@ -166,7 +166,7 @@ void RequestQueueMiddleWare::onAction(const tivra::Action& action, const tivra::
     // Every action of the store passes here; one type lookup keeps that cheap.
     const std::type_info& type = typeid(action);
     if (type == typeid(Q::ResetQueue)) {
-        moveOn(getState, running_ ? RequestQueueState::dirty() : RequestQueueState::initial());
+        moveOn(getState, reset(queueState()));
     } else if (type == typeid(Actions::InitializeRequestControllerState)) {
         // The table is about to show another conversation; work still queued keeps the one it had.
         if (hasWork(*shown_)) {
