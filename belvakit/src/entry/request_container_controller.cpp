@@ -199,7 +199,7 @@ void RequestContainerController::showConversation() {
         const double width = std::max(0.0, view()->bounds().width() - 160);
         avatarTitle = std::make_shared<AvatarTitle>(shared_from_this(), localized(LocalizedKey::requestsCreateRequestTitle),
                                                     ConcreteCache::named(ConcreteCache::avatarsDirectory),
-                                                    agentNamesView, width);
+                                                    agentNamesView, width, makeAttachmentsProvider());
     }
     if (const auto* table = sharedStore()->state().valueOfType<RequestTableState>()) showAgents(*table);
 }

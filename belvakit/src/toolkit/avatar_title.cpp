@@ -1,16 +1,17 @@
 #include "belvakit/toolkit/avatar_title.hpp"
 
 #include "belvakit/Request/requestlist/avatar_fetcher.hpp"
-#include "platform/image_codec.hpp"
 #include "uikit/animation.hpp"
 #include "uikit/navigation_controller.hpp"
 
 namespace belvakit {
 
 AvatarTitle::AvatarTitle(const std::shared_ptr<uikit::ViewController>& screen, std::string title,
-                         std::shared_ptr<Cache> avatarCache, std::shared_ptr<AgentNamesView> names, double width)
+                         std::shared_ptr<Cache> avatarCache, std::shared_ptr<AgentNamesView> names, double width,
+                         std::shared_ptr<AttachmentsProvider> provider)
     : agentNamesView(names ? std::move(names) : uikit::make<AgentNamesView>()),
       cache(std::move(avatarCache)),
+      attachmentsProvider(std::move(provider)),
       navBarWidth(width),
       screen_(screen),
       title_(std::move(title)) {}
@@ -65,14 +66,13 @@ void AvatarTitle::present(const std::function<void()>& changes) {
 
 void AvatarTitle::fetchMissingAvatars() {
     if (!cache || !titleView_) return;
+    const AvatarFetcher fetcher{attachmentsProvider, cache};
     for (const auto& agent : titleView_->agents()) {
         if (agent.avatarImage || !agent.avatarUrl || agent.avatarUrl->empty()) continue;
-        cache->fetch(avatarCacheKey(*agent.avatarUrl),
-                     [weak = std::weak_ptr(titleView_), userId = agent.userId](std::optional<std::string> bytes) {
-                         const auto view = weak.lock();
-                         if (!view || !bytes) return;
-                         if (auto image = platform::decodeImage(*bytes)) view->setAvatarImage(userId, std::move(image));
-                     });
+        fetcher.fetch(agent, [weak = std::weak_ptr(titleView_)](AgentAvatarInfo fetched, bool) {
+            const auto view = weak.lock();
+            if (view && fetched.avatarImage) view->setAvatarImage(fetched.userId, std::move(fetched.avatarImage));
+        });
     }
 }
 

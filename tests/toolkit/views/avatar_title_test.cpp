@@ -109,6 +109,35 @@ TEST_F(AvatarTitleTest, TheBarShowsEachAgentsAvatarAndTheirNames) {
     EXPECT_TRUE(avatars[2]->showsPlaceholder());
 }
 
+// Serves the bytes it holds; any other URL fails.
+class ServedAvatars final : public AttachmentsProvider {
+public:
+    void getAttachment(const std::string& url, Completion completion) override {
+        const auto found = served.find(url);
+        if (found == served.end()) return completion(std::nullopt, dastrel::ProviderError{"test", 404, "absent"});
+        completion(found->second, std::nullopt);
+    }
+    std::map<std::string, std::string> served;
+};
+
+TEST_F(AvatarTitleTest, AnAvatarTheCacheLacksIsDownloadedAndKept) {
+    const std::string cleoUrl = "https://help.example.com/avatars/cleo.png";
+    auto provider = std::make_shared<ServedAvatars>();
+    provider->served[cleoUrl] = *platform::encodePNG(*solid(10, 150));
+
+    AvatarTitle title(screen, "Conversation", cache, nullptr, 0, provider);
+    title.setAgents({agent(3, "Cleo", cleoUrl), agent(5, "Eve", "https://help.example.com/avatars/eve.png")});
+    window->layoutTree();
+    platform::MainQueue::shared().runPending();
+
+    const auto avatars = avatarsIn(*title.titleView());
+    ASSERT_EQ(avatars.size(), 2u);
+    ASSERT_FALSE(avatars[0]->showsPlaceholder());
+    EXPECT_EQ(avatars[0]->image()->rgba[0], 150);
+    EXPECT_TRUE(cache->entries.contains(avatarCacheKey(cleoUrl))) << "the download is kept for the next screen";
+    EXPECT_TRUE(avatars[1]->showsPlaceholder()) << "a failed download keeps the placeholder";
+}
+
 TEST_F(AvatarTitleTest, LaterChangesFadeInAndNoAgentsBringBackThePlainTitle) {
     AvatarTitle title(screen, "Conversation", nullptr);
     title.setAgents({agent(1, "Anna")});

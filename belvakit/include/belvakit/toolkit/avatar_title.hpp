@@ -1,6 +1,7 @@
 #pragma once
 
 #include "belvakit/Request/requestlist/agent_avatar_info.hpp"
+#include "belvakit/attachments/attachments_provider.hpp"
 #include "belvakit/attachments/cache.hpp"
 #include "belvakit/toolkit/avatar_views.hpp"
 #include "uikit/view_controller.hpp"
@@ -13,17 +14,18 @@ namespace belvakit {
 
 // Puts the agents of a conversation into a screen's navigation item: their avatars and names as
 // the title view, or the plain title when there are none. Avatars without an image are looked up
-// in the "Avatars" cache.
+// in the "Avatars" cache, and downloaded into it when it lacks them and a provider is given.
 class AvatarTitle {
 public:
     AvatarTitle(const std::shared_ptr<uikit::ViewController>& screen, std::string title,
                 std::shared_ptr<Cache> cache = nullptr, std::shared_ptr<AgentNamesView> agentNamesView = nullptr,
-                double navBarWidth = 0);
+                double navBarWidth = 0, std::shared_ptr<AttachmentsProvider> attachmentsProvider = nullptr);
 
     // The screen's item, while the screen lives.
     uikit::NavigationItem* navigationItem() const;
     std::shared_ptr<AgentNamesView> agentNamesView;
     std::shared_ptr<Cache> cache;
+    std::shared_ptr<AttachmentsProvider> attachmentsProvider;
     double navBarWidth;
     // The first presentation has not happened yet.
     bool initalPresent = true;
