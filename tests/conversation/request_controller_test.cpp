@@ -505,6 +505,37 @@ TEST_F(ConversationScreenTest, ASendWhoseScreenClosedBeforeTheAnswerIsKeptAsFail
     EXPECT_EQ(listErrors, 1) << "the failed ticket is listed, where its retry is";
 }
 
+// A retried photo's bytes are read from the disk before the send goes; the screen closes
+// meanwhile and the retry fails again: the device still keeps the failed message.
+TEST_F(ConversationScreenTest, ARetriedPhotoWhoseScreenClosedBeforeItsBytesWereReadIsKeptWhenItFailsAgain) {
+    const auto id = ticketWithHistory(1);
+    open(id);
+    ASSERT_TRUE(settled([&] { return state().finishedLoading; }));
+    host->tickets().setOffline(true);
+    Actions::AttachmentAdded added;
+    added.viewModel = photo();
+    store->dispatch(added);
+    typeAndSend("The photo of the box");
+    ASSERT_TRUE(settled([&] { return statusOf("The photo of the box") == DeliveryStatus::failed; }));
+    const auto cache = screen->ticketsCache();
+    const auto key = state().localId.value();
+
+    std::optional<SlowDisk> disk(std::in_place);
+    ASSERT_TRUE(chooseOnRetrySheet(LocalizedKey::requestsCreateRequestFailedRetry));
+    close();
+    disk->open();
+    queue_testing::pass(time, platform::seconds(2));
+
+    std::optional<MessageList> kept;
+    ASSERT_TRUE(settled([&] {
+        kept = decodeMessageList(cache->read(key).value_or(""));
+        return kept && std::ranges::any_of(kept->messages, [](const Message& message) {
+                   const auto* body = bodyOf(message);
+                   return body && *body == "The photo of the box" && status(message) == DeliveryStatus::failed;
+               });
+    })) << "the retried message left the device";
+}
+
 TEST_F(ConversationScreenTest, AScreenMadeEarlierKeepsTheTicketMapsOtherScreensSavedSince) {
     const auto other = ticketWithHistory(1);
     // Made before the new ticket exists, as a screen under another one is.

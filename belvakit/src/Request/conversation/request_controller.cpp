@@ -693,6 +693,10 @@ void RequestController::retry(const std::vector<Message>& messages) {
         store->dispatch(details);
     };
     if (!attachmentsCache_ || files.empty()) return send({});
+    // The bytes take a while: the send stays this conversation's if the screen goes meanwhile.
+    RequestQueueActions::SendComing coming;
+    coming.id = details.id;
+    store_->dispatch(coming);
     std::vector<std::string> keys;
     for (const auto& file : files) keys.push_back(fileCacheKey(id(file), filenameOf(file)));
     attachmentsCache_->run([cache = attachmentsCache_, keys, send]() mutable {
