@@ -663,6 +663,43 @@ TEST_F(ConversationScreenTest, ANewTicketOpenedByItsIdElsewhereTakesTheNextMessa
     EXPECT_EQ(state().remoteId, created);
 }
 
+// As above, with a failed message kept only in the new conversation's file: the screen that
+// took the ticket takes the conversation's key, shows that message and keeps it, and the ticket
+// is mapped to that one key.
+TEST_F(ConversationScreenTest, ATicketOpenedByItsIdElsewhereTakesTheKeyAndTheFailedMessagesOfTheConversationThatMadeIt) {
+    open(std::nullopt);
+    host->tickets().setOffline(true);
+    typeAndSend("Typed in a tunnel");
+    ASSERT_TRUE(settled([&] { return statusOf("Typed in a tunnel") == DeliveryStatus::failed; }));
+    const auto key = state().localId.value();
+    host->tickets().setOffline(false);
+    host->tickets().setLatency(platform::milliseconds(500));
+    typeAndSend("Out of the tunnel");
+    ASSERT_TRUE(settled([&] { return host->tickets().requests().size() == 1; }));
+    const auto created = host->tickets().requests().back().requestId;
+    const auto cache = screen->ticketsCache();
+    auto byId = screenFor(created);
+    byId->loadViewIfNeeded();
+    queue_testing::pass(time, platform::seconds(2));
+
+    ASSERT_TRUE(settled([&] { return statusOf("Typed in a tunnel") == DeliveryStatus::failed; }))
+        << "the failed message of the conversation did not join the ticket's screen";
+    EXPECT_EQ(state().localId, key);
+    EXPECT_EQ(LocalIDStore{}.remoteToLocal.at(created), key);
+    std::optional<MessageList> kept;
+    ASSERT_TRUE(settled([&] {
+        kept = decodeMessageList(cache->read(key).value_or(""));
+        return kept && kept->remoteRequestId == created && kept->messages.size() >= 2;
+    }));
+    const auto keptAs = [&](const std::string& body) {
+        for (const auto& message : kept->messages)
+            if (const auto* text = bodyOf(message); text && *text == body) return status(message);
+        return std::optional<DeliveryStatus>();
+    };
+    EXPECT_EQ(keptAs("Typed in a tunnel"), DeliveryStatus::failed);
+    EXPECT_TRUE(keptAs("Out of the tunnel").has_value());
+}
+
 TEST_F(ConversationScreenTest, ATicketOpenedByItsDeviceIdAfterItsRetryMadeItTalksToTheHelpDesksTicket) {
     open(std::nullopt);
     host->tickets().setOffline(true);

@@ -392,6 +392,7 @@ void RequestController::openConversation() {
         store_->dispatch(named);
     }
     savedCopyRead_ = false;
+    awaitedCopy_ = key;
     progressBar_->stateMachine()->begin(sharedProgressSteps());
     std::weak_ptr<RequestController> weak = self();
     requestFetcher_.loadFromDisk(key, [weak, id, key, localOnly](std::vector<Message> messages,
@@ -407,7 +408,7 @@ void RequestController::openConversation() {
         loaded.localId = key;
         const auto* table = screen->tableState();
         screen->skipNextPersist_ = table && table->tableData.empty();
-        screen->savedCopyRead_ = true;
+        if (screen->awaitedCopy_ == key) screen->savedCopyRead_ = true;
         screen->store_->dispatch(loaded);
         screen->skipNextPersist_ = false;
         if (closed) screen->store_->dispatch(Actions::TicketClosed{});
@@ -426,6 +427,23 @@ void RequestController::openConversation() {
             return;
         }
         screen->fetchComments(id);
+    });
+}
+
+void RequestController::adoptKey(const std::string& key) {
+    savedCopyRead_ = false;
+    awaitedCopy_ = key;
+    std::weak_ptr<RequestController> weak = self();
+    requestFetcher_.loadFromDisk(key, [weak, key](std::vector<Message> messages, std::map<std::string, std::string> map,
+                                                  std::optional<std::string>, bool) {
+        auto screen = weak.lock();
+        if (!screen || !screen->ownsConversation_) return;
+        Actions::MessagesLoadedFromDisk loaded;
+        loaded.messages = std::move(messages);
+        loaded.mapLocalToRemote = std::move(map);
+        loaded.localId = key;
+        if (screen->awaitedCopy_ == key) screen->savedCopyRead_ = true;
+        screen->store_->dispatch(loaded);
     });
 }
 
@@ -502,7 +520,10 @@ void RequestController::actionSeen(const tivra::Action& action) {
         return;
     }
     if (!ownsConversation_) return;
-    if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
+    if (const auto* named = actionAs<Actions::NameConversation>(action); named && named->replacing) {
+        if (const auto* table = tableState(); table && table->localId && table->localId != named->localId)
+            adoptKey(named->localId);
+    } else if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
         queueWorking_ = false;
         progressBar_->stateMachine()->queueCompleted();
     } else if (actionAs<RequestQueueActions::DispatchDetails>(action) ||

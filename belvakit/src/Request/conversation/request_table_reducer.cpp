@@ -412,7 +412,7 @@ std::optional<RequestTableState> RequestTableReducer::reduce(const RequestTableS
         return next;
     }
     if (const auto* named = actionAs<Actions::NameConversation>(action)) {
-        if (state.localId) return std::nullopt;
+        if (state.localId && (!named->replacing || state.localId == named->localId)) return std::nullopt;
         RequestTableState next = state;
         next.localId = named->localId;
         return next;

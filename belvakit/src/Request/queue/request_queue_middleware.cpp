@@ -392,6 +392,14 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
             if (const auto ticket = ticketInfo(conversation.state))
                 shown_->state = RequestQueueState::ticketCreated(ticket->first, ticket->second);
         });
+        // Shown under a key of its own (opened by its ticket id), the ticket takes this
+        // conversation's key, so that both are kept as one.
+        if (table.localId && shown->localId != table.localId) {
+            Actions::NameConversation adopted;
+            adopted.localId = *table.localId;
+            adopted.replacing = true;
+            dispatch_(adopted);
+        }
         // Opened again meanwhile: the table on screen takes the outcome, with the messages it
         // concerns if the screen never saw them.
         auto missing = missingMessagesOfSend(table, *shown, result);

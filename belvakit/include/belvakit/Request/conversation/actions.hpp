@@ -114,9 +114,12 @@ struct SettingsFetched final : tivra::Action {
 };
 
 // The id a conversation of the device's own is kept under, for a table that has none yet: known
-// when its screen opens, before the disk answers.
+// when its screen opens, before the disk answers. `replacing` renames a table that has one: a
+// ticket shown under a key of its own takes the key of the device conversation that made it, so
+// the ticket is kept in one place.
 struct NameConversation final : tivra::Action {
     std::string localId;
+    bool replacing = false;
 };
 
 struct SetRemoteId final : tivra::Action {

@@ -127,6 +127,9 @@ private:
     // Tells the queue and the table the help desk's ticket this conversation talks to, and its key.
     void knowTicket(const std::string& requestId, const std::string& key);
     void fetchComments(const std::string& requestId);
+    // The shown ticket took the key of the device conversation that made it: that conversation's
+    // saved copy joins the table, and is written over, not replaced, until it has.
+    void adoptKey(const std::string& key);
     void stateChanged();
     void actionSeen(const tivra::Action& action);
     void showActions(const Message& failed);
@@ -166,6 +169,8 @@ private:
     bool skipNextPersist_ = false;
     // Until the saved copy is read, a write keeps what it holds that the table lacks.
     bool savedCopyRead_ = true;
+    // The key whose saved copy that is.
+    std::optional<std::string> awaitedCopy_;
     // The send queue has work of this screen's: it, not the first load, ends the progress bar.
     bool queueWorking_ = false;
     bool started_ = false;
