@@ -521,8 +521,7 @@ void RequestController::actionSeen(const tivra::Action& action) {
     }
     if (!ownsConversation_) return;
     if (const auto* named = actionAs<Actions::NameConversation>(action); named && named->replacing) {
-        if (const auto* table = tableState(); table && table->localId && table->localId != named->localId)
-            adoptKey(named->localId);
+        if (const auto* table = tableState(); !table || table->localId != named->localId) adoptKey(named->localId);
     } else if (actionAs<RequestQueueActions::QueueCompleted>(action)) {
         queueWorking_ = false;
         progressBar_->stateMachine()->queueCompleted();
