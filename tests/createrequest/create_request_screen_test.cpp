@@ -314,6 +314,13 @@ TEST_F(CreateRequestScreenTest, SendingCreatesTheTicketWithTheFormsTextsAndFiles
     queue_testing::pass(time, platform::milliseconds(600));
     EXPECT_EQ(container->dismissed, 1);
     EXPECT_FALSE(shown("CRVloadingView"));
+
+    // Still on screen as it goes, the form may send again: that is a request of its own.
+    type("CRVmessageBodyField", " And the import button too.");
+    tapSend();
+    ASSERT_TRUE(settled([&] { return form->state().sending == Sending::sent; }));
+    ASSERT_EQ(host.tickets().requests().size(), 2u) << "the second send was taken for a comment on the first ticket";
+    EXPECT_EQ(host.tickets().comments(requests[0].requestId).size(), 1u);
 }
 
 TEST_F(CreateRequestScreenTest, AFailedSendShowsTheErrorKeepsEverythingAndTheRetrySucceeds) {

@@ -456,6 +456,9 @@ void CreateRequestController::send() {
 }
 
 void CreateRequestController::dispatchSend() {
+    // Sent again after its ticket was made, as the form leaves: a request of its own, as from a new form.
+    if (state_.sending == CreateRequestState::Sending::success || state_.sending == CreateRequestState::Sending::sent)
+        ownsSlices_ = false;
     claimSharedSlices();
     CreateRequestActions::SendPressed action;
     action.formId = formId_;
