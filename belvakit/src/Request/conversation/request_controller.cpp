@@ -402,14 +402,9 @@ void RequestController::openConversation() {
         if (!screen) return;
         // Another screen took the conversation meanwhile: it gets it back, and reads it again, when shown.
         if (!screen->ownsConversation_) return screen->progressBar_->stateMachine()->queueCompleted();
-        Actions::MessagesLoadedFromDisk loaded;
-        loaded.messages = std::move(messages);
-        loaded.mapLocalToRemote = std::move(map);
-        loaded.localId = key;
         const auto* table = screen->tableState();
         screen->skipNextPersist_ = table && table->tableData.empty();
-        if (screen->awaitedCopy_ == key) screen->savedCopyRead_ = true;
-        screen->store_->dispatch(loaded);
+        screen->takeSavedCopy(key, std::move(messages), std::move(map));
         screen->skipNextPersist_ = false;
         if (closed) screen->store_->dispatch(Actions::TicketClosed{});
         // The send queue wrote the ticket it made into the file, while another screen held that
@@ -438,13 +433,19 @@ void RequestController::adoptKey(const std::string& key) {
                                                   std::optional<std::string>, bool) {
         auto screen = weak.lock();
         if (!screen || !screen->ownsConversation_) return;
-        Actions::MessagesLoadedFromDisk loaded;
-        loaded.messages = std::move(messages);
-        loaded.mapLocalToRemote = std::move(map);
-        loaded.localId = key;
-        if (screen->awaitedCopy_ == key) screen->savedCopyRead_ = true;
-        screen->store_->dispatch(loaded);
+        screen->takeSavedCopy(key, std::move(messages), std::move(map));
     });
+}
+
+void RequestController::takeSavedCopy(const std::string& key, std::vector<Message> messages,
+                                      std::map<std::string, std::string> map) {
+    // Only the copy of the key the screen is kept under now ends the careful writes.
+    if (awaitedCopy_ == key) savedCopyRead_ = true;
+    Actions::MessagesLoadedFromDisk loaded;
+    loaded.messages = std::move(messages);
+    loaded.mapLocalToRemote = std::move(map);
+    loaded.localId = key;
+    store_->dispatch(loaded);
 }
 
 void RequestController::knowTicket(const std::string& requestId, const std::string& key) {

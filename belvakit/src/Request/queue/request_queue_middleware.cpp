@@ -387,14 +387,16 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
     const auto shown = shownTable(getState_);
     if (shown && sameConversation(*shown, table)) {
         // The ticket this work made is the shown conversation's, which may not know it yet.
-        requestDispatchQueue().sync([this, &conversation] {
-            if (ticketInfo(shown_->state) || hasWork(*shown_)) return;
-            if (const auto ticket = ticketInfo(conversation.state))
+        std::optional<TicketInfo> ticket;
+        requestDispatchQueue().sync([this, &conversation, &ticket] {
+            ticket = ticketInfo(conversation.state);
+            if (ticket && !ticketInfo(shown_->state) && !hasWork(*shown_))
                 shown_->state = RequestQueueState::ticketCreated(ticket->first, ticket->second);
         });
         // Shown under a key of its own (opened by its ticket id), the ticket takes this
         // conversation's key, so that both are kept as one.
-        if (table.localId && shown->localId != table.localId) {
+        const bool underAnotherKey = table.localId && shown->localId != table.localId;
+        if (underAnotherKey) {
             Actions::NameConversation adopted;
             adopted.localId = *table.localId;
             adopted.replacing = true;
@@ -411,9 +413,7 @@ void RequestQueueMiddleWare::keepForLeftConversation(Conversation& conversation,
         dispatch_(result);
         // Shown under a key of its own (opened by its ticket id), the ticket is still this
         // conversation's too: it and its file learn the outcome, or it would make a second ticket.
-        if (table.localId && shown->localId != table.localId) {
-            std::optional<TicketInfo> ticket;
-            requestDispatchQueue().sync([&conversation, &ticket] { ticket = ticketInfo(conversation.state); });
+        if (underAnotherKey) {
             if (ticket) ticketsTakenElsewhere_[*table.localId] = *ticket;
             persistChangesOver(table.tableData, changesOfOutcome(before, table.tableData, result), table.localId,
                                table.remoteId, table.mapLocalToRemote, MessageList::currentVersion, table.ticketClosed,

@@ -130,6 +130,8 @@ private:
     // The shown ticket took the key of the device conversation that made it: that conversation's
     // saved copy joins the table, and is written over, not replaced, until it has.
     void adoptKey(const std::string& key);
+    // Hands the saved copy of `key`, as read from the disk, to the table.
+    void takeSavedCopy(const std::string& key, std::vector<Message> messages, std::map<std::string, std::string> map);
     void stateChanged();
     void actionSeen(const tivra::Action& action);
     void showActions(const Message& failed);
